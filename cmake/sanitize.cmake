@@ -1,0 +1,10 @@
+# ZYR_SANITIZE names sanitizers for the whole build, for example "address,undefined"; ZYR_COVERAGE asks for
+# coverage counters.
+if(ZYR_SANITIZE)
+    add_compile_options(-fsanitize=${ZYR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${ZYR_SANITIZE})
+endif()
+if(ZYR_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()
