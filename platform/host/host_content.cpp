@@ -17,13 +17,13 @@ namespace
 // A reader that jumps about pays a system call for each small read. Loading the file costs as much as one
 // such read for every 2 KiB or so; it is done once a reader has shown that it goes on jumping, well before it
 // has paid as much.
-constexpr size_t SMALL_READ_BYTES = 16 * 1024;
-constexpr int64_t LOAD_MAX_BYTES = 64 * 1024 * 1024;
+constexpr size_t SMALL_READ_BYTES = size_t{16} << 10;
+constexpr int64_t LOAD_MAX_BYTES = int64_t{64} << 20;
 constexpr uint32_t LOAD_AFTER_LEAST = 32;
-constexpr int64_t LOAD_BYTES_PER_READ = 8 * 1024;
+constexpr int64_t LOAD_BYTES_PER_READ = int64_t{8} << 10;
 constexpr uint32_t LOAD_NEVER = std::numeric_limits<uint32_t>::max();
 
-constexpr size_t PIECE_BYTES = 64 * 1024; // of a file at a time while its text is made
+constexpr size_t PIECE_BYTES = size_t{64} << 10; // of a file at a time while its text is made
 
 int64_t Get_FileSize(int iDescriptor)
 {

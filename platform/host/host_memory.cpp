@@ -23,8 +23,9 @@ uint64_t s_ullLiveBytes;
 void *ZYR_malloc(uint32_t uiBytes)
 {
     ++s_uiAllocations;
-    if (Is_FaultDue(&s_stFault) || uiBytes > SIZE_MAX - sizeof(BlockHeader)) return nullptr;
-    auto *pstHeader = static_cast<BlockHeader *>(malloc(sizeof(BlockHeader) + uiBytes));
+    const uint64_t ullBytes = sizeof(BlockHeader) + uint64_t{uiBytes};
+    if (Is_FaultDue(&s_stFault) || ullBytes > PTRDIFF_MAX) return nullptr;
+    auto *pstHeader = static_cast<BlockHeader *>(malloc(static_cast<size_t>(ullBytes)));
     if (pstHeader == nullptr) return nullptr;
     pstHeader->uiBytes = uiBytes;
     s_ullLiveBytes += uiBytes;

@@ -1,0 +1,235 @@
+#include "host_test.h"
+#include "zyr_ccfb.h"
+#include "zyr_pmap.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+constexpr uint32_t PLANE_BYTES = 4 * 1024 * 1024;
+constexpr uint32_t PLANE_PHYS = 0x9C000000;
+
+using Steps = std::vector<std::pair<uint32_t, std::string>>; // step and argument
+
+void Record_Step(uint32_t uiStep, const void *pvArgument, uint32_t uiBytes, void *pContext)
+{
+    const char *pcArgument = pvArgument != nullptr ? static_cast<const char *>(pvArgument) : "";
+    static_cast<Steps *>(pContext)->emplace_back(uiStep, std::string(pcArgument, uiBytes));
+}
+
+template <typename... Words>
+std::string Pack_Words(Words... uiWords)
+{
+    const std::array<uint32_t, sizeof...(Words)> auiWords = {static_cast<uint32_t>(uiWords)...};
+    return {reinterpret_cast<const char *>(auiWords.data()), sizeof(auiWords)};
+}
+
+class Device : public HostTest
+{
+protected:
+    void SetUp() override
+    {
+        HostTest::SetUp();
+        m_iDevice = zyr_ccfb_open("/dev/ccfb");
+    }
+    void TearDown() override
+    {
+        zyr_ccfb_close(m_iDevice);
+        HostTest::TearDown();
+    }
+    int32_t Request(uint32_t uiRequest, const std::string &strArgument = "") const
+    {
+        return zyr_ccfb_request(m_iDevice, uiRequest, strArgument.empty() ? nullptr : strArgument.data(),
+                                static_cast<uint32_t>(strArgument.size()));
+    }
+    void Show(int32_t iX, int32_t iY, uint32_t uiWidth, uint32_t uiHeight, uint32_t uiPitch,
+              uint32_t uiAddress) const
+    {
+        Request(ZYR_CCFB_SET, Pack_Words(0, 0, iX, iY, uiWidth, uiHeight, 0, uiPitch, uiHeight, 1, 0, 0, 0));
+        Request(ZYR_CCFB_ENABLE);
+        Request(ZYR_CCFB_UPDATE, Pack_Words(uiAddress));
+    }
+    int32_t m_iDevice = 0;
+};
+
+TEST_F(Device, TraceOfALife)
+{
+    zyr_ccfb_close(m_iDevice);
+    Steps astSteps;
+    zyr_host_setDeviceTrace(Record_Step, &astSteps);
+    ZyrPmapRecord stRecord = {};
+    m_iDevice = zyr_ccfb_open("/dev/ccfb");
+    EXPECT_GT(m_iDevice, 0);
+    pmap_get_info("overlay1", &stRecord);
+    void *pvMemory = zyr_ccfb_map(m_iDevice, PLANE_BYTES, stRecord.uiBase);
+    const std::string strConfig(52, 'c');
+    EXPECT_EQ(Request(ZYR_CCFB_SET, strConfig), 0);
+    EXPECT_EQ(Request(ZYR_CCFB_ENABLE), 0);
+    EXPECT_EQ(Request(ZYR_CCFB_UPDATE, Pack_Words(PLANE_PHYS)), 0);
+    EXPECT_EQ(Request(ZYR_CCFB_DISABLE), 0);
+    zyr_ccfb_close(m_iDevice);
+    zyr_ccfb_unmap(pvMemory, PLANE_BYTES);
+    EXPECT_LT(Request(ZYR_CCFB_ENABLE), 0); // closed
+    zyr_host_setDeviceTrace(nullptr, nullptr);
+    pmap_get_info("overlay1", &stRecord);
+    const Steps astExpected = {{1, ""},
+                               {2, "overlay1"},
+                               {3, Pack_Words(PLANE_BYTES, PLANE_PHYS)},
+                               {0x103, strConfig},
+                               {0x105, ""},
+                               {0x104, Pack_Words(PLANE_PHYS)},
+                               {0x106, ""},
+                               {5, ""},
+                               {4, ""},
+                               {0x105, ""}};
+    EXPECT_EQ(astSteps, astExpected);
+}
+
+TEST_F(Device, FailingSteps)
+{
+    for (int iStep = 0; iStep <= 4; ++iStep) {
+        SCOPED_TRACE(iStep);
+        zyr_host_failDevice(iStep);
+        if (iStep == 4) zyr_host_reset();
+        ZyrPmapRecord stRecord = {77, {}};
+        const int32_t iOther = zyr_ccfb_open("/dev/ccfb");
+        pmap_get_info("overlay1", &stRecord);
+        EXPECT_EQ(iOther, iStep == 1 ? -1 : m_iDevice + 1);
+        EXPECT_EQ(stRecord.uiBase, iStep == 2 ? 77 : PLANE_PHYS);
+        EXPECT_EQ(zyr_ccfb_map(m_iDevice, 4096, PLANE_PHYS) == nullptr, iStep == 3);
+        zyr_ccfb_close(iOther);
+    }
+}
+
+TEST_F(Device, RefusesWhatItDoesNotHave)
+{
+    ZyrPmapRecord stRecord = {77, {}};
+    pmap_get_info("overlay2", &stRecord);
+    pmap_get_info(nullptr, &stRecord);
+    EXPECT_EQ(stRecord.uiBase, 77u);
+    EXPECT_EQ(zyr_ccfb_open("/dev/fb0"), -1);
+    EXPECT_EQ(zyr_ccfb_open(nullptr), -1);
+    static constexpr struct {
+        uint32_t uiBytes, uiPhysBase;
+        bool bMapped;
+    } astMaps[] = {
+        {PLANE_BYTES, PLANE_PHYS, true},        {PLANE_BYTES + 1, PLANE_PHYS, false},
+        {4096, PLANE_PHYS + 4096, true},        {PLANE_BYTES, PLANE_PHYS + 4096, false},
+        {4096, PLANE_PHYS + 1, false},          {0, PLANE_PHYS, false},
+        {4096, PLANE_PHYS - 4096, false},       {4096, PLANE_PHYS + PLANE_BYTES, false},
+        {0xFFFFFFFF, PLANE_PHYS + 4096, false}, {4096, 0, false},
+    };
+    for (const auto &stMap : astMaps) {
+        EXPECT_EQ(zyr_ccfb_map(m_iDevice, stMap.uiBytes, stMap.uiPhysBase) != nullptr, stMap.bMapped)
+            << std::hex << stMap.uiBytes << " at " << stMap.uiPhysBase;
+    }
+    for (const int32_t iDevice : {m_iDevice + 1, 0, -1, 1000}) {
+        EXPECT_EQ(zyr_ccfb_map(iDevice, 4096, PLANE_PHYS), nullptr) << iDevice;
+        EXPECT_LT(zyr_ccfb_request(iDevice, ZYR_CCFB_ENABLE, nullptr, 0), 0) << iDevice;
+    }
+    EXPECT_LT(Request(ZYR_CCFB_SET, std::string(48, 'c')), 0);
+    EXPECT_LT(Request(ZYR_CCFB_UPDATE), 0);
+    EXPECT_LT(Request(0x107), 0);
+}
+
+// The picture as text, by what is 255 in an opaque pixel: red, green or blue; '.' is a pixel left alone.
+std::string Describe_Picture(const std::vector<uint8_t> &aucRgba)
+{
+    std::string strText;
+    for (auto itPixel = aucRgba.begin(); itPixel != aucRgba.end(); itPixel += 4) {
+        const auto itFull = std::find(itPixel, itPixel + 3, 255);
+        strText += itPixel[3] == 255 ? "rgb?"[itFull - itPixel] : '.';
+    }
+    return strText;
+}
+
+// Rows of four pixels "rgb." and "bbr." at the start of the memory, "gr" in its last two pixels.
+TEST_F(Device, ComposeClipsToPictureAndMemory)
+{
+    static constexpr uint16_t R = 0xF800, G = 0x07E0, B = 0x001F;
+    static constexpr uint32_t HUGE = 0xFFFFFFFF, PLANE_END = PLANE_PHYS + PLANE_BYTES;
+    static constexpr struct {
+        int32_t iX, iY;
+        uint32_t uiWidth, uiHeight, uiPitch, uiAddress;
+        const char *pszPicture; // 4 x 3
+    } astCases[] = {
+        {0, 0, 3, 2, 4, PLANE_PHYS, "rgb.bbr....."},
+        {1, 1, 3, 2, 4, PLANE_PHYS, ".....rgb.bbr"},
+        {-1, 0, 3, 2, 4, PLANE_PHYS, "gb..br......"},
+        {0, -1, 3, 2, 4, PLANE_PHYS, "bbr........."},
+        {3, 2, 3, 2, 4, PLANE_PHYS, "...........r"},
+        {4, 0, 3, 2, 4, PLANE_PHYS, "............"},
+        {-3, 0, 3, 2, 4, PLANE_PHYS, "............"},
+        {INT32_MIN, INT32_MIN, HUGE, HUGE, HUGE, PLANE_PHYS, "............"},
+        {INT32_MAX, INT32_MAX, HUGE, HUGE, 4, PLANE_PHYS, "............"},
+        {0, 0, HUGE, HUGE, HUGE, PLANE_PHYS, "rgb........."},
+        {0, 0, 3, 3, 0, PLANE_PHYS, "rgb.rgb.rgb."},
+        {0, 0, 0, 0, 4, PLANE_PHYS, "............"},
+        {0, 0, 4, 3, 2, PLANE_PHYS + 2, "gb.b.bbrbr.."},
+        {0, 0, 4, 3, 4, PLANE_END - 4, "gr.........."},
+        {0, 0, 4, 3, 4, PLANE_END - 1, "............"},
+        {0, 0, 4, 3, 4, PLANE_END, "............"},
+        {0, 0, 4, 3, 4, PLANE_PHYS - 2, "............"},
+        {0, 0, 4, 3, 4, HUGE, "............"},
+    };
+    uint16_t *pusMemory = zyr_host_captionMemory(nullptr);
+    static constexpr uint16_t ausStart[] = {R, G, B, 0, B, B, R, 0}, ausEnd[] = {G, R};
+    std::copy(std::begin(ausStart), std::end(ausStart), pusMemory);
+    std::copy(std::begin(ausEnd), std::end(ausEnd), pusMemory + PLANE_BYTES / 2 - 2);
+    for (const auto &stCase : astCases) {
+        SCOPED_TRACE(&stCase - astCases);
+        Show(stCase.iX, stCase.iY, stCase.uiWidth, stCase.uiHeight, stCase.uiPitch, stCase.uiAddress);
+        std::vector<uint8_t> aucRgba(48, 9);
+        EXPECT_EQ(zyr_host_composeCaption(aucRgba.data(), 4, 3), 0);
+        EXPECT_EQ(Describe_Picture(aucRgba), stCase.pszPicture);
+    }
+    EXPECT_EQ(zyr_host_composeCaption(nullptr, 4, 3), -1);
+}
+
+// Five and six bits widen to eight so that all ones stay all ones.
+TEST_F(Device, ComposeColours)
+{
+    static constexpr std::pair<uint16_t, std::array<uint8_t, 4>> astCases[] = {
+        {0xFFFF, {255, 255, 255, 255}}, {0x8410, {132, 130, 132, 255}}, {0x0001, {0, 0, 8, 255}},
+        {0x0020, {0, 4, 0, 255}},       {0x0800, {8, 0, 0, 255}},       {0x0000, {9, 9, 9, 9}}};
+    Show(0, 0, 1, 1, 1, PLANE_PHYS);
+    for (const auto &[usPixel, aucExpected] : astCases) {
+        zyr_host_captionMemory(nullptr)[0] = usPixel;
+        std::array<uint8_t, 4> aucRgba = {9, 9, 9, 9};
+        zyr_host_composeCaption(aucRgba.data(), 1, 1);
+        EXPECT_EQ(aucRgba, aucExpected) << std::hex << usPixel;
+    }
+}
+
+TEST_F(Device, ShownWhenConfiguredUpdatedAndEnabledAlsoAfterClose)
+{
+    std::array<uint8_t, 4> aucRgba = {};
+    uint32_t uiPhysBase = 0;
+    const auto Is_Shown = [&aucRgba] { return zyr_host_composeCaption(aucRgba.data(), 1, 1) == 0; };
+    EXPECT_FALSE(Is_Shown());
+    Request(ZYR_CCFB_ENABLE);
+    Request(ZYR_CCFB_UPDATE, Pack_Words(PLANE_PHYS));
+    EXPECT_FALSE(Is_Shown());
+    Show(0, 0, 1, 1, 1, PLANE_PHYS);
+    EXPECT_TRUE(Is_Shown());
+    Request(ZYR_CCFB_DISABLE);
+    EXPECT_FALSE(Is_Shown());
+    Request(ZYR_CCFB_ENABLE);
+    auto *pusMapped = static_cast<uint16_t *>(zyr_ccfb_map(m_iDevice, PLANE_BYTES, PLANE_PHYS));
+    pusMapped[PLANE_BYTES / 2 - 1] = 0x1234;
+    zyr_ccfb_close(m_iDevice);
+    zyr_ccfb_unmap(pusMapped, PLANE_BYTES);
+    EXPECT_TRUE(Is_Shown());
+    const uint16_t *pusMemory = zyr_host_captionMemory(&uiPhysBase);
+    EXPECT_EQ(uiPhysBase, PLANE_PHYS);
+    EXPECT_EQ(pusMemory[PLANE_BYTES / 2 - 1], 0x1234);
+    zyr_host_reset();
+    EXPECT_EQ(pusMemory[PLANE_BYTES / 2 - 1], 0);
+    EXPECT_FALSE(Is_Shown());
+}
+
+} // namespace

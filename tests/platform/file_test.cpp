@@ -1,0 +1,164 @@
+#include "host_test.h"
+
+#include <climits>
+#include <random>
+#include <sys/stat.h>
+
+namespace
+{
+
+using HostFile = HostTest;
+
+// Counters of this process: "syscr: " system calls that read, "rchar: " bytes they gave; -1 when there are
+// none.
+long long Get_IoCount(const std::string &strName)
+{
+    std::ifstream stCounters("/proc/self/io");
+    for (std::string strLine; std::getline(stCounters, strLine);) {
+        if (strLine.starts_with(strName)) return std::stoll(strLine.substr(strName.size()));
+    }
+    return -1;
+}
+
+TEST_F(HostFile, SeeksTellsAndReads)
+{
+    const TempFile stFile("0123456789");
+    void *hFile = ZYR_fopen(stFile.Path(), "rb");
+    static constexpr struct {
+        int32_t iOffset, iOrigin, iResult, iPosition; // position afterwards
+        const char *pszNext;                          // what a read of 3 gives there
+    } astSteps[] = {
+        {4, 0, 0, 4, "456"},          {-2, 1, 0, 5, "567"},  {-3, 2, 0, 7, "789"},      {0, 2, 0, 10, ""},
+        {-1, 0, -1, 10, ""},          {-11, 2, -1, 10, ""},  {5, 2, 0, 15, ""},         {0, 3, -1, 15, ""},
+        {0, -1, -1, 15, ""},          {-13, 1, 0, 2, "234"}, {-6, 1, -1, 5, "567"},     {-8, 1, 0, 0, "012"},
+        {INT_MAX, 0, 0, INT_MAX, ""}, {1, 1, 0, -1, ""},     {INT_MIN, 1, 0, 0, "012"},
+    };
+    for (const auto &stStep : astSteps) {
+        SCOPED_TRACE(testing::Message() << stStep.iOffset << " from " << stStep.iOrigin);
+        EXPECT_EQ(ZYR_fseek(hFile, stStep.iOffset, stStep.iOrigin), stStep.iResult);
+        EXPECT_EQ(ZYR_ftell(hFile), stStep.iPosition);
+        EXPECT_EQ(Read_Text(hFile, 3), stStep.pszNext);
+    }
+    char acBuffer[16] = {};
+    ZYR_fseek(hFile, 0, 0);
+    EXPECT_EQ(ZYR_fread(acBuffer, 4, 3, hFile), 2); // only whole elements count
+    EXPECT_STREQ(acBuffer, "0123456789");
+    EXPECT_EQ(ZYR_fread(acBuffer, 0, 3, hFile), 0);
+    EXPECT_LT(ZYR_fread(nullptr, 1, 3, hFile), 0);
+    EXPECT_EQ(ZYR_fclose(hFile), 0);
+    EXPECT_LT(ZYR_fread(acBuffer, 1, 1, nullptr), 0);
+    EXPECT_NE(ZYR_fseek(nullptr, 0, 0), 0);
+    EXPECT_LT(ZYR_ftell(nullptr), 0);
+}
+
+TEST_F(HostFile, OpensRegularFilesOnly)
+{
+    const TempFile stFile("x"), stPipe("");
+    unlink(stPipe.Path());
+    ASSERT_EQ(mkfifo(stPipe.Path(), 0600), 0);
+    for (const char *pszPath : {"/tmp", "/dev/null", "", "/nowhere/at/all", stPipe.Path()}) {
+        EXPECT_EQ(ZYR_fopen(pszPath, "rb"), nullptr) << pszPath;
+    }
+    for (const char *pszMode : {"wb", "r+", "rb+", ""})
+        EXPECT_EQ(ZYR_fopen(stFile.Path(), pszMode), nullptr) << pszMode;
+    EXPECT_EQ(ZYR_fopen(nullptr, "rb"), nullptr);
+}
+
+TEST_F(HostFile, PastTwoGigabytesPositionsFail)
+{
+    const TempFile stFile("");
+    ASSERT_EQ(truncate(stFile.Path(), (1LL << 31) + 100), 0);
+    void *hFile = ZYR_fopen(stFile.Path(), "rb");
+    EXPECT_EQ(ZYR_fseek(hFile, 0, 2), 0);
+    EXPECT_EQ(ZYR_ftell(hFile), -1);
+    EXPECT_EQ(ZYR_fseek(hFile, -101, 2), 0);
+    EXPECT_EQ(ZYR_ftell(hFile), INT_MAX);
+    EXPECT_EQ(Read_Text(hFile, 200).size(), 101u);
+    ZYR_fclose(hFile);
+    zyr_host_setLineEnds(1);
+    EXPECT_EQ(ZYR_fopen(stFile.Path(), "rb"), nullptr);
+}
+
+TEST_F(HostFile, GrowsAndShrinksWhileOpen)
+{
+    const TempFile stFile("abc");
+    void *hFile = ZYR_fopen(stFile.Path(), "rb");
+    EXPECT_EQ(Read_Text(hFile, 10), "abc");
+    std::ofstream(stFile.Path(), std::ios::app) << "def";
+    EXPECT_EQ(Read_Text(hFile, 10), "def");
+    EXPECT_EQ(ZYR_fseek(hFile, -1, 2), 0);
+    EXPECT_EQ(ZYR_ftell(hFile), 5);
+    ASSERT_EQ(truncate(stFile.Path(), 2), 0);
+    EXPECT_EQ(Read_Text(hFile, 10), "");
+    EXPECT_EQ(ZYR_fseek(hFile, 0, 0), 0);
+    EXPECT_EQ(Read_Text(hFile, 10), "ab");
+    ZYR_fclose(hFile);
+}
+
+// A reader that jumps about must not pay a system call a read, one that goes straight on must not read the
+// file twice, and neither may notice.
+TEST_F(HostFile, ScatteredReadsCostFewSystemCalls)
+{
+    constexpr uint32_t FILE_BYTES = 1 << 20, READ_BYTES = 512, READS = 4000;
+    if (Get_IoCount("syscr: ") < 0) GTEST_SKIP() << "this system does not count its calls";
+    std::mt19937 stRandom(7);
+    std::string strNoise(FILE_BYTES, '\0');
+    for (char &cByte : strNoise) cByte = static_cast<char>(stRandom());
+    const TempFile stFile(strNoise);
+    void *hFile = ZYR_fopen(stFile.Path(), "rb");
+
+    const long long llBytesBefore = Get_IoCount("rchar: ");
+    for (uint32_t uiPos = 0; uiPos < FILE_BYTES; uiPos += READ_BYTES) {
+        ASSERT_TRUE(Read_Text(hFile, READ_BYTES) == strNoise.substr(uiPos, READ_BYTES));
+    }
+    EXPECT_LT(Get_IoCount("rchar: ") - llBytesBefore, FILE_BYTES + FILE_BYTES / 4);
+
+    const long long llCallsBefore = Get_IoCount("syscr: ");
+    for (uint32_t uiRead = 0; uiRead < READS; ++uiRead) {
+        const uint32_t uiPos = static_cast<uint32_t>(stRandom()) % (FILE_BYTES + READ_BYTES);
+        ZYR_fseek(hFile, static_cast<int32_t>(uiPos), 0);
+        ASSERT_TRUE(Read_Text(hFile, READ_BYTES) == strNoise.substr(std::min(uiPos, FILE_BYTES), READ_BYTES));
+    }
+    EXPECT_LT(Get_IoCount("syscr: ") - llCallsBefore, READS / 4);
+
+    std::ofstream(stFile.Path(), std::ios::app) << "grown";
+    ZYR_fseek(hFile, FILE_BYTES - 1, 0);
+    EXPECT_EQ(Read_Text(hFile, 10), strNoise.back() + std::string("grown"));
+    ZYR_fclose(hFile);
+}
+
+TEST_F(HostFile, MappedNames)
+{
+    const TempFile stFile("from the file");
+    EXPECT_EQ(zyr_host_mapFile("zyrhost:a.smi", stFile.Path()), 0);
+    EXPECT_EQ(Read_Name("zyrhost:a.smi"), "from the file");
+    EXPECT_EQ(Read_Name("zyrhost:a.srt"), "(none)");
+    EXPECT_EQ(zyr_host_mapMemory("zyrhost:a.smi", "from memory", 11), 0);
+    EXPECT_EQ(Read_Name("zyrhost:a.smi"), "from memory");
+    EXPECT_EQ(zyr_host_mapMemory("zyrhost:a.smi", "", 0), 0);
+    EXPECT_EQ(Read_Name("zyrhost:a.smi"), "");
+    EXPECT_EQ(zyr_host_mapMemory("zyrhost:a.smi", nullptr, 5), 0);
+    EXPECT_EQ(Read_Name("zyrhost:a.smi"), "(none)");
+
+    EXPECT_EQ(zyr_host_mapMemory(stFile.Path(), "instead", 7), 0);
+    EXPECT_EQ(Read_Name(stFile.Path()), "instead");
+    zyr_host_reset();
+    EXPECT_EQ(Read_Name(stFile.Path()), "from the file");
+    EXPECT_EQ(zyr_host_mapFile("never mapped", nullptr), 0);
+    EXPECT_EQ(zyr_host_mapFile("", stFile.Path()), -1);
+    EXPECT_EQ(zyr_host_mapMemory(nullptr, "x", 1), -1);
+}
+
+// A private name never reaches a file, though one of that very name stands in the folder.
+TEST_F(HostFile, PrivateNamesExistOnlyWhenMapped)
+{
+    ASSERT_EQ(chdir(testing::TempDir().c_str()), 0);
+    const std::string strName = "zyrhost:" + std::to_string(getpid());
+    std::ofstream(strName) << "x";
+    EXPECT_EQ(Read_Name(strName.c_str()), "(none)");
+    EXPECT_EQ(zyr_host_mapFile("zyrhost:y", strName.c_str()), 0);
+    EXPECT_EQ(Read_Name("zyrhost:y"), "x");
+    unlink(strName.c_str());
+}
+
+} // namespace
