@@ -1,0 +1,7 @@
+/* The formats, as the frame pump knows them. */
+#pragma once
+
+#include "zyr/quib_caption.h"
+
+/** One row per CaptionFormat, in its order. */
+extern const CaptionParser CaptionParserTable[E_CAPTION_FORMAT_NONE];

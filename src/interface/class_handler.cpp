@@ -1,0 +1,96 @@
+// Language classes: their names, and which of them are read.
+
+#include <cstring>
+#include <initializer_list>
+
+#include "caption/parser_state.h"
+#include "interface/stream_setup.h"
+#include "parser/char_reader.h"
+#include "parser/sami_classes.h"
+#include "zyr/zyr_subtitle.h"
+
+namespace
+{
+
+constexpr uint32_t SUCCESS = 0;
+constexpr uint32_t NOTHING_OPEN = 1;
+constexpr uint32_t BAD_ARGUMENT = 2;
+constexpr uint32_t NO_MEMORY = 3;
+
+bool Is_Selected(uint32_t uiClass)
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream)
+        if (stInfo.astStreamState[uiStream].uiClassIndex == uiClass) return true;
+    return false;
+}
+
+/** Make the next stream read a class. @return false without memory. */
+bool Add_Stream(uint32_t uiClass)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const uint32_t uiStream = stInfo.uiStreamNums;
+    Point_Stream(uiStream, uiClass);
+    Rewind_ClassCursor(uiClass);
+    if (!Allocate_LineBuffer(uiStream) || !Allocate_ReadBuffer(uiStream)) return false;
+    ++stInfo.uiStreamNums;
+    return true;
+}
+
+} // namespace
+
+uint32_t zyrSubtitleHandler_getClassNums(void)
+{
+    return pstQuibCaptionParserInfo == nullptr ? 0u : pstQuibCaptionParserInfo->uiClassNums;
+}
+
+uint32_t zyrSubtitleHandler_getClassName(uint32_t uiClassIndex, char **ppszClassName)
+{
+    QuibCaptionParserInfo *const pstInfo = pstQuibCaptionParserInfo;
+    if (pstInfo == nullptr) return NOTHING_OPEN;
+    if (ppszClassName == nullptr || uiClassIndex >= pstInfo->uiClassNums || uiClassIndex >= ZYR_CLASS_MAX)
+        return BAD_ARGUMENT;
+    const CaptionClassInfo &stClass = pstInfo->astClassInfo[uiClassIndex];
+    std::memset(pstInfo->aucClassName, 0, ZYR_CLASS_NAME_BYTES);
+    _UnicodeToUTF8(stClass.ausName, static_cast<int32_t>(stClass.uiNameLength), pstInfo->aucClassName,
+                   ZYR_CLASS_NAME_BYTES);
+    *ppszClassName = reinterpret_cast<char *>(pstInfo->aucClassName);
+    return SUCCESS;
+}
+
+uint32_t zyrSubtitleHandler_selectClass(int32_t iClassCount, const uint32_t *puiClassIndexes)
+{
+    if (pstQuibCaptionParserInfo == nullptr) return NOTHING_OPEN;
+    if (iClassCount < 1 || puiClassIndexes == nullptr) return BAD_ARGUMENT;
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.uiClassNums < 2) return SUCCESS;
+
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) Release_Stream(uiStream);
+    Forget_StreamBuffers();
+    stInfo.uiStreamNums = 0;
+    for (int32_t iIndex = 0; iIndex < iClassCount && stInfo.uiStreamNums < ZYR_STREAM_MAX; ++iIndex) {
+        const uint32_t uiClass = puiClassIndexes[iIndex];
+        if (uiClass < stInfo.uiClassNums && !Is_Selected(uiClass) && !Add_Stream(uiClass)) return NO_MEMORY;
+    }
+    stInfo.uiCurrStream = stInfo.uiStreamNums >= 2 ? static_cast<uint32_t>(ZYR_STREAM_MAX) : 0u;
+    stInfo.uiCurrClass = stInfo.uiStreamNums >= 2 ? 0u : stInfo.astStreamState[0].uiClassIndex;
+    return SUCCESS;
+}
+
+int32_t QUIBCAPT_Set_ClassType(uint32_t uiFirstClass, uint32_t uiSecondClass)
+{
+    if (pstQuibCaptionParserInfo == nullptr || s_eCaptionFormat != E_CAPTION_FORMAT_SAMI) return 0;
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (uiSecondClass == uiFirstClass) uiSecondClass = ZYR_CLASS_MAX;
+    uint32_t uiStreams = 0;
+    for (const uint32_t uiClass : {uiFirstClass, uiSecondClass}) {
+        if (uiClass >= ZYR_CLASS_MAX || stInfo.astClassInfo[uiClass].uiFrameNums == 0) continue;
+        if (stInfo.astStreamInfo[uiStreams].pucStreamBuf == nullptr ||
+            s_astLineTable[uiStreams].pusTextBuf == nullptr)
+            continue;
+        Point_Stream(uiStreams++, uiClass);
+        Rewind_ClassCursor(uiClass);
+    }
+    if (uiStreams > 0) stInfo.uiStreamNums = uiStreams;
+    return static_cast<int32_t>(uiStreams);
+}

@@ -1,0 +1,50 @@
+#include "interface/stream_setup.h"
+
+#include "caption/parser_state.h"
+#include "zyr_base.h"
+#include "zyr_log.h"
+
+void Point_Stream(uint32_t uiStream, uint32_t uiClass)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    CaptionStreamState &stState = stInfo.astStreamState[uiStream];
+    stState.uiClassIndex = uiClass;
+    stState.llStartFilePos = stInfo.astClassInfo[uiClass].llFirstFramePos;
+    stState.llCurrFilePos = stState.llStartFilePos;
+    stState.iCurrPTS = -1;
+}
+
+bool Allocate_LineBuffer(uint32_t uiStream)
+{
+    CaptionLineTable &stTable = s_astLineTable[uiStream];
+    if (stTable.pusTextBuf == nullptr)
+        stTable.pusTextBuf = static_cast<uint16_t *>(ZYR_malloc(TEXT_BUF_UNITS * sizeof(uint16_t)));
+    if (stTable.pusTextBuf != nullptr) return true;
+    __android_log_print(
+        ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+        " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Line Bitmap Buffer Memory allocation Error!\n", __LINE__);
+    return false;
+}
+
+bool Allocate_ReadBuffer(uint32_t uiStream)
+{
+    CaptionStreamInfo &stStream = pstQuibCaptionParserInfo->astStreamInfo[uiStream];
+    if (stStream.pucStreamBuf == nullptr)
+        stStream.pucStreamBuf = static_cast<uint8_t *>(ZYR_malloc(STREAM_BUF_BYTES));
+    stStream.iStreamDataSize = 0;
+    stStream.iStreamBufIndex = 0;
+    if (stStream.pucStreamBuf != nullptr) return true;
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                        " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n",
+                        __LINE__);
+    return false;
+}
+
+void Release_Stream(uint32_t uiStream)
+{
+    CaptionStreamInfo &stStream = pstQuibCaptionParserInfo->astStreamInfo[uiStream];
+    if (stStream.pucStreamBuf != nullptr) ZYR_free(stStream.pucStreamBuf);
+    if (s_astLineTable[uiStream].pusTextBuf != nullptr) ZYR_free(s_astLineTable[uiStream].pusTextBuf);
+    stStream = {};
+    s_astLineTable[uiStream] = {};
+}

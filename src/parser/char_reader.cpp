@@ -1,0 +1,267 @@
+#include "parser/char_reader.h"
+
+#include "parser/encoding.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+/** What a read buffer holds of the file. */
+struct StreamWindow {
+    int64_t llStart;      // file position of the buffer's first byte
+    int32_t iBytes;       // bytes held; 0 = nothing that could be used again
+    uint32_t uiFillBytes; // bytes to ask for at the next refill; 0 = a full read
+};
+
+StreamWindow s_astStreamWindow[ZYR_STREAM_MAX] = {};
+
+/** Where the reader left the file; anything else there means that somebody else moved it. -1 = not known. */
+int64_t s_llReaderPos = -1;
+
+constexpr uint32_t SHORT_FILL_BYTES = 512; // most frames fit
+constexpr uint32_t FILL_GROWTH = 8;        // a frame that does not fit is likely to be a long one
+constexpr int64_t NEAR_BYTES = 4096;       // a jump forward by less than this is reading on
+
+StreamWindow &Get_Window()
+{
+    return s_astStreamWindow[pstQuibCaptionParserInfo->uiCurrStream];
+}
+
+int32_t Take_Byte(void *hFile, uint8_t *pucByte)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (stInfo.iStreamBufIndex >= stInfo.iStreamDataSize) {
+        if (stInfo.iStreamDataSize == NO_CAPTION_DATA) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Get_CharCode() - No Caption Data!\n",
+                                __LINE__);
+            return NO_CAPTION_DATA;
+        }
+        const int32_t iRead = Fill_StreamBuffer(hFile);
+        if (iRead == 0)
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] Get_CharCode() - End of Caption File!\n", __LINE__);
+        if (iRead < 0)
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] Get_CharCode() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n",
+                                __LINE__, iRead);
+        if (iRead <= 0) return iRead;
+        stInfo.iStreamBufIndex = 0;
+    }
+    *pucByte = stInfo.pucStreamBuf[stInfo.iStreamBufIndex++];
+    return 1;
+}
+
+int32_t Get_Utf16Char(void *hFile, uint16_t *pusChar, bool bBigEndian)
+{
+    uint8_t aucByte[2];
+    for (uint8_t &ucByte : aucByte) {
+        const int32_t iResult = Take_Byte(hFile, &ucByte);
+        if (iResult <= 0) return iResult;
+    }
+    *pusChar =
+        static_cast<uint16_t>(bBigEndian ? (aucByte[0] << 8) | aucByte[1] : (aucByte[1] << 8) | aucByte[0]);
+    return 2;
+}
+
+/** Continuation bytes that follow a lead byte; 0 for a byte that stands alone, -1 for one to pass over. */
+int32_t Get_Utf8Continuations(uint8_t ucByte)
+{
+    if (ucByte < 0x80) return 0;
+    if ((ucByte & 0xE0) == 0xC0) return 1;
+    if ((ucByte & 0xF0) == 0xE0) return 2;
+    return -1; // a stray continuation byte, or a character beyond U+FFFF, which 16 bits cannot hold
+}
+
+int32_t Get_Utf8Char(void *hFile, uint16_t *pusChar)
+{
+    int32_t iBytes = 0;
+    int32_t iExpected = 0;
+    uint32_t uiCode = 0;
+    for (;;) {
+        uint8_t ucByte = 0;
+        const int32_t iResult = Take_Byte(hFile, &ucByte);
+        if (iResult <= 0) return iResult;
+        ++iBytes;
+        if (iExpected > 0 && (ucByte & 0xC0) == 0x80) {
+            uiCode = (uiCode << 6) | (ucByte & 0x3Fu);
+            if (--iExpected > 0) continue;
+            *pusChar = static_cast<uint16_t>(uiCode);
+            return iBytes;
+        }
+        iExpected = Get_Utf8Continuations(ucByte); // a character cut short is dropped
+        if (iExpected == 0) {
+            *pusChar = ucByte;
+            return iBytes;
+        }
+        uiCode = iExpected == 1 ? ucByte & 0x1Fu : ucByte & 0x0Fu;
+    }
+}
+
+/** Let the host turn a double-byte character into a unit. @return bytes of the character that stay taken. */
+int32_t Convert_DoubleByte(const uint8_t *pucBytes, uint16_t *pusChar)
+{
+    *pusChar = 0xFFFF;
+    const int32_t iUsed = QUIBCAPTCB_ConvertANSI2Unicode(pucBytes, pusChar);
+    if (iUsed == 2) return 2;
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (iUsed == 1) {
+        if (stInfo.iStreamBufIndex >= 1)
+            --stInfo.iStreamBufIndex; // the second byte is the next character
+        else
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] Get_CharCode() - Wrong Stream Buffer Index! [%d]\n", __LINE__,
+                                stInfo.iStreamBufIndex);
+        return 2;
+    }
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] Get_CharCode() - Invalid ANSI code! [0x%02X][0x%02X]\n", __LINE__, pucBytes[0],
+                        pucBytes[1]);
+    return 2;
+}
+
+int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
+{
+    uint8_t aucByte[2] = {};
+    int32_t iResult = Take_Byte(hFile, &aucByte[0]);
+    if (iResult <= 0) return iResult;
+    if (aucByte[0] < 0x80 || (s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE) != 0) {
+        *pusChar = aucByte[0];
+        return 1;
+    }
+    iResult = Take_Byte(hFile, &aucByte[1]);
+    if (iResult <= 0) return iResult;
+    if (iRawMode != 0) {
+        *pusChar = 0xFFFF;
+        return 2;
+    }
+    if (pstQuibCaptionParserInfo->uiOutputTextCharacterSet == E_OUTPUT_CHARSET_ANSI) {
+        *pusChar = static_cast<uint16_t>((aucByte[0] << 8) | aucByte[1]);
+        return 2;
+    }
+    return Convert_DoubleByte(aucByte, pusChar);
+}
+
+/** Seek to the file's start and read the first uiBytes bytes. @return bytes read, or a value below 1. */
+int32_t Read_FileStart(void *hFile, uint32_t uiBytes)
+{
+    CaptionStreamInfo &stInfo = pstQuibCaptionParserInfo->astStreamInfo[0];
+    if (QUIBCAPTCB_FileSeek(hFile, 0, 0) < 0) return -1;
+    const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
+    return iRead > static_cast<int32_t>(uiBytes) ? static_cast<int32_t>(uiBytes) : iRead;
+}
+
+/** Find the encoding of a file without a mark by reading it. */
+uint32_t Scan_Encoding(void *hFile)
+{
+    CaptionStreamInfo &stInfo = pstQuibCaptionParserInfo->astStreamInfo[0];
+    if (QUIBCAPTCB_FileSeek(hFile, 0, 0) < 0) return E_TEXT_ENCODING_ANSI;
+    Utf8Count stCount = {};
+    for (;;) {
+        const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, s_uiStreamBufSize);
+        if (iRead <= 0) return Decide_Encoding(stCount);
+        const uint32_t uiRead = static_cast<uint32_t>(iRead);
+        if (Count_Utf8(&stCount, stInfo.pucStreamBuf,
+                       uiRead < s_uiStreamBufSize ? uiRead : s_uiStreamBufSize))
+            return Decide_Encoding(stCount);
+    }
+}
+
+} // namespace
+
+int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
+{
+    switch (s_uiTextEncoding) {
+    case E_TEXT_ENCODING_UTF16LE: return Get_Utf16Char(hFile, pusChar, false);
+    case E_TEXT_ENCODING_UTF16BE: return Get_Utf16Char(hFile, pusChar, true);
+    case E_TEXT_ENCODING_UTF8: return Get_Utf8Char(hFile, pusChar);
+    default: return Get_AnsiChar(hFile, pusChar, iRawMode);
+    }
+}
+
+int64_t Get_ReadPosition(void *hFile)
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    return QUIBCAPTCB_FileTell(hFile) - stInfo.iStreamDataSize + stInfo.iStreamBufIndex;
+}
+
+int32_t Fill_StreamBuffer(void *hFile)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    StreamWindow &stWindow = Get_Window();
+    uint32_t uiBytes = s_uiStreamBufSize;
+    if (stWindow.uiFillBytes != 0 && stWindow.uiFillBytes < uiBytes) {
+        uiBytes = stWindow.uiFillBytes;
+        stWindow.uiFillBytes *= FILL_GROWTH;
+    }
+    int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
+    if (iRead > static_cast<int32_t>(uiBytes)) iRead = static_cast<int32_t>(uiBytes);
+    stInfo.iStreamDataSize = iRead;
+    if (iRead < 0) s_llReaderPos = -1;
+    if (iRead != 0) {
+        stWindow.llStart = s_llReaderPos;
+        stWindow.iBytes = iRead > 0 && s_llReaderPos >= 0 ? iRead : 0;
+        if (s_llReaderPos >= 0) s_llReaderPos += iRead;
+    }
+    return iRead;
+}
+
+int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    StreamWindow &stWindow = Get_Window();
+    const int64_t llEnd = stWindow.llStart + stWindow.iBytes;
+    const bool bKnown =
+        stWindow.iBytes > 0 && s_llReaderPos >= 0 && QUIBCAPTCB_FileTell(hFile) == s_llReaderPos;
+    if (bKnown && llPos >= stWindow.llStart && llPos < llEnd) {
+        if (s_llReaderPos != llEnd) { // another stream has read since
+            s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llEnd, 0);
+            if (s_llReaderPos < 0) return s_llReaderPos;
+        }
+        stInfo.iStreamDataSize = stWindow.iBytes;
+        stInfo.iStreamBufIndex = static_cast<int32_t>(llPos - stWindow.llStart);
+        stWindow.uiFillBytes = 0;
+        return llPos;
+    }
+    s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llPos, 0);
+    if (s_llReaderPos < 0) return s_llReaderPos;
+    const bool bReadingOn = bKnown && llPos >= llEnd && llPos - llEnd < NEAR_BYTES;
+    stWindow.uiFillBytes = eReadAhead == E_READ_AHEAD_FULL || bReadingOn ? 0 : SHORT_FILL_BYTES;
+    stInfo.iStreamDataSize = 0;
+    stInfo.iStreamBufIndex = 0;
+    return s_llReaderPos;
+}
+
+void Forget_StreamBuffers()
+{
+    for (StreamWindow &stWindow : s_astStreamWindow) stWindow = {};
+    s_llReaderPos = -1;
+}
+
+int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)
+{
+    QuibCaptionParserInfo *const pstInfo = pstQuibCaptionParserInfo;
+    if (pstInfo == nullptr || pstInfo->astStreamInfo[0].pucStreamBuf == nullptr || s_uiStreamBufSize == 0)
+        return -1;
+    CaptionStreamInfo &stStream = pstInfo->astStreamInfo[0];
+    Forget_StreamBuffers();
+
+    s_llCaptionFileSize = QUIBCAPTCB_FileSeek(hFile, 0, 2);
+    if (s_llCaptionFileSize <= 0) return -1;
+    constexpr uint32_t MARK_BYTES = 3;
+    stStream.iStreamDataSize =
+        Read_FileStart(hFile, s_uiStreamBufSize < MARK_BYTES ? s_uiStreamBufSize : MARK_BYTES);
+    if (stStream.iStreamDataSize < 1) return -1;
+    s_uiTextEncoding = Get_MarkedEncoding(stStream.pucStreamBuf, stStream.iStreamDataSize);
+    if (s_uiTextEncoding == E_TEXT_ENCODING_ANSI) s_uiTextEncoding = Scan_Encoding(hFile);
+
+    stStream.iStreamDataSize = Read_FileStart(hFile, s_uiStreamBufSize);
+    if (stStream.iStreamDataSize < 1) return -1;
+    stStream.iStreamBufIndex = 0;
+    s_astStreamWindow[0] = {0, stStream.iStreamDataSize, 0};
+    s_llReaderPos = stStream.iStreamDataSize;
+
+    constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF16,
+                                     E_OUTPUT_CHARSET_UTF8};
+    pstInfo->uiOutputTextCharacterSet = CHARSETS[s_uiTextEncoding];
+    return 1;
+}

@@ -1,0 +1,21 @@
+/*
+ * The language classes of a SAMI file: their clean-up after the header, and their places in the frame index.
+ * CAPTIONPARS_SAMI_* are declared in zyr/quib_caption.h.
+ */
+#pragma once
+
+#include <cstdint>
+
+/**
+ * Find the next frame of a class and move the class's cursor to it, so that entries of other classes are
+ * passed over only once.
+ *
+ * @return index into s_pstFrameInfoArray; s_uiFrameInfoNums when there is none
+ */
+uint32_t Find_NextFrame(uint32_t uiClass);
+
+/** Put the cursor of a class before all frames. */
+void Rewind_ClassCursor(uint32_t uiClass);
+
+/** Fold classes of few frames into the first well-filled one. Failures are logged; the classes then stay. */
+void Merge_SparseLanguages();

@@ -1,0 +1,395 @@
+// SubRip: a number line, a time line, text lines, an empty line; entry after entry, in file order. Every line
+// ends with CR LF. There is no header and no index, so a seek scans.
+
+#include <cstddef>
+
+#include "caption/line_output.h"
+#include "parser/caption_text.h"
+#include "parser/char_reader.h"
+#include "parser/html_tag.h"
+#include "parser/tag_command.h"
+#include "parser/text_helpers.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+constexpr const char *FRAME_PARSER_NAME = "FrameParser_SubRip";
+
+/** Where an entry stands. The frame parser and the seek differ only in what they do with the text. */
+enum SubRipState : uint32_t {
+    E_SRT_SEEK_NUMBER, // anything before the entry's number
+    E_SRT_NUMBER,
+    E_SRT_SEEK_TIME, // anything before the time line
+    E_SRT_TIME,
+    E_SRT_AFTER_TIME, // the time line's end
+    E_SRT_TEXT,
+    E_SRT_TAG,
+    E_SRT_ENTITY,
+    E_SRT_LINE_END, // matching CR LF CR LF
+};
+
+constexpr uint32_t TIME_NUMBERS = 8;            // hours, minutes, seconds, milliseconds; twice
+constexpr uint32_t TIME_UNITS = CONV_BUF_UNITS; // units of a time line that are looked at
+
+/** The numbers of a time line, taken as they come: separators may be anything. */
+struct TimeLine {
+    uint32_t uiUnits;   // units seen
+    uint32_t uiNumbers; // numbers seen, also those beyond the slots
+    bool bInNumber;     // the last unit was a digit
+    uint32_t auiNumber[TIME_NUMBERS];
+};
+
+struct SubRipScan {
+    SubRipState eState;
+    SubRipState eReturn; // state that goes on after a line end
+    uint32_t uiMatched;  // units of the line end pattern seen
+    bool bEntryEnd;      // the pattern is complete
+    TimeLine stTime;
+};
+
+void Add_TimeUnit(TimeLine &stTime, uint16_t usChar)
+{
+    if (stTime.uiUnits == TIME_UNITS) return;
+    ++stTime.uiUnits;
+    const bool bDigit = Is_Digit(usChar);
+    if (bDigit && !stTime.bInNumber) ++stTime.uiNumbers;
+    stTime.bInNumber = bDigit;
+    if (!bDigit || stTime.uiNumbers > TIME_NUMBERS) return;
+    uint32_t &uiNumber = stTime.auiNumber[stTime.uiNumbers - 1];
+    uiNumber = uiNumber * 10 + (usChar - '0');
+}
+
+/** @return milliseconds of the four numbers from uiFirst on, wrapping. */
+uint32_t Get_Time(const TimeLine &stTime, uint32_t uiFirst)
+{
+    const uint32_t *const puiNumber = stTime.auiNumber + uiFirst;
+    return puiNumber[0] * 3600000u + puiNumber[1] * 60000u + puiNumber[2] * 1000u + puiNumber[3];
+}
+
+void Check_TimeLine(const TimeLine &stTime)
+{
+    if (stTime.uiNumbers != TIME_NUMBERS)
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] SUBRIP PTS FORMAT is BAD! Number Argument = [%d]\n", __LINE__,
+                            stTime.uiNumbers);
+}
+
+void Start_LineEnd(SubRipScan &stScan)
+{
+    stScan.eReturn = stScan.eState;
+    stScan.eState = E_SRT_LINE_END;
+    stScan.uiMatched = 1; // the CR
+}
+
+// One function per state that the frame parser and the seek share. Each gives whether its unit is done with;
+// if not, the next state sees it again.
+
+bool Step_SeekNumber(SubRipScan &stScan, uint16_t usChar)
+{
+    if (!Is_Digit(usChar)) return true;
+    stScan.eState = E_SRT_NUMBER;
+    return false;
+}
+
+bool Step_Number(SubRipScan &stScan, uint16_t usChar)
+{
+    if (Is_Digit(usChar)) return true;
+    stScan.eState = E_SRT_SEEK_TIME;
+    if (usChar == '\r')
+        Start_LineEnd(stScan);
+    else
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unexpected Character! (0x%02X)\n", __LINE__,
+                            usChar);
+    return true;
+}
+
+bool Step_SeekTime(SubRipScan &stScan, uint16_t usChar)
+{
+    if (!Is_Digit(usChar)) return true;
+    stScan.stTime = {};
+    stScan.eState = E_SRT_TIME;
+    return false;
+}
+
+bool Step_Time(SubRipScan &stScan, uint16_t usChar)
+{
+    if (usChar != '\r') {
+        Add_TimeUnit(stScan.stTime, usChar);
+        return true;
+    }
+    Check_TimeLine(stScan.stTime);
+    stScan.eState = E_SRT_AFTER_TIME;
+    return false;
+}
+
+bool Step_AfterTime(SubRipScan &stScan, uint16_t usChar)
+{
+    if (usChar == '\r') {
+        Start_LineEnd(stScan);
+        return true;
+    }
+    stScan.eState = E_SRT_TEXT;
+    return false;
+}
+
+/** What a unit means for the line end pattern. */
+enum LineEndStep : uint32_t {
+    E_LINE_END_MATCH,  // goes on, or the entry is complete
+    E_LINE_END_CRLF,   // a line ended; the unit begins the next one
+    E_LINE_END_BROKEN, // a CR without its LF
+};
+
+LineEndStep Step_LineEnd(SubRipScan &stScan, uint16_t usChar)
+{
+    if (Matches_EntryEnd(stScan.uiMatched, usChar)) {
+        stScan.bEntryEnd = ++stScan.uiMatched == ENTRY_END_UNITS;
+        return E_LINE_END_MATCH;
+    }
+    stScan.eState = stScan.eReturn;
+    if (stScan.uiMatched == 2) return E_LINE_END_CRLF;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] >>>>> CR + LF is Bad! <<<<<\n", __LINE__);
+    return E_LINE_END_BROKEN;
+}
+
+bool Step_Header(SubRipScan &stScan, uint16_t usChar)
+{
+    switch (stScan.eState) {
+    case E_SRT_SEEK_NUMBER: return Step_SeekNumber(stScan, usChar);
+    case E_SRT_NUMBER: return Step_Number(stScan, usChar);
+    case E_SRT_SEEK_TIME: return Step_SeekTime(stScan, usChar);
+    case E_SRT_TIME: return Step_Time(stScan, usChar);
+    default: return Step_AfterTime(stScan, usChar);
+    }
+}
+
+bool Is_HeaderState(SubRipState eState)
+{
+    return eState <= E_SRT_AFTER_TIME;
+}
+
+// ---- Frame parser ----
+
+constexpr StopUnits TEXT_STOPS = {5, {0, '\t', '\r', '<', '&'}, true};
+
+bool Step_Text(SubRipScan &stScan, uint16_t usChar)
+{
+    if (usChar == ' ' || usChar == '\t') {
+        Append_FoldedBlank();
+        return true;
+    }
+    pstQuibCaptionParserInfo->ucPrevBlank = 0;
+    switch (usChar) {
+    case '<':
+        Begin_Markup(usChar);
+        stScan.eState = E_SRT_TAG;
+        break;
+    case '&':
+        Begin_Markup(usChar);
+        stScan.eState = E_SRT_ENTITY;
+        break;
+    case '\r': Start_LineEnd(stScan); break;
+    case 0: break;
+    default: Append_PlainText<TEXT_STOPS>(usChar); break;
+    }
+    return true;
+}
+
+/** The text states stand in the order of MarkupState. */
+SubRipState Get_MarkupState(MarkupState eState)
+{
+    return static_cast<SubRipState>(E_SRT_TEXT + static_cast<uint32_t>(eState));
+}
+
+bool Step_FrameTag(SubRipScan &stScan, uint16_t usChar)
+{
+    stScan.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
+    if (usChar == '\r') Start_LineEnd(stScan); // a tag may span lines
+    return true;
+}
+
+bool Step_FrameEntity(SubRipScan &stScan, uint16_t usChar)
+{
+    const MarkupStep stStep = Step_Entity(usChar);
+    stScan.eState = Get_MarkupState(stStep.eNext);
+    return !stStep.bAgain;
+}
+
+bool Step_FrameLineEnd(SubRipScan &stScan, uint16_t usChar)
+{
+    const LineEndStep eStep = Step_LineEnd(stScan, usChar);
+    if (eStep == E_LINE_END_MATCH) return true;
+    if (eStep == E_LINE_END_CRLF && stScan.eState == E_SRT_TEXT) {
+        Convert_CaptionStringToBitmap();
+        Execute_TagCommand(E_TAGCMD_LINE_BREAK, nullptr);
+    }
+    return false;
+}
+
+bool Step_Frame(SubRipScan &stScan, uint16_t usChar)
+{
+    switch (stScan.eState) {
+    case E_SRT_TEXT: return Step_Text(stScan, usChar);
+    case E_SRT_TAG: return Step_FrameTag(stScan, usChar);
+    case E_SRT_ENTITY: return Step_FrameEntity(stScan, usChar);
+    case E_SRT_LINE_END: return Step_FrameLineEnd(stScan, usChar);
+    default: return Step_Header(stScan, usChar);
+    }
+}
+
+int32_t Complete_Frame(const SubRipScan &stScan)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    Complete_FrameText();
+    stInfo.iStartPTS = static_cast<int32_t>(Get_Time(stScan.stTime, 0));
+    stInfo.iCurrPTS = stInfo.iStartPTS;
+    stInfo.iEndPTS = static_cast<int32_t>(Get_Time(stScan.stTime, TIME_NUMBERS / 2));
+    return 1;
+}
+
+// ---- Seek ----
+
+constexpr StopUnits CR_STOP = {1, {'\r'}, false};
+
+/** The seek's place between two entries. */
+struct SubRipSeek {
+    uint32_t uiTargetMs;
+    int64_t llCandidatePos;    // entry that the next frame parse would read
+    uint32_t uiCandidateTime;  // its start, ms
+    uint32_t uiRememberedTime; // start of the last entry reached, ms
+    int64_t llBoundaryPos;     // where the entry being scanned begins
+    bool bBeyond;              // an entry starts after the target
+};
+
+bool Step_SeekText(SubRipScan &stScan, uint16_t usChar)
+{
+    if (usChar == '\r')
+        Start_LineEnd(stScan);
+    else
+        Skip_PlainRun<CR_STOP>();
+    return true;
+}
+
+/** Look at the time line that has just ended. */
+void Check_SeekTime(const SubRipScan &stScan, SubRipSeek &stSeek)
+{
+    const uint32_t uiStart = Get_Time(stScan.stTime, 0);
+    stSeek.bBeyond = stSeek.uiTargetMs < uiStart;
+    if (!stSeek.bBeyond) stSeek.uiRememberedTime = uiStart;
+}
+
+void Pass_Entry(SubRipScan &stScan, SubRipSeek &stSeek, void *hFile)
+{
+    stSeek.llCandidatePos = stSeek.llBoundaryPos;
+    stSeek.uiCandidateTime = stSeek.uiRememberedTime;
+    stSeek.llBoundaryPos = Get_ReadPosition(hFile);
+    stScan = {};
+}
+
+bool Step_Seek(SubRipScan &stScan, SubRipSeek &stSeek, uint16_t usChar)
+{
+    switch (stScan.eState) {
+    case E_SRT_TEXT: return Step_SeekText(stScan, usChar);
+    case E_SRT_LINE_END: return Step_LineEnd(stScan, usChar) == E_LINE_END_MATCH;
+    case E_SRT_TIME:
+        if (Step_Time(stScan, usChar)) return true;
+        Check_SeekTime(stScan, stSeek);
+        return stSeek.bBeyond;
+    default: return Step_Header(stScan, usChar);
+    }
+}
+
+/** Scan until an entry starts after the target. @return 1, or a negative reader result. */
+int32_t Scan_Entries(SubRipSeek &stSeek, void *hFile)
+{
+    SubRipScan stScan = {};
+    while (!stSeek.bBeyond) {
+        uint16_t usChar = 0;
+        const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
+        if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
+        if (iResult < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] Seek_SubRip() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
+                                iResult);
+            return iResult;
+        }
+        while (!Step_Seek(stScan, stSeek, usChar)) {}
+        if (stScan.bEntryEnd) Pass_Entry(stScan, stSeek, hFile);
+    }
+    return 1;
+}
+
+int32_t Resume_At(void *hFile, int64_t llPos, uint32_t uiTime)
+{
+    const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
+    if (llReached < 0) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] Seek_SubRip() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
+                            static_cast<int32_t>(llReached));
+        return -1;
+    }
+    pstQuibCaptionParserInfo->llCurrFilePos = llPos;
+    pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiTime);
+    return 1;
+}
+
+} // namespace
+
+int32_t HeaderParser_SubRip(void * /*hFile*/)
+{
+    if (!Is_HeaderReady()) return -1;
+    pstQuibCaptionParserInfo->uiClassNums = 1;
+    pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos = 0;
+    return 1;
+}
+
+int32_t FrameParser_SubRip(void)
+{
+    if (!Is_StreamReady()) return -1;
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    Clear_TagQueue();
+    pstQuibCaptionParserInfo->llCurrFilePos = Get_ReadPosition(hFile);
+    SubRipScan stScan = {};
+    for (;;) {
+        uint16_t usChar = 0;
+        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
+        if (iResult < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] FrameParser_SubRip() - Get_CharCode() Failed! (ERROR = %d)\n",
+                                __LINE__, iResult);
+            return iResult;
+        }
+        if (iResult == 0) {
+            Mark_EndOfData();
+            return Is_HeaderState(stScan.eState) ? NO_CAPTION_DATA : Complete_Frame(stScan);
+        }
+        while (!Step_Frame(stScan, usChar)) {}
+        if (stScan.bEntryEnd) return Complete_Frame(stScan);
+    }
+}
+
+int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,
+                    QuibCaptionParserInfo * /*pstInfo*/)
+{
+    if (!Is_StreamReady()) return -1;
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    if (uiTargetMs == 0) return Resume_At(hFile, stInfo.llStartFilePos, 0);
+
+    const uint32_t uiCurrTime = static_cast<uint32_t>(stInfo.iCurrPTS);
+    SubRipSeek stSeek = {uiTargetMs, stInfo.llCurrFilePos, uiCurrTime, uiCurrTime, 0, false};
+    if (bBackward == 1 || bBackward == 3) {
+        const int64_t llReached = Move_ReadPosition(hFile, stInfo.llStartFilePos, E_READ_AHEAD_FULL);
+        if (llReached < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] Seek_SubRip() - Failed in setting a seek position of caption file!\n",
+                                __LINE__);
+            return -1;
+        }
+        stSeek = {uiTargetMs, llReached, 0, 0, llReached, false};
+    } else {
+        stSeek.llBoundaryPos = Get_ReadPosition(hFile);
+    }
+    const int32_t iResult = Scan_Entries(stSeek, hFile);
+    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.llCandidatePos, stSeek.uiCandidateTime);
+}

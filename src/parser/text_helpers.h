@@ -1,0 +1,59 @@
+/* Numbers and names in 16-bit text. QUIBCAPTPARS_Str2Number() and _StrCmp() are declared in
+ * zyr/quib_caption.h. */
+#pragma once
+
+#include <cstdint>
+
+/** Keys of SSA lines; the value is the row of the key table. */
+enum SSALineType : uint32_t {
+    E_SSA_LINE_DIALOGUE,
+    E_SSA_LINE_STYLE,
+    E_SSA_LINE_TITLE,
+    E_SSA_LINE_ORIGINAL_SCRIPT,
+    E_SSA_LINE_SCRIPT_TYPE,
+    E_SSA_LINE_UNKNOWN,
+};
+
+constexpr bool Is_Digit(uint32_t uiUnit)
+{
+    return uiUnit - '0' < 10;
+}
+
+/** Fold an ASCII letter to upper case. */
+constexpr uint32_t To_Upper(uint32_t uiUnit)
+{
+    return uiUnit - 'a' < 26 ? uiUnit - 'a' + 'A' : uiUnit;
+}
+
+/** @return value of a hexadecimal digit of either case, or -1. */
+constexpr int32_t Get_HexValue(uint32_t uiUnit)
+{
+    if (Is_Digit(uiUnit)) return static_cast<int32_t>(uiUnit - '0');
+    const uint32_t uiLetter = To_Upper(uiUnit) - 'A';
+    return uiLetter < 6 ? static_cast<int32_t>(uiLetter + 10) : -1;
+}
+
+/** 24-bit RRGGBB (or any 32-bit word with those low bits) as RGB565. */
+constexpr uint16_t Get_Rgb565(uint32_t uiColour)
+{
+    return static_cast<uint16_t>(((uiColour >> 8) & 0xF800) | ((uiColour >> 5) & 0x07E0) |
+                                 ((uiColour >> 3) & 0x001F));
+}
+
+/** Compare uiLen bytes, ASCII case aside. Zero bytes are compared like others. @return 1 equal, 0 different,
+ * uiLen 0 or a NULL. */
+uint32_t Compare_StringNoCase(const void *pvA, const void *pvB, uint32_t uiLen);
+
+/**
+ * Copy up to uiMax ASCII units as bytes into a zero-filled buffer.
+ *
+ * @return units copied; less than uiLen when a unit above 0x7F stands there, which *pusBad then is
+ */
+uint32_t Copy_AsciiUnits(char *pszTarget, const uint16_t *pusUnits, uint32_t uiLen, uint16_t *pusBad);
+
+/** Milliseconds of an SSA time H:MM:SS.CC: exactly 7 digits, whatever stands between them. @return 0
+ * otherwise (logged). */
+uint32_t Parse_SSAPts(const uint16_t *pusTime, int32_t iLen);
+
+/** @return SSALineType of a key that begins with a known name, E_SSA_LINE_UNKNOWN for all others. */
+uint32_t Get_SSALineType(const uint16_t *pusName, int32_t iLen);

@@ -1,0 +1,263 @@
+/*
+ * Runs of plain text out of the current stream's read buffer. Both calls take only what the buffer holds and
+ * stop before whatever is not plain: a stop unit, a character that the buffer's end cuts, a byte that is not
+ * decoded here. Get_CharCode() then reads that character; a run may well be empty.
+ */
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+
+#include "parser/byte_block.h"
+#include "parser/char_reader.h"
+
+/** A run that was taken. */
+struct PlainRun {
+    uint32_t uiUnits; // units taken
+    bool bLastBlank;  // the last unit taken (or the one before the run) is a blank
+};
+
+template <StopUnits STOPS>
+struct StopTable {
+    bool abStop[128];
+    constexpr StopTable() : abStop()
+    {
+        for (uint32_t uiUnit = 0; uiUnit < 128; ++uiUnit) abStop[uiUnit] = STOPS.Holds(uiUnit);
+    }
+    constexpr bool Is_Stop(uint32_t uiUnit, bool bPrevBlank) const
+    {
+        return uiUnit < 128 && (abStop[uiUnit] || (STOPS.bBlankRuns && bPrevBlank && uiUnit == 0x20));
+    }
+};
+
+template <StopUnits STOPS>
+inline constexpr StopTable<STOPS> STOP_TABLE{};
+
+/** How the bytes from 0x80 on are to be read. */
+enum HighBytes : uint32_t { E_HIGH_SINGLE, E_HIGH_DOUBLE, E_HIGH_UTF8, E_HIGH_UNKNOWN };
+
+inline HighBytes Get_HighBytes()
+{
+    if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8) return E_HIGH_UTF8;
+    if ((s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE) != 0) return E_HIGH_SINGLE;
+    return pstQuibCaptionParserInfo->uiOutputTextCharacterSet == E_OUTPUT_CHARSET_ANSI ? E_HIGH_DOUBLE
+                                                                                       : E_HIGH_UNKNOWN;
+}
+
+/** Decode a character that begins with a byte of 0x80 or above. @return its bytes, or 0 to leave it to the
+ * reader. */
+inline uint32_t Decode_HighByte(const uint8_t *pucByte, const uint8_t *pucEnd, HighBytes eHigh,
+                                uint16_t *pusUnit)
+{
+    const uint32_t uiLead = pucByte[0];
+    if (eHigh == E_HIGH_UTF8) {
+        uint32_t uiUnit = 0;
+        uint32_t uiBytes = 0;
+        if ((uiLead & 0xF0) == 0xE0 && pucEnd - pucByte >= 3 && (pucByte[1] & 0xC0) == 0x80 &&
+            (pucByte[2] & 0xC0) == 0x80) {
+            uiUnit = ((uiLead & 0x0F) << 12) | ((pucByte[1] & 0x3Fu) << 6) | (pucByte[2] & 0x3Fu);
+            uiBytes = 3;
+        } else if ((uiLead & 0xE0) == 0xC0 && pucEnd - pucByte >= 2 && (pucByte[1] & 0xC0) == 0x80) {
+            uiUnit = ((uiLead & 0x1F) << 6) | (pucByte[1] & 0x3Fu);
+            uiBytes = 2;
+        }
+        *pusUnit = static_cast<uint16_t>(uiUnit);
+        return uiUnit < 0x80 ? 0 : uiBytes; // an overlong form may hide a stop unit
+    }
+    if (eHigh == E_HIGH_SINGLE) {
+        *pusUnit = static_cast<uint16_t>(uiLead);
+        return 1;
+    }
+    if (eHigh != E_HIGH_DOUBLE || pucEnd - pucByte < 2) return 0;
+    *pusUnit = static_cast<uint16_t>((uiLead << 8) | pucByte[1]);
+    return 2;
+}
+
+template <StopUnits STOPS>
+inline PlainRun Take_ByteRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
+{
+    const uint8_t *pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    const uint8_t *const pucEnd = stInfo.pucStreamBuf + stInfo.iStreamDataSize;
+    const HighBytes eHigh = Get_HighBytes();
+    uint32_t uiUnits = 0;
+    while (uiUnits < uiMax && pucByte < pucEnd) {
+        if (uiMax - uiUnits >= BLOCK_BYTES && pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES)) {
+            const uint32_t uiPlain = Find_StopByte<STOPS, false>(pucByte, bPrevBlank);
+            Store_Units(pusTarget + uiUnits, pucByte);
+            uiUnits += uiPlain;
+            pucByte += uiPlain;
+            if (uiPlain > 0) bPrevBlank = pucByte[-1] == 0x20;
+            if (uiPlain == BLOCK_BYTES) continue;
+        }
+        if (*pucByte < 0x80) {
+            if (STOP_TABLE<STOPS>.Is_Stop(*pucByte, bPrevBlank)) break;
+            bPrevBlank = *pucByte == 0x20;
+            pusTarget[uiUnits++] = *pucByte++;
+            continue;
+        }
+        const uint32_t uiBytes = Decode_HighByte(pucByte, pucEnd, eHigh, &pusTarget[uiUnits]);
+        if (uiBytes == 0) break;
+        bPrevBlank = false;
+        pucByte += uiBytes;
+        ++uiUnits;
+        while (uiUnits < uiMax && pucByte < pucEnd &&
+               *pucByte >= 0x80) { // such characters rarely stand alone
+            const uint32_t uiMore = Decode_HighByte(pucByte, pucEnd, eHigh, &pusTarget[uiUnits]);
+            if (uiMore == 0) break;
+            pucByte += uiMore;
+            ++uiUnits;
+        }
+    }
+    stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
+    return {uiUnits, bPrevBlank};
+}
+
+template <StopUnits STOPS>
+inline PlainRun Take_UnitRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
+{
+    const bool bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+    const uint8_t *const pucBytes = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    const uint32_t uiHeld = static_cast<uint32_t>(stInfo.iStreamDataSize - stInfo.iStreamBufIndex) / 2;
+    const uint32_t uiEnd = uiHeld < uiMax ? uiHeld : uiMax;
+    uint32_t uiUnits = 0;
+    while (uiUnits < uiEnd) {
+        const uint8_t *const pucUnit = pucBytes + 2 * uiUnits;
+        uint32_t uiPlain =
+            uiEnd - uiUnits >= BLOCK_UNITS ? Find_StopUnit<STOPS>(pucUnit, bBigEndian, bPrevBlank) : 1;
+        const bool bStop = uiPlain < BLOCK_UNITS && uiEnd - uiUnits >= BLOCK_UNITS;
+        for (uint32_t uiIndex = 0; uiIndex < uiPlain; ++uiIndex) {
+            const uint32_t uiFirst = pucUnit[2 * uiIndex];
+            const uint32_t uiSecond = pucUnit[2 * uiIndex + 1];
+            pusTarget[uiUnits + uiIndex] =
+                static_cast<uint16_t>(bBigEndian ? (uiFirst << 8) | uiSecond : (uiSecond << 8) | uiFirst);
+        }
+        if (uiEnd - uiUnits < BLOCK_UNITS && STOP_TABLE<STOPS>.Is_Stop(pusTarget[uiUnits], bPrevBlank)) break;
+        uiUnits += uiPlain;
+        if (uiPlain > 0) bPrevBlank = pusTarget[uiUnits - 1] == 0x20;
+        if (bStop) break;
+    }
+    stInfo.iStreamBufIndex += static_cast<int32_t>(2 * uiUnits);
+    return {uiUnits, bPrevBlank};
+}
+
+/**
+ * Take plain units off the current stream.
+ *
+ * @param[out] pusTarget   room for uiMax units; what lies behind the units taken may be overwritten
+ * @param[in]  bPrevBlank  the unit before the run is a blank, so that a blank at its start would be a second
+ * one
+ */
+template <StopUnits STOPS>
+inline PlainRun Take_PlainRun(uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (stInfo.iStreamBufIndex >= stInfo.iStreamDataSize) return {0, bPrevBlank};
+    if (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u)
+        return Take_UnitRun<STOPS>(stInfo, pusTarget, uiMax, bPrevBlank);
+    return Take_ByteRun<STOPS>(stInfo, pusTarget, uiMax, bPrevBlank);
+}
+
+/** UTF-8 lead bytes that may begin an overlong form of a stop unit; every other byte from 0x80 on can be
+ * passed over. */
+template <StopUnits STOPS>
+consteval StopUnits Add_OverlongLeads()
+{
+    StopUnits stStops = STOPS;
+    for (const uint8_t ucLead : {uint8_t{0xC0}, uint8_t{0xC1}, uint8_t{0xE0}})
+        stStops.aucUnit[stStops.uiNums++] = ucLead;
+    return stStops;
+}
+
+/**
+ * Step back from pucStop over bytes that decode to no character: the reader counts them to the character
+ * behind them, so it must be the one that passes over them.
+ *
+ * @param[in] pucStart  a place before pucStop where a character begins
+ */
+inline const uint8_t *Unskip_Dropped(const uint8_t *pucStart, const uint8_t *pucStop)
+{
+    const uint8_t *pucByte = pucStop;
+    while (pucByte > pucStart && pucByte[-1] >= 0x80) --pucByte;
+    const uint8_t *pucBehindChar = pucByte;
+    while (pucByte < pucStop) {
+        uint16_t usUnit = 0;
+        const uint32_t uiBytes = Decode_HighByte(pucByte, pucStop, E_HIGH_UTF8, &usUnit);
+        pucByte += uiBytes == 0 ? 1 : uiBytes;
+        if (uiBytes != 0) pucBehindChar = pucByte;
+    }
+    return pucBehindChar;
+}
+
+template <StopUnits STOPS>
+inline const uint8_t *Find_Utf8Stop(const uint8_t *pucByte, const uint8_t *pucEnd)
+{
+    constexpr StopUnits BYTE_STOPS = Add_OverlongLeads<STOPS>();
+    while (pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES)) {
+        const uint32_t uiPlain = Find_StopByte<BYTE_STOPS, true>(pucByte, false);
+        pucByte += uiPlain;
+        if (uiPlain < BLOCK_BYTES) return pucByte;
+    }
+    while (pucByte < pucEnd && !BYTE_STOPS.Holds(*pucByte)) ++pucByte;
+    return pucByte;
+}
+
+template <StopUnits STOPS>
+inline const uint8_t *Skip_Utf8Run(const uint8_t *pucStart, const uint8_t *pucEnd)
+{
+    const uint8_t *const pucStop = Find_Utf8Stop<STOPS>(pucStart, pucEnd);
+    return pucStop > pucStart && pucStop[-1] >= 0x80 ? Unskip_Dropped(pucStart, pucStop) : pucStop;
+}
+
+template <StopUnits STOPS>
+inline const uint8_t *Skip_AnsiRun(const uint8_t *pucByte, const uint8_t *pucEnd)
+{
+    const bool bSingle = (s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE) != 0;
+    while (pucByte < pucEnd) {
+        if (pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES)) {
+            const uint32_t uiPlain = Find_StopByte<STOPS, false>(pucByte, false);
+            pucByte += uiPlain;
+            if (uiPlain == BLOCK_BYTES) continue;
+        }
+        if (*pucByte < 0x80 ? STOP_TABLE<STOPS>.Is_Stop(*pucByte, false) : !bSingle && pucEnd - pucByte < 2)
+            break;
+        pucByte += *pucByte < 0x80 || bSingle ? 1 : 2;
+    }
+    return pucByte;
+}
+
+template <StopUnits STOPS>
+inline const uint8_t *Skip_Utf16Run(const uint8_t *pucByte, const uint8_t *pucEnd)
+{
+    const bool bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+    while (pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES)) {
+        const uint32_t uiPlain = Find_StopUnit<STOPS>(pucByte, bBigEndian, false);
+        pucByte += 2 * uiPlain;
+        if (uiPlain < BLOCK_UNITS) return pucByte;
+    }
+    for (; pucEnd - pucByte >= 2; pucByte += 2) {
+        const uint32_t uiUnit = bBigEndian ? (static_cast<uint32_t>(pucByte[0]) << 8) | pucByte[1]
+                                           : (static_cast<uint32_t>(pucByte[1]) << 8) | pucByte[0];
+        if (STOP_TABLE<STOPS>.Is_Stop(uiUnit, false)) break;
+    }
+    return pucByte;
+}
+
+/** Pass over units that are no stops (STOPS.bBlankRuns must be false). @return bytes passed over. */
+template <StopUnits STOPS>
+inline uint32_t Skip_PlainRun()
+{
+    static_assert(!STOPS.bBlankRuns);
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (stInfo.iStreamBufIndex >= stInfo.iStreamDataSize) return 0;
+    const uint8_t *const pucStart = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    const uint8_t *const pucEnd = stInfo.pucStreamBuf + stInfo.iStreamDataSize;
+    const uint8_t *pucByte = pucStart;
+    if (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u)
+        pucByte = Skip_Utf16Run<STOPS>(pucStart, pucEnd);
+    else if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8)
+        pucByte = Skip_Utf8Run<STOPS>(pucStart, pucEnd);
+    else
+        pucByte = Skip_AnsiRun<STOPS>(pucStart, pucEnd);
+    stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
+    return static_cast<uint32_t>(pucByte - pucStart);
+}
