@@ -208,32 +208,45 @@ static void Draw_EightPixels(uint16_t *pusPixels, uint8_t ucBits, EightPixels us
     memcpy(pusPixels, &usPixels, sizeof(usPixels));
 }
 
-/* One row of a bitmap, clipped: columns stBits of it are inside the region, whose row begins at pusRow and
- * has uiColumns pixels. Column 0 of the bitmap stands at iX. */
-struct BitmapRows {
+/* The visible part of a bitmap: bits stBits of its rows. Column 0 stands at llX of a region of uiColumns
+ * columns. */
+struct ClippedBitmap {
     int64_t llX;
     Span stBits;
     uint32_t uiColumns;
 };
 
-static void Draw_BitmapRow(const BitmapRows &stRows, uint16_t *pusRow, const uint8_t *pucBits)
+static uint32_t Get_LastByteMask(uint32_t uiEnd)
+{
+    return (0xFF00U >> ((uiEnd - 1) % 8 + 1)) & 0xFFU;
+}
+
+/* All bytes of the row stand inside the region, each with eight pixels. */
+static void Draw_WholeRow(uint16_t *pusPixels, const uint8_t *pucBits, uint32_t uiWidth)
 {
     const EightPixels usColor = EightPixels{} + g_stFontColors.usFontColor;
-    const uint32_t uiLastByte = (stRows.stBits.uiEnd - 1) / 8;
-    for (uint32_t uiByte = stRows.stBits.uiFirst / 8; uiByte <= uiLastByte; ++uiByte) {
-        const uint32_t uiBit = uiByte * 8;
-        uint32_t uiBits = pucBits[uiByte];
-        if (uiBit < stRows.stBits.uiFirst) uiBits &= 0xFFU >> (stRows.stBits.uiFirst - uiBit);
-        if (uiByte == uiLastByte) uiBits &= 0xFF00U >> (stRows.stBits.uiEnd - uiBit);
-        if (uiBits == 0) continue;
-        const int64_t llColumn = stRows.llX + uiBit;
-        if (llColumn >= 0 && llColumn + 8 <= stRows.uiColumns) {
-            Draw_EightPixels(pusRow + llColumn, static_cast<uint8_t>(uiBits), usColor);
-            continue;
-        }
-        for (int64_t llPixel = llColumn; uiBits != 0; ++llPixel, uiBits = (uiBits << 1) & 0xFFU)
-            if ((uiBits & 0x80U) != 0) pusRow[llPixel] = g_stFontColors.usFontColor;
-    }
+    const uint32_t uiLastByte = (uiWidth - 1) / 8;
+    for (uint32_t uiByte = 0; uiByte < uiLastByte; ++uiByte, pusPixels += 8)
+        Draw_EightPixels(pusPixels, pucBits[uiByte], usColor);
+    Draw_EightPixels(pusPixels, static_cast<uint8_t>(pucBits[uiLastByte] & Get_LastByteMask(uiWidth)),
+                     usColor);
+}
+
+static void Draw_CutRow(const ClippedBitmap &stBitmap, uint16_t *pusRow, const uint8_t *pucBits)
+{
+    for (uint32_t uiBit = stBitmap.stBits.uiFirst; uiBit < stBitmap.stBits.uiEnd; ++uiBit)
+        if ((pucBits[uiBit / 8] & (0x80U >> uiBit % 8)) != 0)
+            pusRow[stBitmap.llX + uiBit] = g_stFontColors.usFontColor;
+}
+
+static void Draw_BitmapRow(const ClippedBitmap &stBitmap, uint16_t *pusRow, const uint8_t *pucBits)
+{
+    const uint32_t uiBytes = (stBitmap.stBits.uiEnd + 7) / 8;
+    if (stBitmap.stBits.uiFirst == 0 &&
+        stBitmap.llX + static_cast<int64_t>(uiBytes) * 8 <= stBitmap.uiColumns)
+        Draw_WholeRow(pusRow + stBitmap.llX, pucBits, stBitmap.stBits.uiEnd);
+    else
+        Draw_CutRow(stBitmap, pusRow, pucBits);
 }
 
 static int32_t Check_BitmapArea(int32_t iX, uint32_t uiWidth)
@@ -267,7 +280,7 @@ int32_t zyr_fontDraw_drawBitmapMono(int32_t iX, int32_t iY, uint32_t uiWidth, ui
     if (pucBits == nullptr) return -2;
 
     const uint32_t uiX = static_cast<uint32_t>(iX);
-    const BitmapRows stBitmap = {iX, {stColumns.uiFirst - uiX, stColumns.uiEnd - uiX}, uiColumns};
+    const ClippedBitmap stBitmap = {iX, {stColumns.uiFirst - uiX, stColumns.uiEnd - uiX}, uiColumns};
     for (uint32_t uiRow = stRows.uiFirst; uiRow < stRows.uiEnd; ++uiRow) {
         const int64_t llBitmapRow = static_cast<int64_t>(uiRow) - iY;
         Draw_BitmapRow(stBitmap, Get_Row(uiRow), pucBits + static_cast<ptrdiff_t>(llBitmapRow * iPitch));
