@@ -140,9 +140,10 @@ bool Present_CrLf(const HostSource &stSource, HostContent *pstContent)
 {
     HostText stText = {};
     const int64_t llSize = stSource.pucData != nullptr ? int64_t{stSource.uiBytes} : pstContent->llSizeAtOpen;
-    // Most texts grow by a byte a line if at all; memory that stays unused is not touched, and given back
-    // below.
-    stText.uiRoom = static_cast<size_t>(std::min<int64_t>(llSize, INT32_MAX) / 8 * 9) + 2 * PIECE_BYTES + 64;
+    // Twice the file when it is one piece; else most grow by a byte a line if at all, and memory that stays
+    // unused is not touched, and given back below.
+    const auto uiSize = static_cast<size_t>(std::min<int64_t>(llSize, INT32_MAX));
+    stText.uiRoom = uiSize < PIECE_BYTES ? 2 * uiSize + 64 : uiSize / 8 * 9 + 2 * PIECE_BYTES + 64;
     stText.pucData = llSize <= INT32_MAX ? static_cast<uint8_t *>(malloc(stText.uiRoom)) : nullptr;
     const bool bDone =
         stText.pucData != nullptr &&
