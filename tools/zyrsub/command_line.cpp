@@ -1,0 +1,230 @@
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include "time_text.h"
+
+static constexpr const char *MAIN_FOOTER = R"(Examples:
+  zyrsub info movie.smi              what the file is, and its languages
+  zyrsub frames movie.avi            every caption of the subtitle beside movie.avi
+  zyrsub render movie.srt --at 1:30  the caption on screen after a minute and a half, as a picture
+  zyrsub play movie.srt              the captions in real time, in a window
+
+"zyrsub COMMAND --help" tells more about each command.
+Exit codes: 0 good, 1 some inputs failed, 2 wrong use, 3 not found or not readable, 4 not a subtitle
+that can be read.)";
+
+static constexpr const char *INFO_FOOTER = R"(Examples:
+  zyrsub info movie.srt              one file
+  zyrsub info movie.avi              the subtitle that a player finds beside the movie
+  zyrsub info --json *.smi           many files, as one JSON document)";
+
+static constexpr const char *FRAMES_FOOTER = R"(Examples:
+  zyrsub frames movie.srt                           every frame: from, until, text
+  zyrsub frames movie.srt --from 1:00:00 --count 3  what a player shows after a jump to one hour
+  zyrsub frames movie.smi --class KRCC --json       one language, as JSON
+  zyrsub frames movie.smi --together                the languages of one moment in one text
+  zyrsub frames old.srt --codepage CP1252 --single-byte
+
+Times are H:MM:SS.mmm, MM:SS, seconds (90 or 1.5) or milliseconds (1500ms). --from jumps as a player does,
+and where that leads differs by format: SubRip and SubViewer go on with the caption that starts at or before
+the time, SAMI with the first one from it on, SSA with the first one after it.)";
+
+static constexpr const char *RENDER_FOOTER = R"(Examples:
+  zyrsub render movie.srt                                   the first caption
+  zyrsub render movie.srt --at 1:30.5 -o shot.png
+  zyrsub render movie.smi --at 90 --output hdmi-720p --background still.png -o shot.png
+  zyrsub render movie.srt --all --sheet sheet.png           all captions on one sheet, with their times
+
+Outputs: )";
+
+static constexpr const char *PLAY_FOOTER = R"(Keys:
+  space        pause and go on
+  left, right  5 seconds back, on
+  down, up     a minute back, on
+  l            next language, then all of them again
+  o            next output (window only)
+  q, Esc       quit
+
+Examples:
+  zyrsub play movie.srt
+  zyrsub play movie.smi --from 10:00 --speed 2 --output hdmi-720p
+  zyrsub play movie.srt --terminal       as text, where there is no window system)";
+
+static void Set_Time(const std::string &strName, const std::string &strText, std::optional<uint32_t> &uiMs)
+{
+    uiMs = Parse_Time(strText);
+    if (!uiMs)
+        throw CLI::ValidationError(strName,
+                                   "'" + strText + "' is not a time (H:MM:SS.mmm, MM:SS, seconds or Nms)");
+}
+
+static void Add_Time(CLI::App *pstApp, const std::string &strName, std::optional<uint32_t> &uiMs,
+                     const std::string &strHelp)
+{
+    pstApp
+        ->add_option_function<std::string>(
+            strName, [strName, &uiMs](const std::string &strText) { Set_Time(strName, strText, uiMs); },
+            strHelp)
+        ->type_name("T");
+}
+
+static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSeveral)
+{
+    SourceOptions &stSource = stOptions.stSource;
+    pstApp
+        ->add_option("MOVIE", stOptions.astrMovies,
+                     "the movie (it need not exist), or a subtitle file: .smi .sami .srt .sub .ssa")
+        ->required()
+        ->expected(1, bSeveral ? 1000000 : 1)
+        ->type_name("");
+    pstApp->add_option("--codepage", stSource.strCodePage, "code page of text without a Unicode encoding")
+        ->capture_default_str()
+        ->type_name("NAME")
+        ->check([](const std::string &strName) {
+            return Is_CodePageKnown(strName)
+                       ? ""
+                       : "there is no code page '" + strName + "' ('iconv -l' lists them)";
+        });
+    pstApp->add_flag("--single-byte", stSource.bSingleByte, "every byte of such text is one character");
+    pstApp->add_flag("--raw-line-ends", stSource.bRawLineEnds,
+                     "hand line ends over as the file has them, as on the box (else all become CR LF)");
+    pstApp
+        ->add_option("--class", stSource.astrClasses,
+                     "language class to read, by name or index; repeat for more")
+        ->allow_extra_args(false)
+        ->type_name("NAME|INDEX");
+    pstApp->add_flag("-v,--verbose", stOptions.iVerbose,
+                     "show the library's log of errors; -vv: all of its log");
+}
+
+static void Add_ScreenOptions(CLI::App *pstApp, Options &stOptions)
+{
+    ScreenOptions &stScreen = stOptions.stScreen;
+    stScreen.pstOutput = Find_OutputMode("lcd");
+    pstApp
+        ->add_option_function<std::string>(
+            "--output",
+            [&stScreen](const std::string &strName) {
+                stScreen.pstOutput = Find_OutputMode(strName);
+                if (stScreen.pstOutput == nullptr)
+                    throw CLI::ValidationError("--output",
+                                               "there is no output '" + strName + "' (see --help)");
+            },
+            "the display's output [lcd]")
+        ->type_name("NAME");
+    pstApp
+        ->add_option("--font-size", stScreen.uiFontSize,
+                     "28, 32, 36 or 40: 4, 8, 12 or 16 pixels more than the output's own size (24, 28 or 32)")
+        ->check(CLI::IsMember({24, 28, 32, 36, 40}))
+        ->type_name("N");
+    pstApp
+        ->add_option("--position", stScreen.uiPosition,
+                     "pixels between the caption and the display's bottom [16]")
+        ->check(CLI::Range(0, 4096))
+        ->type_name("N");
+    pstApp->add_option("--background", stScreen.strBackground, "PNG to draw over, instead of black")
+        ->type_name("FILE");
+}
+
+static std::string List_OutputNames()
+{
+    std::string strNames;
+    for (const OutputMode &stMode : List_OutputModes())
+        strNames += std::string(strNames.empty() ? "" : " ") + stMode.pszName;
+    return strNames;
+}
+
+// Every command's options land in the one record; only the command that is run fills its part.
+using Run = ExitCode (*)(const Options &);
+
+static CLI::App *Add_Command(CLI::App &stApp, CommandLine &stLine, const char *pszName, const char *pszHelp,
+                             Run pfRun)
+{
+    CLI::App *pstApp = stApp.add_subcommand(pszName, pszHelp);
+    pstApp->callback([&stLine, pfRun] { stLine.pfRun = pfRun; });
+    return pstApp;
+}
+
+static void Add_ReportCommands(CLI::App &stApp, CommandLine &stLine)
+{
+    Options &stOptions = stLine.stOptions;
+    CLI::App *pstInfo =
+        Add_Command(stApp, stLine, "info", "What a subtitle file is: format, encoding, languages", Run_Info);
+    Add_SourceOptions(pstInfo, stOptions, true);
+    pstInfo->add_flag("--json", stOptions.stReport.bJson, "print one JSON document");
+    pstInfo->footer(INFO_FOOTER);
+
+    ReportOptions &stReport = stOptions.stReport;
+    CLI::App *pstFrames = Add_Command(stApp, stLine, "frames",
+                                      "Every caption with its times, as a player gets them", Run_Frames);
+    Add_SourceOptions(pstFrames, stOptions, true);
+    Add_Time(pstFrames, "--from", stReport.uiFrom, "jump there first, as a player does");
+    Add_Time(pstFrames, "--to", stReport.uiTo, "stop before the first frame that starts later");
+    pstFrames->add_option("--count", stReport.uiCount, "stop after so many frames")->type_name("N");
+    pstFrames->add_flag("--together", stReport.bTogether, "join the languages of one moment in one text");
+    pstFrames->add_flag("--json", stReport.bJson, "print one JSON document");
+    pstFrames->footer(FRAMES_FOOTER);
+}
+
+static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    RenderOptions &stRender = stLine.stOptions.stRender;
+    CLI::App *pstRender =
+        Add_Command(stApp, stLine, "render", "Captions as pictures, drawn as on the box", Run_Render);
+    Add_SourceOptions(pstRender, stLine.stOptions, false);
+    Add_ScreenOptions(pstRender, stLine.stOptions);
+    Add_Time(pstRender, "--at", stRender.uiAt, "the time on screen [the first caption's start]");
+    pstRender->add_option("-o", stRender.strPicture, "PNG to write [MOVIE-TIME-OUTPUT.png]")
+        ->type_name("FILE");
+    CLI::Option *pstSheet =
+        pstRender->add_option("--sheet", stRender.strSheet, "PNG for all captions at once")
+            ->type_name("FILE");
+    pstRender->add_flag("--all", stRender.bAll, "every caption, on one sheet")->needs(pstSheet);
+    pstSheet->excludes("--at")->excludes("-o");
+    pstRender->footer(std::string(RENDER_FOOTER) + List_OutputNames());
+}
+
+static void Add_PlayCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    PlayOptions &stPlay = stLine.stOptions.stPlay;
+    CLI::App *pstPlay =
+        Add_Command(stApp, stLine, "play", "Captions in real time, in a window or as text", Run_Play);
+    Add_SourceOptions(pstPlay, stLine.stOptions, false);
+    Add_ScreenOptions(pstPlay, stLine.stOptions);
+    pstPlay
+        ->add_option_function<std::string>(
+            "--from",
+            [&stPlay](const std::string &strText) {
+                std::optional<uint32_t> uiMs;
+                Set_Time("--from", strText, uiMs);
+                stPlay.uiFrom = *uiMs;
+            },
+            "start there")
+        ->type_name("T");
+    pstPlay->add_option("--speed", stPlay.dSpeed, "times the real speed [1]")
+        ->check(CLI::Range(0.01, 1000.0))
+        ->type_name("X");
+    pstPlay->add_flag("--terminal", stPlay.bTerminal, "as text in the terminal");
+    pstPlay->footer(PLAY_FOOTER);
+}
+
+CommandLine Read_CommandLine(int iArguments, char **ppszArguments)
+{
+    CommandLine stLine;
+    CLI::App stApp("Shows what a set-top box makes of subtitle files: SAMI, SubRip, SSA and SubViewer.",
+                   "zyrsub");
+    stApp.require_subcommand(1);
+    stApp.set_version_flag("--version", std::string("zyrsub ") + ZYRSUB_VERSION);
+    stApp.footer(MAIN_FOOTER);
+    Add_ReportCommands(stApp, stLine);
+    Add_RenderCommand(stApp, stLine);
+    Add_PlayCommand(stApp, stLine);
+    try {
+        stApp.parse(iArguments, ppszArguments);
+    } catch (const CLI::ParseError &stError) {
+        stLine.pfRun = nullptr;
+        stLine.eCode = stApp.exit(stError) == 0 ? E_EXIT_GOOD : E_EXIT_USAGE;
+    }
+    return stLine;
+}

@@ -1,0 +1,135 @@
+// zyrsub render: a caption, or all of them, as the box would show them.
+#include "commands.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+#include "caption_screen.h"
+#include "time_text.h"
+#include "timeline.h"
+
+static constexpr uint32_t SHEET_COLUMNS = 4;
+static constexpr uint32_t CELL_WIDTH = 384; // pixels of a small picture; its height follows the display's
+static constexpr uint32_t CELL_GAP = 12;
+static constexpr uint32_t LABEL_HEIGHT = 40;
+static constexpr uint32_t RULE_HEIGHT = 2;
+static constexpr uint32_t SHEET_WIDTH = SHEET_COLUMNS * (CELL_WIDTH + CELL_GAP) + CELL_GAP;
+static constexpr uint32_t MAX_SHEET_ROWS = 4000;
+
+// movie.srt at 1500 ms becomes movie-1500-lcd.png, in the current folder.
+static std::string Make_PictureName(const std::string &strMovie, int64_t llMs, const OutputMode &stMode)
+{
+    const size_t uiSlash = strMovie.rfind('/');
+    const std::string strName = uiSlash == std::string::npos ? strMovie : strMovie.substr(uiSlash + 1);
+    return strName.substr(0, strName.rfind('.')) + "-" + std::to_string(llMs) + "-" + stMode.pszName + ".png";
+}
+
+static int64_t Find_FirstCaption(const Timeline &stTimeline)
+{
+    for (const Frame &stFrame : stTimeline.Get_Frames())
+        if (!stFrame.astrLines.empty()) return stFrame.iStart;
+    return 0;
+}
+
+static Outcome Render_One(const Options &stOptions, const Timeline &stTimeline, CaptionScreen &stScreen)
+{
+    const OutputMode &stMode = *stOptions.stScreen.pstOutput;
+    const int64_t llMs = stOptions.stRender.uiAt ? *stOptions.stRender.uiAt : Find_FirstCaption(stTimeline);
+    const std::string strCaption = stTimeline.Get_Caption(llMs);
+    const std::string strFile = stOptions.stRender.strPicture.empty()
+                                    ? Make_PictureName(stOptions.astrMovies.front(), llMs, stMode)
+                                    : stOptions.stRender.strPicture;
+    if (!strCaption.empty()) stScreen.Show(strCaption);
+    const Outcome stWritten = Write_Png(strFile, stScreen.Compose());
+    if (!stWritten.IsGood()) return stWritten;
+    const std::string strShown =
+        strCaption.empty() ? "(no caption)" : Join_Lines(Split_Lines(strCaption), " / ");
+    std::printf("%s  %s  %s %ux%u  %s\n", strFile.c_str(), Format_Time(static_cast<int32_t>(llMs)).c_str(),
+                stMode.pszName, stScreen.Get_Width(), stScreen.Get_Height(),
+                Make_Printable(strShown).c_str());
+    return {};
+}
+
+// What separates the pictures on a sheet.
+static Picture Make_Grey(uint32_t uiWidth, uint32_t uiHeight)
+{
+    static constexpr uint8_t GREY = 0x30;
+    Picture stPicture = Make_Picture(uiWidth, uiHeight);
+    for (size_t uiByte = 0; uiByte < stPicture.aucRgba.size(); ++uiByte)
+        if (uiByte % 4 != 3) stPicture.aucRgba[uiByte] = GREY;
+    return stPicture;
+}
+
+// One cell: the display made small, and the frame's time below it.
+static Picture Draw_Cell(const Timeline &stTimeline, const Frame &stFrame, CaptionScreen &stScreen)
+{
+    const uint32_t uiHeight = CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width();
+    Picture stCell = Make_Picture(CELL_WIDTH, uiHeight + LABEL_HEIGHT);
+    stScreen.Show(stTimeline.Get_Caption(stFrame.iStart));
+    Paste_Picture(stCell, Scale_Picture(stScreen.Compose(), CELL_WIDTH, uiHeight), 0, 0);
+    Paste_Picture(stCell, Make_Grey(CELL_WIDTH, RULE_HEIGHT), 0, uiHeight);
+    stScreen.Show(Format_Time(stFrame.iStart));
+    const Picture stLabel = stScreen.Compose_Label();
+    const uint32_t uiLabelX = stLabel.uiWidth < CELL_WIDTH ? (CELL_WIDTH - stLabel.uiWidth) / 2 : 0;
+    Paste_Picture(stCell, stLabel, uiLabelX,
+                  uiHeight + (LABEL_HEIGHT - std::min(LABEL_HEIGHT, stLabel.uiHeight)) / 2);
+    return stCell;
+}
+
+static void Show_Progress(size_t uiDone, size_t uiAll)
+{
+    static constexpr size_t BAR = 40;
+    if (isatty(STDERR_FILENO) == 0) return;
+    const std::string strBar(BAR * uiDone / uiAll, '#');
+    std::fprintf(stderr, "\r[%-40s] %zu of %zu%s", strBar.c_str(), uiDone, uiAll,
+                 uiDone == uiAll ? "\n" : "");
+}
+
+// Row by row, so that a long film needs no more memory than a short one.
+static Outcome Render_Sheet(const Options &stOptions, const Timeline &stTimeline, CaptionScreen &stScreen)
+{
+    std::vector<const Frame *> apstFrames;
+    for (const Frame &stFrame : stTimeline.Get_Frames())
+        if (!stFrame.astrLines.empty()) apstFrames.push_back(&stFrame);
+    if (apstFrames.empty()) return {E_EXIT_SOME_FAILED, "there is no caption to draw"};
+    const size_t uiRows = (apstFrames.size() + SHEET_COLUMNS - 1) / SHEET_COLUMNS;
+    if (uiRows > MAX_SHEET_ROWS) return {E_EXIT_SOME_FAILED, "too many frames for one sheet"};
+    const uint32_t uiRowHeight =
+        CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width() + LABEL_HEIGHT + CELL_GAP;
+    PngWriter stWriter(stOptions.stRender.strSheet, SHEET_WIDTH,
+                       static_cast<uint32_t>(uiRows) * uiRowHeight + CELL_GAP);
+    for (size_t uiFrame = 0; uiFrame < apstFrames.size(); uiFrame += SHEET_COLUMNS) {
+        Picture stBand = Make_Grey(SHEET_WIDTH, uiRowHeight);
+        for (uint32_t uiColumn = 0; uiColumn < SHEET_COLUMNS && uiFrame + uiColumn < apstFrames.size();
+             ++uiColumn) {
+            const Picture stCell = Draw_Cell(stTimeline, *apstFrames[uiFrame + uiColumn], stScreen);
+            Paste_Picture(stBand, stCell, CELL_GAP + uiColumn * (CELL_WIDTH + CELL_GAP), CELL_GAP);
+            Show_Progress(uiFrame + uiColumn + 1, apstFrames.size());
+        }
+        stWriter.Write_Band(stBand);
+    }
+    stWriter.Write_Band(Make_Grey(SHEET_WIDTH, CELL_GAP));
+    const Outcome stWritten = stWriter.Finish();
+    if (stWritten.IsGood())
+        std::printf("%s  %zu frames  %s\n", stOptions.stRender.strSheet.c_str(), apstFrames.size(),
+                    stOptions.stScreen.pstOutput->pszName);
+    return stWritten;
+}
+
+ExitCode Run_Render(const Options &stOptions)
+{
+    const std::string &strMovie = stOptions.astrMovies.front();
+    SubtitleSource stSource(stOptions.stSource);
+    Outcome stOutcome = stSource.Open(strMovie);
+    if (stOutcome.IsGood()) {
+        const Timeline stTimeline(stSource.Read_All());
+        CaptionScreen stScreen;
+        stOutcome = stScreen.Open(stOptions.stScreen);
+        if (stOutcome.IsGood())
+            stOutcome = stOptions.stRender.strSheet.empty() ? Render_One(stOptions, stTimeline, stScreen)
+                                                            : Render_Sheet(stOptions, stTimeline, stScreen);
+    }
+    if (!stOutcome.IsGood()) Report_Problem(strMovie, stOutcome.strText);
+    return stOutcome.eCode;
+}

@@ -1,0 +1,87 @@
+// zyrsub info, zyrsub frames: any number of inputs, and one bad file never stops the others.
+#include "commands.h"
+
+#include <cstdio>
+#include <functional>
+
+#include "report_json.h"
+#include "report_text.h"
+
+void Report_Problem(const std::string &strMovie, const std::string &strText)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "zyrsub: %s: %s\n", strMovie.c_str(), strText.c_str());
+}
+
+using FileStep = std::function<Outcome(const std::string &, SubtitleSource &, JsonReport &)>;
+
+// One input, or several that fail alike, give the failure's own code.
+static ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes)
+{
+    for (const ExitCode eCode : aeCodes)
+        if (eCode != aeCodes.front()) return E_EXIT_SOME_FAILED;
+    return aeCodes.empty() ? E_EXIT_GOOD : aeCodes.front();
+}
+
+static ExitCode Run_Files(const Options &stOptions, const FileStep &pfStep)
+{
+    SubtitleSource stSource(stOptions.stSource);
+    JsonReport stJson;
+    std::vector<ExitCode> aeCodes;
+    for (const std::string &strMovie : stOptions.astrMovies) {
+        stJson.Begin_File(strMovie);
+        Outcome stOutcome = stSource.Open(strMovie);
+        if (stOutcome.IsGood()) stOutcome = pfStep(strMovie, stSource, stJson);
+        if (!stOutcome.IsGood()) {
+            Report_Problem(strMovie, stOutcome.strText);
+            stJson.Add_Failure(stOutcome);
+        }
+        aeCodes.push_back(stOutcome.eCode);
+        stSource.Close();
+    }
+    if (stOptions.stReport.bJson) stJson.Print();
+    return Combine_Codes(aeCodes);
+}
+
+ExitCode Run_Info(const Options &stOptions)
+{
+    return Run_Files(stOptions,
+                     [&](const std::string &strMovie, SubtitleSource &stSource, JsonReport &stJson) {
+                         if (stOptions.stReport.bJson)
+                             stJson.Add_Info(stSource);
+                         else
+                             Print_Info(strMovie, stSource);
+                         return Outcome{};
+                     });
+}
+
+static Outcome Report_Frames(const ReportOptions &stReport, const SubtitleSource &stSource,
+                             JsonReport &stJson)
+{
+    if (stReport.bJson) stJson.Add_Source(stSource, true);
+    if (stReport.uiFrom && !stSource.Seek(*stReport.uiFrom))
+        return {E_EXIT_NOT_SUBTITLE, "the seek failed (-v tells why)"};
+    const uint32_t uiLimit = stReport.uiCount.value_or(UINT32_MAX);
+    for (uint32_t uiFrame = 0; uiFrame < uiLimit; ++uiFrame) {
+        const std::optional<Frame> stFrame = stSource.Read(stReport.bTogether);
+        if (!stFrame) break;
+        if (stReport.uiTo && stFrame->iStart > static_cast<int64_t>(*stReport.uiTo)) break;
+        if (stReport.bJson)
+            stJson.Add_Frame(stSource, *stFrame);
+        else
+            Print_Frame(stSource, *stFrame);
+    }
+    return {};
+}
+
+ExitCode Run_Frames(const Options &stOptions)
+{
+    bool bFirst = true;
+    return Run_Files(stOptions,
+                     [&](const std::string &strMovie, SubtitleSource &stSource, JsonReport &stJson) {
+                         if (!stOptions.stReport.bJson && stOptions.astrMovies.size() > 1)
+                             std::printf("%s%s\n", bFirst ? "" : "\n", strMovie.c_str());
+                         bFirst = false;
+                         return Report_Frames(stOptions.stReport, stSource, stJson);
+                     });
+}

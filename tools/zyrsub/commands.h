@@ -1,0 +1,16 @@
+// The subcommands. Each prints its results and gives the exit code.
+#ifndef ZYRSUB_COMMANDS_H
+#define ZYRSUB_COMMANDS_H
+
+#include "exit_code.h"
+#include "options.h"
+
+ExitCode Run_Info(const Options &stOptions);
+ExitCode Run_Frames(const Options &stOptions);
+ExitCode Run_Render(const Options &stOptions);
+ExitCode Run_Play(const Options &stOptions);
+
+// "zyrsub: MOVIE: what is wrong" on standard error.
+void Report_Problem(const std::string &strMovie, const std::string &strText);
+
+#endif

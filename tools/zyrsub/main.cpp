@@ -1,0 +1,40 @@
+// zyrsub: looks into subtitle files through the library, as a player would.
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "command_line.h"
+#include "zyr/zyr_host.h"
+
+static constexpr int LOG_ERROR = 6;
+
+static void Print_Log(int iPriority, const char *pszTag, const char *pszText, void *pvVerbose)
+{
+    if (iPriority < LOG_ERROR && *static_cast<const int *>(pvVerbose) < 2) return;
+    std::string strText = pszText;
+    while (!strText.empty() && strText.back() == '\n') strText.pop_back();
+    std::fprintf(stderr, "%s%s%s\n", pszTag == nullptr ? "" : pszTag, pszTag == nullptr ? "" : ":",
+                 strText.c_str());
+}
+
+static int Run_Program(int iArguments, char **ppszArguments)
+{
+    CommandLine stLine = Read_CommandLine(iArguments, ppszArguments);
+    if (stLine.pfRun == nullptr) return stLine.eCode;
+    if (stLine.stOptions.iVerbose > 0) zyr_host_setLogSink(Print_Log, &stLine.stOptions.iVerbose);
+    const ExitCode eCode = stLine.pfRun(stLine.stOptions);
+    zyr_host_setLogSink(nullptr, nullptr);
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return eCode;
+    std::fputs("zyrsub: the results could not be written\n", stderr);
+    return E_EXIT_SOME_FAILED;
+}
+
+int main(int iArguments, char **ppszArguments)
+{
+    try {
+        return Run_Program(iArguments, ppszArguments);
+    } catch (const std::exception &stError) {
+        std::fprintf(stderr, "zyrsub: %s\n", stError.what());
+        return E_EXIT_SOME_FAILED;
+    }
+}

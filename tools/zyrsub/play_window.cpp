@@ -1,0 +1,180 @@
+// Play in a window: the display of the chosen output, captions coming and going in real time.
+#include "playback.h"
+
+#include <SDL.h>
+#include <algorithm>
+#include <memory>
+
+#include "caption_screen.h"
+
+static constexpr int POLL_MS = 10;
+
+struct SdlSession {
+    SdlSession() : bGood(SDL_Init(SDL_INIT_VIDEO) == 0) {}
+    ~SdlSession() { SDL_Quit(); }
+    SdlSession(const SdlSession &) = delete;
+    SdlSession &operator=(const SdlSession &) = delete;
+    bool bGood;
+};
+using WindowPtr = std::unique_ptr<SDL_Window, void (*)(SDL_Window *)>;
+using SurfacePtr = std::unique_ptr<SDL_Surface, void (*)(SDL_Surface *)>;
+
+struct WindowSize {
+    int iWidth;
+    int iHeight;
+};
+
+// The display's own size, or as much of it as the screen has room for.
+static WindowSize Fit_Window(const CaptionScreen &stScreen)
+{
+    const auto iWidth = static_cast<int>(stScreen.Get_Width());
+    const auto iHeight = static_cast<int>(stScreen.Get_Height());
+    SDL_Rect stRoom = {};
+    if (SDL_GetDisplayUsableBounds(0, &stRoom) != 0 || stRoom.w <= 0 || stRoom.h <= 0)
+        return {iWidth, iHeight};
+    const double dScale =
+        std::min({1.0, static_cast<double>(stRoom.w) / iWidth, static_cast<double>(stRoom.h) / iHeight});
+    return {static_cast<int>(iWidth * dScale), static_cast<int>(iHeight * dScale)};
+}
+
+static PlayCommand Get_KeyCommand(SDL_Keycode iKey)
+{
+    switch (iKey) {
+    case SDLK_SPACE: return E_PLAY_PAUSE;
+    case SDLK_LEFT: return E_PLAY_BACK;
+    case SDLK_RIGHT: return E_PLAY_ON;
+    case SDLK_DOWN: return E_PLAY_FAR_BACK;
+    case SDLK_UP: return E_PLAY_FAR_ON;
+    case SDLK_l: return E_PLAY_LANGUAGE;
+    case SDLK_o: return E_PLAY_OUTPUT;
+    case SDLK_q:
+    case SDLK_ESCAPE: return E_PLAY_QUIT;
+    default: return E_PLAY_NOTHING;
+    }
+}
+
+static void Draw_Window(SDL_Window *pstWindow, Picture &stPicture)
+{
+    SDL_Surface *pstTarget = SDL_GetWindowSurface(pstWindow);
+    const auto iWidth = static_cast<int>(stPicture.uiWidth);
+    const auto iHeight = static_cast<int>(stPicture.uiHeight);
+    const SurfacePtr pstSource(SDL_CreateRGBSurfaceWithFormatFrom(stPicture.aucRgba.data(), iWidth, iHeight,
+                                                                  32, iWidth * 4, SDL_PIXELFORMAT_RGBA32),
+                               SDL_FreeSurface);
+    if (pstTarget == nullptr || !pstSource) return;
+    SDL_SetSurfaceBlendMode(pstSource.get(), SDL_BLENDMODE_NONE);
+    const double dScale =
+        std::min(static_cast<double>(pstTarget->w) / iWidth, static_cast<double>(pstTarget->h) / iHeight);
+    const auto iShownWidth = static_cast<int>(iWidth * dScale);
+    const auto iShownHeight = static_cast<int>(iHeight * dScale);
+    SDL_Rect stPlace = {(pstTarget->w - iShownWidth) / 2, (pstTarget->h - iShownHeight) / 2, iShownWidth,
+                        iShownHeight};
+    SDL_FillRect(pstTarget, nullptr, 0);
+    SDL_BlitScaled(pstSource.get(), nullptr, pstTarget, &stPlace);
+    SDL_UpdateWindowSurface(pstWindow);
+}
+
+// What one run of the window holds.
+struct WindowPlay {
+    const Options &stOptions;
+    Playback &stPlayback;
+    ScreenOptions stScreenOptions;
+    CaptionScreen stScreen;
+    WindowPtr pstWindow{nullptr, SDL_DestroyWindow};
+    std::string strShown;
+    std::string strTitle;
+    bool bRedraw = true;
+    bool bQuit = false;
+};
+
+static Outcome Change_Output(WindowPlay &stPlay)
+{
+    const std::span<const OutputMode> astModes = List_OutputModes();
+    const OutputMode *pstNext = stPlay.stScreenOptions.pstOutput + 1;
+    stPlay.stScreenOptions.pstOutput =
+        pstNext == astModes.data() + astModes.size() ? astModes.data() : pstNext;
+    const Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
+    if (!stOpened.IsGood()) return stOpened;
+    const WindowSize stSize = Fit_Window(stPlay.stScreen);
+    SDL_SetWindowSize(stPlay.pstWindow.get(), stSize.iWidth, stSize.iHeight);
+    stPlay.strShown.clear();
+    stPlay.bRedraw = true;
+    return {};
+}
+
+static Outcome Handle_Event(WindowPlay &stPlay, const SDL_Event &stEvent)
+{
+    if (stEvent.type == SDL_QUIT) stPlay.bQuit = true;
+    if (stEvent.type == SDL_WINDOWEVENT) stPlay.bRedraw = true;
+    if (stEvent.type != SDL_KEYDOWN) return {};
+    const PlayCommand eCommand = Get_KeyCommand(stEvent.key.keysym.sym);
+    if (eCommand == E_PLAY_QUIT) stPlay.bQuit = true;
+    if (eCommand == E_PLAY_OUTPUT) return Change_Output(stPlay);
+    stPlay.stPlayback.Apply(eCommand);
+    return {};
+}
+
+// The title shows whole tenths of a second, so that it does not flicker.
+static void Update_Title(WindowPlay &stPlay)
+{
+    std::string strTime = stPlay.stPlayback.Describe();
+    strTime.erase(strTime.find('.') + 2, 2);
+    const std::string strTitle = strTime + "  " + stPlay.stScreenOptions.pstOutput->pszName + "  " +
+                                 stPlay.stOptions.astrMovies.front();
+    if (strTitle == stPlay.strTitle) return;
+    stPlay.strTitle = strTitle;
+    SDL_SetWindowTitle(stPlay.pstWindow.get(), strTitle.c_str());
+}
+
+static void Update_Caption(WindowPlay &stPlay)
+{
+    const std::string strCaption = stPlay.stPlayback.Get_Caption();
+    if (strCaption != stPlay.strShown) {
+        stPlay.stScreen.Show(strCaption);
+        stPlay.strShown = strCaption;
+        stPlay.bRedraw = true;
+    }
+    if (!stPlay.bRedraw) return;
+    Picture stPicture = stPlay.stScreen.Compose();
+    Draw_Window(stPlay.pstWindow.get(), stPicture);
+    stPlay.bRedraw = false;
+}
+
+// At the end the last picture stays until the viewer quits or seeks back.
+static Outcome Run_Loop(WindowPlay &stPlay)
+{
+    uint64_t ullLast = SDL_GetTicks64();
+    while (!stPlay.bQuit) {
+        SDL_Event stEvent;
+        for (int iWait = POLL_MS; !stPlay.bQuit && SDL_WaitEventTimeout(&stEvent, iWait) != 0; iWait = 0) {
+            const Outcome stHandled = Handle_Event(stPlay, stEvent);
+            if (!stHandled.IsGood()) return stHandled;
+        }
+        const uint64_t ullNow = SDL_GetTicks64();
+        bool bMore = stPlay.stPlayback.Advance(static_cast<double>(ullNow - ullLast));
+        ullLast = ullNow;
+        Update_Caption(stPlay);
+        for (; bMore; bMore = stPlay.stPlayback.Advance(0)) Update_Caption(stPlay);
+        Update_Caption(stPlay);
+        Update_Title(stPlay);
+    }
+    return {};
+}
+
+Outcome Play_Window(const Options &stOptions, Playback &stPlayback)
+{
+    const SdlSession stSession;
+    if (!stSession.bGood)
+        return {E_EXIT_SOME_FAILED,
+                std::string("no window can be opened (") + SDL_GetError() + "); try --terminal"};
+    WindowPlay stPlay{stOptions, stPlayback, stOptions.stScreen, {}, {nullptr, SDL_DestroyWindow}, "", "",
+                      true,      false};
+    const Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
+    if (!stOpened.IsGood()) return stOpened;
+    const WindowSize stSize = Fit_Window(stPlay.stScreen);
+    stPlay.pstWindow.reset(SDL_CreateWindow("zyrsub", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
+                                            stSize.iWidth, stSize.iHeight, SDL_WINDOW_RESIZABLE));
+    if (!stPlay.pstWindow)
+        return {E_EXIT_SOME_FAILED, std::string("no window can be opened: ") + SDL_GetError()};
+    return Run_Loop(stPlay);
+}

@@ -1,0 +1,60 @@
+// The player behind both kinds of play: where the film stands, and what the keys do to it.
+#ifndef ZYRSUB_PLAYBACK_H
+#define ZYRSUB_PLAYBACK_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "exit_code.h"
+#include "options.h"
+#include "timeline.h"
+
+enum PlayCommand {
+    E_PLAY_NOTHING,
+    E_PLAY_PAUSE,
+    E_PLAY_BACK,     // 5 seconds
+    E_PLAY_ON,       // 5 seconds
+    E_PLAY_FAR_BACK, // a minute
+    E_PLAY_FAR_ON,   // a minute
+    E_PLAY_LANGUAGE,
+    E_PLAY_OUTPUT,
+    E_PLAY_QUIT,
+};
+
+class Playback
+{
+public:
+    // astrLanguages names the timeline's streams.
+    Playback(Timeline stTimeline, std::vector<std::string> astrLanguages, const PlayOptions &stOptions);
+
+    // Let so much real time pass. The film stops at every change of the caption on the way, so that none is
+    // missed at any speed: true when it stopped before the time was used up, and should be asked again.
+    bool Advance(double dElapsedMs);
+
+    void Apply(PlayCommand eCommand);
+
+    std::string Get_Caption() const { return m_stTimeline.Get_Caption(Get_Position(), m_uiStream); }
+    int64_t Get_Position() const { return static_cast<int64_t>(m_dPosition); }
+    bool Is_Paused() const { return m_bPaused; }
+    bool Is_AtEnd() const { return Get_Position() >= m_stTimeline.Get_End(); }
+
+    // "0:00:05.000  KRCC  paused"
+    std::string Describe() const;
+
+private:
+    void Seek_By(double dMs);
+
+    Timeline m_stTimeline;
+    std::vector<std::string> m_astrLanguages;
+    double m_dSpeed;
+    double m_dPosition;   // ms
+    double m_dBehind = 0; // ms of the film that are due but not passed yet
+    bool m_bPaused = false;
+    uint32_t m_uiStream = ALL_STREAMS;
+};
+
+Outcome Play_Window(const Options &stOptions, Playback &stPlayback);
+Outcome Play_Terminal(Playback &stPlayback);
+
+#endif

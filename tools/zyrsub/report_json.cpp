@@ -1,0 +1,149 @@
+#include "report_json.h"
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "format_details.h"
+#include "time_text.h"
+
+using nlohmann::ordered_json;
+
+JsonReport::JsonReport()
+    : m_pstDocument(
+          std::make_unique<ordered_json>(ordered_json{{"schema", 1}, {"files", ordered_json::array()}}))
+{
+}
+
+JsonReport::~JsonReport() = default;
+
+static ordered_json &Get_Last(ordered_json &jsDocument)
+{
+    return jsDocument["files"].back();
+}
+
+void JsonReport::Begin_File(const std::string &strMovie)
+{
+    (*m_pstDocument)["files"].push_back({{"movie", strMovie}});
+}
+
+void JsonReport::Add_Failure(const Outcome &stOutcome)
+{
+    Get_Last(*m_pstDocument)["error"] = {{"code", static_cast<int>(stOutcome.eCode)},
+                                         {"message", stOutcome.strText}};
+}
+
+static const char *Get_OutputName(const std::string &strEncoding)
+{
+    if (strEncoding == "ANSI") return "code page";
+    return strEncoding == "UTF-8" ? "UTF-8" : "UTF-16";
+}
+
+void JsonReport::Add_Source(const SubtitleSource &stSource, bool bFrames)
+{
+    ordered_json &jsFile = Get_Last(*m_pstDocument);
+    const std::string strEncoding = stSource.Get_Encoding();
+    jsFile["subtitle"] = stSource.Get_FileName();
+    jsFile["format"] = Get_FormatName(stSource.Get_Format());
+    jsFile["encoding"] = strEncoding;
+    jsFile["byte_order_mark"] = stSource.Has_Mark();
+    jsFile["output_charset"] = Get_OutputName(strEncoding);
+    jsFile["code_page"] = strEncoding == "ANSI" ? ordered_json(stSource.Get_CodePage()) : ordered_json();
+    if (bFrames) jsFile["frames"] = ordered_json::array();
+}
+
+static ordered_json Describe_Classes(const SubtitleSource &stSource)
+{
+    ordered_json jsClasses = ordered_json::array();
+    for (const LanguageClass &stClass : stSource.List_Classes()) {
+        const bool bAny = stClass.uiFrames > 0;
+        jsClasses.push_back({{"index", jsClasses.size()},
+                             {"name", stClass.strName},
+                             {"folded", stClass.astrFolded},
+                             {"frames", stClass.uiFrames},
+                             {"first", bAny ? ordered_json(stClass.iFirst) : ordered_json()},
+                             {"last", bAny ? ordered_json(stClass.iLast) : ordered_json()}});
+    }
+    return jsClasses;
+}
+
+static ordered_json Describe_Style(const SsaStyle &stStyle)
+{
+    const SSAStyleInfo &stNumbers = *stStyle.pstNumbers;
+    return {{"name", stStyle.strName},
+            {"font", stStyle.strFont},
+            {"font_size", stNumbers.uiFontSize},
+            {"primary_colour", stNumbers.uiPrimaryColour},
+            {"secondary_colour", stNumbers.uiSecondaryColour},
+            {"tertiary_colour", stNumbers.uiTertiaryColour},
+            {"back_colour", stNumbers.uiBackColour},
+            {"bold", stNumbers.uiBold},
+            {"italic", stNumbers.uiItalic},
+            {"border_style", stNumbers.uiBorderStyle},
+            {"outline", stNumbers.uiOutline},
+            {"shadow", stNumbers.uiShadow},
+            {"alignment", stNumbers.uiAlignment},
+            {"margin_left", stNumbers.uiMarginL},
+            {"margin_right", stNumbers.uiMarginR},
+            {"margin_vertical", stNumbers.uiMarginV},
+            {"alpha_level", stNumbers.uiAlphaLevel},
+            {"encoding", stNumbers.uiEncoding}};
+}
+
+static ordered_json Describe_Ssa(const TextDecoder &stDecoder)
+{
+    const SsaHeader stHeader = Read_SsaHeader(stDecoder);
+    ordered_json jsStyles = ordered_json::array();
+    for (const SsaStyle &stStyle : stHeader.astStyles) jsStyles.push_back(Describe_Style(stStyle));
+    return {{"title", stHeader.strTitle},
+            {"original_script", stHeader.strScript},
+            {"script_type", stHeader.strType},
+            {"styles", jsStyles}};
+}
+
+static ordered_json Describe_SubViewer(const TextDecoder &stDecoder)
+{
+    const SubViewerHeader stHeader = Read_SubViewerHeader(stDecoder);
+    return {{"delay", stHeader.uiDelay},
+            {"colour", Format_Color24(stHeader.uiColor)},
+            {"colour_raw", stHeader.uiColor},
+            {"size", stHeader.uiSize},
+            {"font", stHeader.strFont}};
+}
+
+void JsonReport::Add_Info(const SubtitleSource &stSource)
+{
+    Add_Source(stSource, false);
+    ordered_json &jsFile = Get_Last(*m_pstDocument);
+    if (stSource.Get_Format() == E_CAPTION_FORMAT_SSA) jsFile["ssa"] = Describe_Ssa(stSource.Get_Decoder());
+    if (stSource.Get_Format() == E_CAPTION_FORMAT_SUBVIEWER)
+        jsFile["subviewer"] = Describe_SubViewer(stSource.Get_Decoder());
+    jsFile["classes"] = Describe_Classes(stSource);
+}
+
+void JsonReport::Add_Frame(const SubtitleSource &stSource, const Frame &stFrame)
+{
+    const bool bOne = stFrame.uiStream != ALL_STREAMS;
+    const FrameStyle &stStyle = stFrame.stStyle;
+    ordered_json jsStyle = {{"font_size", stStyle.uiFontSize},
+                            {"colour", Format_Color(stStyle.usColor)},
+                            {"colour_raw", stStyle.usColor},
+                            {"outline_colour", Format_Color(stStyle.usOutline)},
+                            {"outline_colour_raw", stStyle.usOutline},
+                            {"highlight", stStyle.uiHighlight},
+                            {"display_mode", List_DisplayModes(stStyle.uiDisplayMode)},
+                            {"display_mode_raw", stStyle.uiDisplayMode}};
+    Get_Last(*m_pstDocument)["frames"].push_back(
+        {{"stream", bOne ? ordered_json(stFrame.uiStream) : ordered_json()},
+         {"class", bOne ? ordered_json(stSource.Get_ClassName(stFrame.uiClass)) : ordered_json()},
+         {"start", stFrame.iStart},
+         {"end", stFrame.iEnd == OPEN_END ? ordered_json() : ordered_json(stFrame.iEnd)},
+         {"lines", stFrame.astrLines},
+         {"style", std::move(jsStyle)}});
+}
+
+// File names are bytes: what is not UTF-8 in them shows as U+FFFD and never spoils the document.
+void JsonReport::Print() const
+{
+    const std::string strText = m_pstDocument->dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    std::printf("%s\n", strText.c_str());
+}

@@ -1,0 +1,33 @@
+// The same results as one JSON document: {"schema": 1, "files": [...]}, one element for each input in order.
+#ifndef ZYRSUB_REPORT_JSON_H
+#define ZYRSUB_REPORT_JSON_H
+
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "exit_code.h"
+#include "subtitle_source.h"
+
+class JsonReport
+{
+public:
+    JsonReport();
+    ~JsonReport();
+    JsonReport(const JsonReport &) = delete;
+    JsonReport &operator=(const JsonReport &) = delete;
+
+    void Begin_File(const std::string &strMovie);
+    void Add_Failure(const Outcome &stOutcome);
+    void Add_Info(const SubtitleSource &stSource);
+    void Add_Frame(const SubtitleSource &stSource, const Frame &stFrame);
+    void Print() const;
+
+    // What every successfully opened file begins with.
+    void Add_Source(const SubtitleSource &stSource, bool bFrames);
+
+private:
+    std::unique_ptr<nlohmann::ordered_json> m_pstDocument;
+};
+
+#endif

@@ -1,0 +1,108 @@
+#include "report_text.h"
+
+#include <cinttypes>
+#include <cstdio>
+
+#include "format_details.h"
+#include "time_text.h"
+
+static void Print_Row(const char *pszLabel, const std::string &strValue)
+{
+    std::printf("  %-10s %s\n", pszLabel, Make_Printable(strValue).c_str());
+}
+
+static std::string Describe_Encoding(const SubtitleSource &stSource)
+{
+    const std::string strEncoding = stSource.Get_Encoding();
+    if (strEncoding == "ANSI") return "ANSI, read as " + stSource.Get_CodePage();
+    return strEncoding + (stSource.Has_Mark() ? ", by its byte order mark" : ", found by its bytes");
+}
+
+static const char *Describe_Output(const SubtitleSource &stSource)
+{
+    const std::string strEncoding = stSource.Get_Encoding();
+    if (strEncoding == "ANSI") return "the file's code page (1)";
+    return strEncoding == "UTF-8" ? "UTF-8 (3)" : "UTF-16 (2)";
+}
+
+// Only SAMI has classes that are worth a name and a number.
+static void Print_Classes(const SubtitleSource &stSource)
+{
+    const bool bSami = stSource.Get_Format() == E_CAPTION_FORMAT_SAMI;
+    const std::vector<LanguageClass> astClasses = stSource.List_Classes();
+    for (size_t uiClass = 0; uiClass < astClasses.size(); ++uiClass) {
+        const LanguageClass &stClass = astClasses[uiClass];
+        std::string strText = std::to_string(stClass.uiFrames);
+        if (bSami)
+            strText =
+                std::to_string(uiClass) + "  " + Show_ClassName(stClass.strName) + "  " + strText + " frames";
+        if (stClass.uiFrames > 0)
+            strText += ", " + Format_Time(stClass.iFirst) + " to " + Format_Time(stClass.iLast);
+        if (!stClass.astrFolded.empty()) strText += ", with " + Join_Lines(stClass.astrFolded, " ");
+        Print_Row(bSami ? "class" : "frames", strText);
+    }
+}
+
+// SSA writes a colour blue first.
+static std::string Format_SsaColor(uint32_t uiColor)
+{
+    return Format_Color24((uiColor & 0xFF) << 16 | (uiColor & 0xFF00) | (uiColor >> 16 & 0xFF));
+}
+
+static void Print_SsaHeader(const SubtitleSource &stSource)
+{
+    const SsaHeader stHeader = Read_SsaHeader(stSource.Get_Decoder());
+    if (!stHeader.strTitle.empty()) Print_Row("title", stHeader.strTitle);
+    if (!stHeader.strScript.empty()) Print_Row("script", stHeader.strScript);
+    if (!stHeader.strType.empty()) Print_Row("type", stHeader.strType);
+    for (const SsaStyle &stStyle : stHeader.astStyles) {
+        const SSAStyleInfo &stNumbers = *stStyle.pstNumbers;
+        std::string strText = stStyle.strName + ": " + stStyle.strFont + " " +
+                              std::to_string(stNumbers.uiFontSize) + " " +
+                              Format_SsaColor(stNumbers.uiPrimaryColour);
+        if (stNumbers.uiBold != 0) strText += " bold";
+        if (stNumbers.uiItalic != 0) strText += " italic";
+        Print_Row("style", strText + " alignment " + std::to_string(stNumbers.uiAlignment));
+    }
+}
+
+static void Print_SubViewerHeader(const SubtitleSource &stSource)
+{
+    const SubViewerHeader stHeader = Read_SubViewerHeader(stSource.Get_Decoder());
+    Print_Row("delay", std::to_string(stHeader.uiDelay));
+    Print_Row("colour", Format_Color24(stHeader.uiColor));
+    Print_Row("size", std::to_string(stHeader.uiSize));
+    Print_Row("font", stHeader.strFont);
+}
+
+void Print_Info(const std::string &strMovie, const SubtitleSource &stSource)
+{
+    std::printf("%s\n", strMovie.c_str());
+    if (stSource.Get_FileName() != strMovie) Print_Row("subtitle", stSource.Get_FileName());
+    Print_Row("format", Get_FormatName(stSource.Get_Format()));
+    Print_Row("encoding", Describe_Encoding(stSource));
+    Print_Row("delivers", Describe_Output(stSource));
+    if (stSource.Get_Format() == E_CAPTION_FORMAT_SSA) Print_SsaHeader(stSource);
+    if (stSource.Get_Format() == E_CAPTION_FORMAT_SUBVIEWER) Print_SubViewerHeader(stSource);
+    Print_Classes(stSource);
+}
+
+// The class is only worth a column where there is a choice.
+static std::string Describe_Stream(const SubtitleSource &stSource, const Frame &stFrame)
+{
+    if (SubtitleSource::Count_Classes() < 2 || stFrame.uiStream == ALL_STREAMS) return "";
+    return Show_ClassName(stSource.Get_ClassName(stFrame.uiClass)) + "  ";
+}
+
+void Print_Frame(const SubtitleSource &stSource, const Frame &stFrame)
+{
+    char szTimes[80];
+    std::snprintf(szTimes, sizeof szTimes, "%s  %-11s  ", Format_Time(stFrame.iStart).c_str(),
+                  Format_EndTime(stFrame.iEnd).c_str());
+    std::string strLead = szTimes + Make_Printable(Describe_Stream(stSource, stFrame));
+    if (stFrame.astrLines.empty()) std::printf("%s(no text)\n", strLead.c_str());
+    for (const std::string &strLine : stFrame.astrLines) {
+        std::printf("%s%s\n", strLead.c_str(), Make_Printable(strLine).c_str());
+        strLead.assign(strLead.size(), ' ');
+    }
+}

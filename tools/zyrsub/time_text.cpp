@@ -1,0 +1,79 @@
+#include "time_text.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+// Digits with at most one point; std::from_chars would also take exponents, signs and names.
+static std::optional<double> Parse_Number(std::string_view strText)
+{
+    std::string strPlain;
+    bool bDigit = false;
+    bool bPoint = false;
+    for (const char cChar : strText) {
+        const bool bIsPoint = cChar == '.' || cChar == ',';
+        if ((!bIsPoint && (cChar < '0' || cChar > '9')) || (bIsPoint && bPoint)) return std::nullopt;
+        bPoint = bPoint || bIsPoint;
+        bDigit = bDigit || !bIsPoint;
+        strPlain += bIsPoint ? '.' : cChar;
+    }
+    if (!bDigit || strPlain.size() > 40) return std::nullopt;
+    return std::strtod(strPlain.c_str(), nullptr);
+}
+
+static std::optional<uint32_t> Round_Ms(double dMs)
+{
+    if (dMs >= OPEN_END) return std::nullopt;
+    return static_cast<uint32_t>(std::llround(dMs));
+}
+
+static bool Cut_Suffix(std::string_view &strText, std::string_view strSuffix)
+{
+    if (!strText.ends_with(strSuffix)) return false;
+    strText.remove_suffix(strSuffix.size());
+    return true;
+}
+
+// Hours, minutes and seconds between colons; all but the first stay below 60, all but the last are whole.
+static std::optional<double> Parse_Clock(std::string_view strText)
+{
+    double dSeconds = 0;
+    for (int iField = 0; iField < 3; ++iField) {
+        const size_t uiColon = strText.find(':');
+        const std::string_view strField = strText.substr(0, uiColon);
+        const std::optional<double> dField = Parse_Number(strField);
+        const bool bLast = uiColon == std::string_view::npos;
+        if (!dField || (iField > 0 && *dField >= 60)) return std::nullopt;
+        if (!bLast && strField.find_first_of(".,") != std::string_view::npos) return std::nullopt;
+        dSeconds = dSeconds * 60 + *dField;
+        if (bLast) return dSeconds;
+        strText.remove_prefix(uiColon + 1);
+    }
+    return std::nullopt;
+}
+
+std::optional<uint32_t> Parse_Time(std::string_view strText)
+{
+    if (Cut_Suffix(strText, "ms")) {
+        const std::optional<double> dMs = Parse_Number(strText);
+        return dMs ? Round_Ms(*dMs) : std::nullopt;
+    }
+    const bool bSeconds = Cut_Suffix(strText, "s");
+    const std::optional<double> dSeconds = bSeconds ? Parse_Number(strText) : Parse_Clock(strText);
+    return dSeconds ? Round_Ms(*dSeconds * 1000) : std::nullopt;
+}
+
+std::string Format_Time(int32_t iMs)
+{
+    const int64_t llMs = std::llabs(static_cast<int64_t>(iMs));
+    char szTime[32];
+    std::snprintf(szTime, sizeof szTime, "%s%d:%02d:%02d.%03d", iMs < 0 ? "-" : "",
+                  static_cast<int>(llMs / 3600000), static_cast<int>(llMs / 60000 % 60),
+                  static_cast<int>(llMs / 1000 % 60), static_cast<int>(llMs % 1000));
+    return szTime;
+}
+
+std::string Format_EndTime(int32_t iMs)
+{
+    return iMs == OPEN_END ? "-" : Format_Time(iMs);
+}
