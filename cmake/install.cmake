@@ -1,0 +1,17 @@
+# What cmake --install puts in place: the public headers, the libraries, the tool, and files for pkg-config.
+install(TARGETS zyrsubtitle LIBRARY)
+install(DIRECTORY include/zyr DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+set(ZYR_PC_FILES zyrsubtitle)
+if(NOT ZYR_TARGET)
+    install(TARGETS zyrhost LIBRARY)
+    list(APPEND ZYR_PC_FILES zyrhost)
+endif()
+if(TARGET zyrsub)
+    install(TARGETS zyrsub RUNTIME)
+endif()
+# Found from the file's own place, so that an installed tree can be moved.
+file(RELATIVE_PATH ZYR_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+foreach(NAME IN LISTS ZYR_PC_FILES)
+    configure_file(cmake/${NAME}.pc.in ${PROJECT_BINARY_DIR}/${NAME}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${NAME}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
