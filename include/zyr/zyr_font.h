@@ -95,12 +95,12 @@ ZYR_API int32_t zyr_font_setFontSize(uint32_t uiMode, uint32_t uiWidth, uint32_t
  * Measure the lines that zyr_font_displayString() draws in a region as wide as the present one.
  *
  * A line ends at a newline, or after the character with which it reaches the region's width; a newline that
- * stands right there belongs to that break. Measuring stops after 60 lines.
+ * stands right there belongs to that break. The last unit ends the last line, which is an empty one if that
+ * unit just filled a line. Measuring stops after 60 lines.
  *
  * @param[in]  pusString     the text, ended by a 0 unit
- * @param[in]  iLength       units to take, newlines included; 0 or less takes none. The walk ends after the
- * character with which that many are taken; at the string's end before that, the line that was not finished
- * is not counted
+ * @param[in]  iLength       units to take, newlines included; 0 or less takes none. Where the string ends
+ * before that, its last line counts only if a newline ends it
  * @param[in]  uiLineHeight  pixels
  * @param[out] puiWidth      widest line in pixels, at most the region's width; may be NULL
  * @param[out] puiHeight     lines x uiLineHeight; may be NULL

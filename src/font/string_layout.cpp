@@ -35,16 +35,14 @@ static void Record_Line(LineRecorder &stLines, uint32_t uiWidth, uint32_t uiCoun
     ++stLines.uiLineNums;
 }
 
-/* The units taken are counted apart from the lines: a newline never ends the walk by itself, so that the
- * character that follows it decides. */
+/* No unit beyond the length is looked at. */
 static void Measure_Lines(const uint16_t *pusString, uint32_t uiLength, uint32_t uiRegionWidth,
                           LineRecorder &stLines)
 {
     uint32_t uiWidth = 0;
     uint32_t uiTaken = 0;
-    while (*pusString != 0 && stLines.uiLineNums < MAX_LINE_NUMS) {
-        const uint16_t usUnit = *pusString++;
-        ++uiTaken;
+    while (uiTaken < uiLength && pusString[uiTaken] != 0 && stLines.uiLineNums < MAX_LINE_NUMS) {
+        const uint16_t usUnit = pusString[uiTaken++];
         if (usUnit == '\n') {
             Record_Line(stLines, uiWidth, uiWidth);
             uiWidth = 0;
@@ -54,15 +52,9 @@ static void Measure_Lines(const uint16_t *pusString, uint32_t uiLength, uint32_t
         if (uiWidth >= uiRegionWidth) {
             Record_Line(stLines, uiWidth, uiRegionWidth);
             uiWidth = 0;
-            if (*pusString == '\n') {
-                ++pusString;
-                ++uiTaken;
-            }
+            if (uiTaken < uiLength && pusString[uiTaken] == '\n') ++uiTaken;
         }
-        if (uiTaken >= uiLength) {
-            if (stLines.uiLineNums < MAX_LINE_NUMS) Record_Line(stLines, uiWidth, uiWidth);
-            return;
-        }
+        if (uiTaken == uiLength && stLines.uiLineNums < MAX_LINE_NUMS) Record_Line(stLines, uiWidth, uiWidth);
     }
 }
 
@@ -85,12 +77,12 @@ int32_t zyr_font_calcRegion(const uint16_t *pusString, int32_t iLength, uint32_t
 /* Where drawing stands. A line that was measured wider than the region is tightened: its characters keep
  * their order and their shares of the line, and the last one ends at the region's edge. */
 struct StringPen {
-    const uint16_t *pusUnit; // next one to draw
+    const uint16_t *pusString;
     const uint32_t *puiLineWidth;
     uint32_t uiRegionWidth;
     uint32_t uiLineHeight;
-    uint32_t uiLength; // units to take
-    uint32_t uiTaken;
+    uint32_t uiLength;    // units to take
+    uint32_t uiTaken;     // so many are drawn, newlines included
     uint32_t uiLineIndex; // line that is being drawn
     uint32_t uiX;
     uint32_t uiY;
@@ -105,13 +97,12 @@ static void Tighten_Line(StringPen &stPen, uint32_t uiMeasuredWidth)
 {
     uint32_t uiSum = 0;
     uint32_t uiLast = 0;
-    uint32_t uiTaken = stPen.uiTaken;
-    const uint16_t *pusUnit = stPen.pusUnit;
-    do {
-        if (*pusUnit == 0 || *pusUnit == '\n') break;
-        uiLast = zyr_fontFT_measureChar(*pusUnit++);
+    for (uint32_t uiUnit = stPen.uiTaken; uiUnit < stPen.uiLength && uiSum < uiMeasuredWidth; ++uiUnit) {
+        const uint16_t usUnit = stPen.pusString[uiUnit];
+        if (usUnit == 0 || usUnit == '\n') break;
+        uiLast = zyr_fontFT_measureChar(usUnit);
         uiSum += uiLast;
-    } while (++uiTaken < stPen.uiLength && uiSum < uiMeasuredWidth);
+    }
 
     const uint32_t uiSpan = uiSum - uiLast;
     stPen.bTight = uiSum > stPen.uiRegionWidth && uiSpan <= INT32_MAX;
@@ -159,26 +150,15 @@ static bool Advance_Pen(StringPen &stPen, uint32_t uiAdvance)
     return stPen.uiLineAdvance >= stPen.puiLineWidth[stPen.uiLineIndex];
 }
 
-static void Take_Unit(StringPen &stPen)
+/* @return false when the lines are used up */
+static bool Draw_Unit(StringPen &stPen, uint16_t usUnit)
 {
-    ++stPen.pusUnit;
-    ++stPen.uiTaken;
-}
-
-/* @return false when drawing is over */
-static bool Draw_Unit(StringPen &stPen)
-{
-    const uint16_t usUnit = *stPen.pusUnit;
     const int32_t iAdvance = zyr_fontFT_drawChar(0, usUnit, stPen.uiX, stPen.uiY);
     const bool bFull =
         Advance_Pen(stPen, iAdvance >= 0 ? static_cast<uint32_t>(iAdvance) : zyr_fontFT_measureChar(usUnit));
-    Take_Unit(stPen);
-    if (bFull) {
-        if (*stPen.pusUnit == '\n') Take_Unit(stPen);
-        if (stPen.uiTaken >= stPen.uiLength) return false;
-        return Next_Line(stPen);
-    }
-    return stPen.uiTaken < stPen.uiLength;
+    if (!bFull) return true;
+    if (stPen.uiTaken < stPen.uiLength && stPen.pusString[stPen.uiTaken] == '\n') ++stPen.uiTaken;
+    return Next_Line(stPen);
 }
 
 int32_t zyr_font_displayString(const uint16_t *pusString, int32_t iLength, const uint32_t *puiLineWidth,
@@ -192,19 +172,15 @@ int32_t zyr_font_displayString(const uint16_t *pusString, int32_t iLength, const
     if (iResult != 0) return iResult;
     if (iLength <= 0) return 0;
 
-    stPen.pusUnit = pusString;
+    stPen.pusString = pusString;
     stPen.puiLineWidth = puiLineWidth;
     stPen.uiLineHeight = uiLineHeight;
     stPen.uiLength = static_cast<uint32_t>(iLength);
     Start_Line(stPen);
     bool bMore = true;
-    while (bMore && *stPen.pusUnit != 0) {
-        if (*stPen.pusUnit == '\n') {
-            Take_Unit(stPen);
-            bMore = Next_Line(stPen);
-        } else {
-            bMore = Draw_Unit(stPen);
-        }
+    while (bMore && stPen.uiTaken < stPen.uiLength && pusString[stPen.uiTaken] != 0) {
+        const uint16_t usUnit = pusString[stPen.uiTaken++];
+        bMore = usUnit == '\n' ? Next_Line(stPen) : Draw_Unit(stPen, usUnit);
     }
     return 0;
 }

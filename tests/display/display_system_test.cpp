@@ -1,0 +1,190 @@
+#include "renderer_kit.h"
+
+#include <sstream>
+
+#include "zyr/zyr_display.h"
+#include "zyr/zyr_host.h"
+
+class DisplaySystem : public testing::Test
+{
+protected:
+    ~DisplaySystem() override
+    {
+        zyr_display_system_exit();
+        zyr_host_reset();
+    }
+
+    /* Settings as "platform stb output hdmi detected composite component"; "-" leaves the rest unset. */
+    int32_t Start(const std::string &strSettings)
+    {
+        static constexpr const char *apszKeys[] = {
+            "ro.board.platform",           "zyr.display.output.stb",        "persist.sys.output_mode",
+            "persist.sys.hdmi_resolution", "persist.sys.hdmi_detected_res", "persist.sys.composite_mode",
+            "persist.sys.component_mode"};
+        std::istringstream stWords(strSettings);
+        for (const char *pszKey : apszKeys) {
+            std::string strValue = "-";
+            stWords >> strValue;
+            zyr_host_setProperty(pszKey, strValue == "-" ? nullptr : strValue.c_str());
+        }
+        return zyr_display_system_init();
+    }
+
+    /* "controller display sub font" */
+    static std::string Get_Region()
+    {
+        uint32_t auiValues[5] = {9, 9, 9, 9, 9};
+        zyr_display_system_getRegion(&auiValues[0], &auiValues[1], &auiValues[2], &auiValues[3],
+                                     &auiValues[4]);
+        std::ostringstream stText;
+        stText << auiValues[0] << " " << auiValues[1] << "x" << auiValues[2] << " " << auiValues[3] << "x"
+               << auiValues[4] << " " << zyr_display_system_getFontSize();
+        return stText.str();
+    }
+
+    LogCapture stLog;
+};
+
+TEST_F(DisplaySystem, RegionOfEveryOutput)
+{
+    static constexpr struct {
+        const char *pszSettings;
+        int32_t iResult;
+        const char *pszRegion;
+    } astCases[] = {
+        {"zyr72xx", 0, "1 800x480 800x480 24"},
+        {"zyr71xx - 1 3", 0, "1 800x480 800x480 24"},
+        {"zyr71xx - 7", -1, "1 0x0 0x0 0"},
+        {"zyr72xx - 1 125 2", 0, "0 1280x720 1280x720 28"},
+        {"zyr73xx - 1 125 125", 0, "0 0x0 0x0 0"},
+        {"zyr73xx 1 1 0", 0, "0 1920x1080 1920x545 32"},
+        {"zyr741x 1 1 0", 0, "1 1920x1080 1920x545 32"},
+        {"zyr741x 0 1 16", 0, "0 720x576 720x576 24"},
+        {"zyr741x - 2 - - 1", 0, "1 720x576 720x576 24"},
+        {"zyr72xx - 2 - - 1", 0, "1 720x288 720x576 24"},
+        {"zyr72xx - 2", 0, "1 720x240 720x480 24"},
+        {"zyr72xx - 2 - - 2", 0, "1 0x0 0x0 0"},
+        {"zyr72xx - 3", 0, "1 1280x720 1280x720 28"},
+        {"zyr72xx - 3 - - - 1", 0, "1 1920x1080 1920x545 32"},
+        {"zyr72xx - 3 - - - -1", 0, "1 0x0 0x0 0"},
+        {"zyr72xx - 4", -1, "0 0x0 0x0 0"},
+        {"zyr741x 1 -1", -1, "0 0x0 0x0 0"},
+        {"zyr72xxx", -1, "0 800x480 800x480 24"},
+        {"- - 3", -1, "0 1280x720 1280x720 28"},
+        {"zyr72xx x7 1garbage 99999999999999999999", 0, "0 0x0 0x0 0"},
+        {"zyr72xx - \x7F\xFF% -9", 0, "1 800x480 800x480 24"},
+    };
+    for (const auto &stCase : astCases) {
+        SCOPED_TRACE(stCase.pszSettings);
+        EXPECT_EQ(Start(stCase.pszSettings), stCase.iResult);
+        EXPECT_EQ(Get_Region(), stCase.pszRegion);
+        EXPECT_EQ(zyr_display_system_exit(), 0);
+        EXPECT_EQ(Get_Region(), "0 0x0 0x0 0");
+    }
+    EXPECT_EQ(zyr_display_system_getRegion(nullptr, nullptr, nullptr, nullptr, nullptr), 0);
+}
+
+TEST_F(DisplaySystem, HdmiResolutions)
+{
+    static constexpr const char *apszSizes[] = {
+        "1920x1080p", "1920x1080i", "1280x720p",  "720x480p",   "640x480p",   "1920x1080p", "1920x1080i",
+        "1920x1080p", "1920x1080i", "1920x1080p", "1920x1080p", "1920x1080p", "1920x1080p", "1280x720p",
+        "1280x720p",  "720x576p",   "720x576i",   "640x480p",   "640x480i",   "640x480p",   "1920x1080p"};
+    for (uint32_t uiMode = 0; uiMode < std::size(apszSizes); ++uiMode) {
+        const std::string strMode = std::to_string(uiMode), strSize = apszSizes[uiMode];
+        EXPECT_EQ(Start("zyr72xx - 1 " + strMode), 0);
+        EXPECT_EQ(stLog.Take().at(1),
+                  "3:[zyr_display_system_getHDMIInfo] mode:" + strMode + ", res:" + strSize + "\n");
+        EXPECT_NE(Get_Region().find(strSize.substr(0, strSize.size() - 1)), std::string::npos);
+        EXPECT_EQ(Start("zyr71xx - 1 " + strMode), 0);
+        EXPECT_EQ(stLog.Take().at(1), "3:[zyr_display_system_getHDMIInfo] mode:" + strMode + ", res:800x480" +
+                                          strSize.back() + "\n");
+    }
+}
+
+TEST_F(DisplaySystem, TheLogTellsTheSettings)
+{
+    const struct {
+        const char *pszSettings;
+        LogLines vstrLines;
+    } astCases[] = {
+        {"zyr73xx 2 3 4 5 1 1",
+         {"3:[zyr_display_system_init] arch:3, mode(2/3/4/1/1)\n",
+          "3:[zyr_display_system_getComponentInfo] disp(0,0,1920,1080), sub(1920,545), "
+          "ratio(1.000000,1.981651), "
+          "m(0x0)\n",
+          "3:[zyr_display_system_init] lcdc:1, disp[0:0:1920:1080:0], sub_buf[1920,545]\n"}},
+        {"- - 2",
+         {"3:[zyr_display_system_init] arch:0, mode(0/2/0/0/0)\n",
+          "6:[zyr_display_system_init] unknown arch(0)\n",
+          "3:[zyr_display_system_getCompositeInfo] disp(0,0,720,240), sub(720,480), "
+          "ratio(1.000000,0.500000), "
+          "m(0x0)\n"}},
+        {"zyr71xx - 9",
+         {"3:[zyr_display_system_init] arch:1, mode(0/9/0/0/0)\n",
+          "6:[zyr_display_system_init] unknown output_mode(9)\n"}},
+        {"zyr741x - 1 21",
+         {"3:[zyr_display_system_init] arch:4, mode(0/1/21/0/0)\n",
+          "6:[zyr_display_system_getHDMIInfo] Invalid hdmi_mode found (21)\n",
+          "3:[zyr_display_system_init] lcdc:0, disp[0:0:0:0:0], sub_buf[0,0]\n"}},
+        {"zyr72xx - 2 - - 5",
+         {"3:[zyr_display_system_init] arch:2, mode(0/2/0/5/0)\n",
+          "6:[zyr_display_system_getCompositeInfo] Invalid composite_mode found (5)\n",
+          "3:[zyr_display_system_init] lcdc:1, disp[0:0:0:0:0], sub_buf[0,0]\n"}},
+        {"zyr72xx - 3 - - - 2",
+         {"3:[zyr_display_system_init] arch:2, mode(0/3/0/0/2)\n",
+          "6:[zyr_display_system_getComponentInfo] Invalid component_mode found (2)\n",
+          "3:[zyr_display_system_init] lcdc:1, disp[0:0:0:0:0], sub_buf[0,0]\n"}},
+        {"zyr72xx - 0",
+         {"3:[zyr_display_system_init] arch:2, mode(0/0/0/0/0)\n",
+          "3:[zyr_display_system_getLCDInfo] disp(0,0,800,480), sub(800,480), ratio(1.000000,1.000000), "
+          "m(0x0)\n",
+          "3:[zyr_display_system_init] lcdc:1, disp[0:0:800:480:0], sub_buf[800,480]\n"}},
+    };
+    for (const auto &stCase : astCases) {
+        Start(stCase.pszSettings);
+        EXPECT_EQ(stLog.Take(), stCase.vstrLines) << stCase.pszSettings;
+    }
+}
+
+/* On 800 x 480. A line takes a further character as long as it is not wider than the display. */
+TEST_F(DisplaySystem, SquaresAreEstimated)
+{
+    const std::u16string strLong(45, u'x');
+    const struct {
+        std::u16string strText;
+        int32_t iFontSize;
+        int32_t aiBox[4]; // x, y, width, height
+    } astCases[] = {
+        {u"abc", 20, {370, 460, 60, 20}},        {u"", 20, {400, 460, 0, 20}},
+        {u"ab\ncde\nf", 20, {370, 420, 60, 60}}, {u"\n\n", 20, {400, 420, 0, 60}},
+        {u"\nab", 20, {380, 440, 40, 40}},       {strLong, 20, {-10, 440, 820, 40}}, // rounded toward 0
+        {strLong, 480, {-80, 0, 960, 480}}, // no higher than the display
+    };
+    Start("zyr72xx");
+    for (const auto &stCase : astCases) {
+        const auto vusText = To_Units(stCase.strText.c_str());
+        int32_t aiBox[4] = {9, 9, 9, 9};
+        EXPECT_EQ(zyr_display_system_calcRegion(vusText.data(), 1, stCase.iFontSize, &aiBox[0], &aiBox[1],
+                                                &aiBox[2], &aiBox[3]),
+                  0);
+        for (uint32_t uiValue = 0; uiValue < 4; ++uiValue)
+            EXPECT_EQ(aiBox[uiValue], stCase.aiBox[uiValue]) << stCase.strText.size() << " " << uiValue;
+    }
+    stLog.Take();
+    const auto vusText = To_Units(u"abc");
+    int32_t iValue = 9;
+    EXPECT_EQ(zyr_display_system_calcRegion(vusText.data(), 3, 20, nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(zyr_display_system_calcRegion(nullptr, 3, 20, &iValue, &iValue, &iValue, &iValue), -1);
+    EXPECT_EQ(iValue, 0);
+    EXPECT_EQ(zyr_display_system_calcRegion(vusText.data(), 0, 20, &iValue, &iValue, &iValue, &iValue), -1);
+    for (const int32_t iFontSize : {0, -1, INT32_MIN, 481, INT32_MAX})
+        EXPECT_EQ(
+            zyr_display_system_calcRegion(vusText.data(), 3, iFontSize, &iValue, &iValue, &iValue, &iValue),
+            -1);
+    const LogLines vstrLines = stLog.Take();
+    ASSERT_EQ(vstrLines.size(), 8U);
+    EXPECT_EQ(vstrLines[0], "3:[zyr_display_system_calcRegion] X:370, Y:460, W:60, H:20");
+    EXPECT_EQ(vstrLines[1], "6:[zyr_display_system_calcRegion] Error Invalid Param(pusString:NULL)");
+    EXPECT_EQ(vstrLines[4], "6:[zyr_display_system_calcRegion] Error Invalid Param(iFontSize:-1)");
+}

@@ -1,0 +1,277 @@
+#include "renderer_kit.h"
+
+#include <cmath>
+
+#include "font/font_layout.h"
+#include "zyr/zyr_host.h"
+
+class FontLayout : public testing::Test
+{
+protected:
+    FontLayout()
+    {
+        zyr_host_setFontFile(FONT_FILE);
+        EXPECT_EQ(zyr_font_init(), 0) << "no font " << FONT_FILE;
+        zyr_font_setDirection(0, 0);
+    }
+    ~FontLayout() override
+    {
+        zyr_font_close();
+        zyr_host_reset();
+    }
+
+    LogCapture stLog;
+    JudgeFont stFont;
+};
+
+struct JudgeLine {
+    std::vector<uint16_t> vusUnits;
+    uint32_t uiWidth;
+};
+
+/* The text cut into the lines that a region of this width gives. */
+static std::vector<JudgeLine> Split_Lines(JudgeFont &stFont, const std::vector<uint16_t> &vusText,
+                                          size_t uiLength, uint32_t uiRegionWidth)
+{
+    std::vector<JudgeLine> vstLines;
+    JudgeLine stLine = {};
+    for (size_t uiUnit = 0; uiUnit < uiLength && vusText[uiUnit] != 0 && vstLines.size() < 60; ++uiUnit) {
+        const bool bBreak = vusText[uiUnit] == '\n';
+        if (!bBreak) {
+            stLine.vusUnits.push_back(vusText[uiUnit]);
+            stLine.uiWidth += static_cast<uint32_t>(stFont.Get_Advance(vusText[uiUnit]));
+        }
+        const bool bFull = !bBreak && stLine.uiWidth >= uiRegionWidth;
+        if (bBreak || bFull) vstLines.push_back(std::exchange(stLine, {}));
+        if (bFull && uiUnit + 1 < uiLength && vusText[uiUnit + 1] == '\n') ++uiUnit;
+        if (!bBreak && uiUnit + 1 >= uiLength) {
+            if (vstLines.size() < 60) vstLines.push_back(std::exchange(stLine, {}));
+        }
+    }
+    return vstLines;
+}
+
+static void Judge_Line(JudgeFont &stFont, Picture &stPicture, const JudgeLine &stLine, uint32_t uiY)
+{
+    const double dRoom = stPicture.uiWidth;
+    const double dLast = stLine.vusUnits.empty() ? 0 : stFont.Get_Advance(stLine.vusUnits.back());
+    uint32_t uiBefore = 0;
+    for (const uint16_t usUnit : stLine.vusUnits) {
+        double dX = std::floor((dRoom - stLine.uiWidth) / 2) + uiBefore;
+        if (stLine.uiWidth > stPicture.uiWidth)
+            dX = uiBefore == 0 ? 0 : std::floor(uiBefore * (dRoom - dLast) / (stLine.uiWidth - dLast));
+        stFont.Draw(stPicture, usUnit, static_cast<int64_t>(dX), uiY, 0x8410);
+        uiBefore += static_cast<uint32_t>(stFont.Get_Advance(usUnit));
+    }
+}
+
+/* Strings of narrow, wide, overhanging and missing characters, blanks and newlines, in regions from less than
+ * a character up to several lines, then drawn into the measured box as the display does it. */
+TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
+{
+    static constexpr char16_t Alphabet[] = u"iWfjJ \n\n한글뷁A.\xE123";
+    Random stRandom(3);
+    for (uint32_t uiRound = 0; uiRound < 1500; ++uiRound) {
+        SCOPED_TRACE(uiRound);
+        const uint32_t uiSize = 12 + stRandom() % 30;
+        std::vector<uint16_t> vusText(1 + stRandom() % 90);
+        for (uint16_t &usUnit : vusText) usUnit = Alphabet[stRandom() % (std::size(Alphabet) - 1)];
+        const int32_t iLength =
+            static_cast<int32_t>(vusText.size() - stRandom() % 2 * stRandom() % vusText.size());
+        if (uiRound % 2 == 0)
+            vusText.resize(static_cast<size_t>(iLength)); // ended by its length alone
+        else
+            vusText.push_back(0);
+        ASSERT_EQ(zyr_font_setFontSize(0, uiSize, uiSize, 0, 0), stFont.Set_Size(uiSize, uiSize));
+        zyr_font_setFontColor(0x8410, 0x8410, 0, 0);
+
+        Picture stRegion(1 + stRandom() % 300, 1, 300);
+        stRegion.Make_Destination();
+        const auto vstLines = Split_Lines(stFont, vusText, static_cast<size_t>(iLength), stRegion.uiWidth);
+        uint32_t auiLineWidth[60] = {}, uiWidth = 0, uiHeight = 0, uiWidest = 0;
+        ASSERT_EQ(zyr_font_calcRegion(vusText.data(), iLength, uiSize, &uiWidth, &uiHeight, auiLineWidth), 0);
+        for (size_t uiLine = 0; uiLine < 60; ++uiLine) {
+            const uint32_t uiExpected = uiLine < vstLines.size() ? vstLines[uiLine].uiWidth : 0;
+            ASSERT_EQ(auiLineWidth[uiLine], uiExpected) << "line " << uiLine;
+            uiWidest = std::max(uiWidest, std::min(uiExpected, stRegion.uiWidth));
+        }
+        ASSERT_EQ(uiWidth, uiWidest);
+        ASSERT_EQ(uiHeight, vstLines.size() * uiSize);
+        if (uiWidth == 0) continue;
+
+        const uint32_t uiRows =
+            std::max(1U, uiHeight - stRandom() % 2 * uiSize / 2); // the last line may be cut
+        Picture stPicture(uiWidth, uiRows, uiWidth), stJudge(uiWidth, uiRows, uiWidth);
+        stPicture.Make_Destination();
+        ASSERT_EQ(zyr_font_displayString(vusText.data(), iLength, auiLineWidth, uiSize), 0);
+        for (size_t uiLine = 0; uiLine < vstLines.size(); ++uiLine)
+            Judge_Line(stFont, stJudge, vstLines[uiLine], static_cast<uint32_t>(uiLine) * uiSize);
+        ASSERT_TRUE(stPicture == stJudge);
+    }
+}
+
+TEST_F(FontLayout, LinesOfWorkedExamples)
+{
+    stFont.Set_Size(20, 20);
+    zyr_font_setFontSize(0, 20, 20, 0, 0);
+    Picture stRegion(100, 1, 100);
+    stRegion.Make_Destination();
+    const auto W = [&](const char16_t *pszText) {
+        uint32_t uiSum = 0;
+        for (; *pszText != 0; ++pszText) uiSum += static_cast<uint32_t>(stFont.Get_Advance(*pszText));
+        return uiSum;
+    };
+    ASSERT_EQ(W(u"한한한한한"), 100U); // the full line of these examples
+    const struct {
+        const char16_t *pszText;
+        int32_t iLength;
+        std::vector<uint32_t> vuiWidths;
+    } astCases[] = {
+        {u"AB\nZ", 4, {W(u"AB"), W(u"Z")}},
+        {u"AB\n", 3, {W(u"AB")}},
+        {u"\n\nX", 3, {0, 0, W(u"X")}},
+        {u"AB\nZ", 9, {W(u"AB")}}, // the unfinished last line does not count
+        {u"한한한한한", 5, {100, 0}},
+        {u"한한한한한\n글", 6, {100, 0}},
+        {u"한한한한한\n글", 7, {100, 20}}, // the newline belongs to the break
+        {u"A한한한한한\n\n글", 9, {W(u"A한한한한한"), 0, 20}},
+        {u"ABZ", 2, {W(u"AB")}},
+        {u"AB\nZX", 3, {W(u"AB")}},
+        {u"AB", 0, {}},
+        {u"AB", -5, {}},
+        {u"", 3, {}},
+    };
+    for (const auto &stCase : astCases) {
+        SCOPED_TRACE(testing::PrintToString(std::u16string(stCase.pszText)) + std::to_string(stCase.iLength));
+        uint32_t auiLineWidth[60] = {}, uiWidth = 9, uiHeight = 9;
+        EXPECT_EQ(zyr_font_calcRegion(To_Units(stCase.pszText).data(), stCase.iLength, 7, &uiWidth, &uiHeight,
+                                      auiLineWidth),
+                  0);
+        EXPECT_EQ(uiHeight, 7 * stCase.vuiWidths.size());
+        for (size_t uiLine = 0; uiLine < stCase.vuiWidths.size(); ++uiLine)
+            EXPECT_EQ(auiLineWidth[uiLine], stCase.vuiWidths[uiLine]) << uiLine;
+    }
+}
+
+/* Glyph, offset and cell of a 20 x 24 character with spacings 8 and 12, by mode; horizontal, then vertical.
+ */
+struct CellCase {
+    uint32_t uiGlyphWidth, uiGlyphHeight, uiOffsetX, uiOffsetY, uiCellWidth, uiCellHeight;
+};
+static constexpr CellCase CellCases[2][6] = {{{20, 24, 4, 6, 28, 36},
+                                              {10, 24, 2, 6, 18, 36},
+                                              {10, 12, 2, 3, 18, 24},
+                                              {40, 24, 8, 6, 48, 36},
+                                              {20, 48, 4, 18, 28, 72},
+                                              {40, 48, 8, 18, 48, 72}},
+                                             {{20, 24, 6, 4, 28, 36},
+                                              {20, 12, 6, 2, 28, 24},
+                                              {10, 12, 3, 2, 18, 24},
+                                              {40, 24, 12, 4, 48, 36},
+                                              {20, 48, 6, 8, 28, 60},
+                                              {40, 48, 12, 8, 48, 60}}};
+
+TEST_F(FontLayout, CellsOfEveryModeDirectionAndAnchor)
+{
+    static constexpr uint32_t auiAttributes[] = {0, 0x0F, 0x20, 0x2A, 0x10, 0x35};
+    static constexpr uint32_t aauiPlaces[][2] = {{60, 90}, {5, 7}, {240, 170}};
+    zyr_font_setFontColor(0xFFFF, 1, 0x0F0F, 2);
+    for (uint32_t uiCase = 0; uiCase < 2 * 6 * 4 * 6 * 3; ++uiCase) {
+        const uint32_t uiMode = uiCase % 6, uiDirection = uiCase / 6 % 2 * 5, uiAlign = uiCase / 12 % 4;
+        const uint32_t uiAttr = auiAttributes[uiCase / 48 % 6];
+        uint32_t uiX = aauiPlaces[uiCase / 288][0], uiY = aauiPlaces[uiCase / 288][1];
+        SCOPED_TRACE(testing::Message() << uiMode << "/" << uiDirection << "/" << uiAlign << "/" << uiAttr);
+        const CellCase &stCell = CellCases[uiDirection != 0][uiMode];
+        zyr_font_setDirection(uiDirection, uiAlign);
+        ASSERT_EQ(zyr_font_setFontSize(uiMode, 20, 24, 8, 12), 0);
+        const int32_t iAdvance =
+            static_cast<int32_t>(uiDirection != 0 ? stCell.uiGlyphHeight : stCell.uiGlyphWidth);
+
+        Picture stPicture(260, 180, 260), stJudge(260, 180, 260);
+        stPicture.Make_Destination();
+        ASSERT_EQ(zyr_font_clearChar(uiAttr, 100, 5), iAdvance);
+        const int32_t iResult = zyr_font_displayChar(uiAttr, 0x300, 0xD55C, uiX, uiY);
+
+        stJudge.Make_Destination();
+        const uint32_t uiHalf = stCell.uiCellWidth / 2;
+        stJudge.Fill(uiAlign == 1 ? 100 - uiHalf : 100, uiAlign == 2 ? 0 : 5, stCell.uiCellWidth,
+                     stCell.uiCellHeight, 0x0F0F);
+        if (uiAlign == 1) uiX = std::max(uiX, uiHalf) - uiHalf;
+        if (uiAlign == 2) uiY = std::max(uiY, stCell.uiCellHeight) - stCell.uiCellHeight;
+        stJudge.Fill(uiX, uiY, stCell.uiCellWidth, stCell.uiCellHeight, 0x0F0F);
+        zyr_fontFT_setFontSize(stCell.uiGlyphWidth, stCell.uiGlyphHeight);
+        zyr_fontFT_drawChar(uiAttr, 0x300, uiX + stCell.uiOffsetX, uiY + stCell.uiOffsetY);
+        const int32_t iDrawn =
+            zyr_fontFT_drawChar(uiAttr, 0xD55C, uiX + stCell.uiOffsetX, uiY + stCell.uiOffsetY);
+        ASSERT_EQ(iResult, iDrawn < 0 ? iDrawn : iAdvance);
+        if (iDrawn >= 0) {
+            zyr_fontDraw_drawHighlighting(uiX, uiY + stCell.uiOffsetY, stCell.uiCellWidth,
+                                          stCell.uiGlyphHeight, uiAttr);
+            if ((uiAttr & 0x20) != 0)
+                stJudge.Fill(uiX, uiY + stCell.uiOffsetY + stCell.uiGlyphHeight - 1, stCell.uiCellWidth, 1,
+                             0xFFFF);
+        }
+        ASSERT_TRUE(stPicture == stJudge);
+    }
+}
+
+TEST_F(FontLayout, RefusedSizes)
+{
+    static constexpr uint32_t HUGE_SIZE = 0xFFFFFFFF;
+    const struct {
+        uint32_t uiMode, uiWidth, uiHeight;
+        int32_t iResult;
+        LogLines vstrLines;
+    } astCases[] = {
+        {0, 0, 5, -2, {"6:Error Invalid Param(uiWidth:0, uiHeight:5)\n"}},
+        {9, 5, 0, -2, {"6:Error Invalid Param(uiWidth:5, uiHeight:0)\n"}},
+        {6, 20, 20, -2, {"6:Error Invalid Param(Size:6)\n"}},
+        {1, 1, 20, -2, {}},          // half of 1 is 0
+        {3, 0x80000000, 20, -2, {}}, // and twice this one too
+        {0, HUGE_SIZE, HUGE_SIZE, -1, {}},
+        {5, 2000, 20, -1, {}},
+        {0, 4, 4, -1, {}},
+        {0, 20, 20, 0, {}},
+    };
+    for (const auto &stCase : astCases) {
+        EXPECT_EQ(zyr_font_setFontSize(stCase.uiMode, stCase.uiWidth, stCase.uiHeight, HUGE_SIZE, HUGE_SIZE),
+                  stCase.iResult)
+            << stCase.uiWidth;
+        EXPECT_EQ(stLog.Take(), stCase.vstrLines);
+    }
+}
+
+TEST_F(FontLayout, MistakesDoNoHarm)
+{
+    const auto vusLong = std::vector<uint16_t>(10000, 0xD55C);
+    uint32_t auiLineWidth[60] = {}, uiWidth = 0, uiHeight = 0;
+    zyr_font_setFontSize(0, 20, 20, 8, 8);
+    EXPECT_EQ(zyr_font_displayChar(0x2F, 'x', 'A', 0, 0), -3); // no buffer
+    EXPECT_EQ(stLog.Take(), (LogLines{"6:Error zyr_fontDraw_clearFontBG(-2)\n",
+                                      "6:Error Invalid Area(puiDestBuf:0x00000000, W:0, H:0, P:0)\n",
+                                      "6:Error zyr_fontFT_drawChar(non-space character -3)\n",
+                                      "6:Error Invalid Area(puiDestBuf:0x00000000, W:0, H:0, P:0)\n",
+                                      "6:Error zyr_fontFT_drawChar(-3)\n"}));
+    EXPECT_EQ(zyr_font_calcRegion(vusLong.data(), 9999, 20, &uiWidth, &uiHeight, auiLineWidth), 0);
+    EXPECT_EQ(uiWidth, 0U); // a region without width: every character fills a line
+    EXPECT_EQ(uiHeight, 60 * 20U);
+    EXPECT_EQ(zyr_font_displayString(vusLong.data(), 9999, auiLineWidth, 20), 0);
+    EXPECT_EQ(stLog.Take().size(), 60U);
+
+    Picture stPicture(300, 100, 300), stUntouched(300, 100, 300);
+    stPicture.Make_Destination();
+    EXPECT_EQ(zyr_font_calcRegion(vusLong.data(), 9999, 20, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(zyr_font_displayString(vusLong.data(), 0, auiLineWidth, 20), 0);
+    EXPECT_EQ(zyr_font_displayString(vusLong.data(), 5, nullptr, 20), -2);
+    EXPECT_EQ(zyr_font_getDestRegion(nullptr, &uiWidth, &uiHeight), -3);
+    EXPECT_EQ(zyr_font_calcRegion(nullptr, 5, 20, &uiWidth, &uiHeight, auiLineWidth), -2);
+    EXPECT_EQ(zyr_font_displayString(nullptr, 5, auiLineWidth, 20), -2);
+    EXPECT_EQ(stLog.Take(),
+              (LogLines{"6:Error zyr_fontDraw_getDestRegion(err:-2)\n",
+                        "6:Error Invalid Param(pusString:0)\n", "6:Error Invalid Param(pusString:0)\n"}));
+    EXPECT_TRUE(stPicture == stUntouched);
+    for (const uint32_t uiGarbage : {1U, 299U, 301U, 0x7FFFFFFFU, 0xFFFFFFFFU}) { // widths nobody measured
+        std::fill(std::begin(auiLineWidth), std::end(auiLineWidth), uiGarbage);
+        EXPECT_EQ(zyr_font_displayString(vusLong.data(), 9999, auiLineWidth, 0xFFFFFFFF), 0);
+    }
+}
