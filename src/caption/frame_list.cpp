@@ -5,7 +5,14 @@
 #include "caption/stable_sort.h"
 #include "zyr/quib_caption.h"
 
-CaptionFrameList s_stCaptionFrameList = {};
+namespace
+{
+
+constexpr CaptionFrameList NO_LIST = {nullptr, 0, 0, 1}; // the cursor is on the tail
+
+} // namespace
+
+CaptionFrameList s_stCaptionFrameList = NO_LIST;
 
 namespace
 {
@@ -54,7 +61,7 @@ int32_t Create_CaptionFrameList()
 void Destroy_CaptionFrameList()
 {
     if (s_stCaptionFrameList.pastNode != nullptr) QUIBCAPTCB_Deallocate_Memory(s_stCaptionFrameList.pastNode);
-    s_stCaptionFrameList = {};
+    s_stCaptionFrameList = NO_LIST;
 }
 
 int32_t Clear_CaptionFrameList()

@@ -1,5 +1,6 @@
 #include "caption/parser_state.h"
 
+#include "caption/style_list.h"
 #include "zyr_log.h"
 
 QuibCaptionParserInfo *pstQuibCaptionParserInfo = nullptr;
@@ -92,12 +93,8 @@ void QuibCaptionParser_Destroy_MemoryBuffers(void)
 
 void QuibCaptionParser_Destroy_SSA_MemoryBuffers(void)
 {
+    Destroy_Styles();
     if (pstQuibCaptionParserInfo == nullptr) return;
-    for (SSAStyleNode *pstNode = pstQuibCaptionParserInfo->pstSSAStyleList; pstNode != nullptr;) {
-        SSAStyleNode *const pstNext = pstNode->pstNext;
-        QUIBCAPTCB_Deallocate_Memory(pstNode);
-        pstNode = pstNext;
-    }
     pstQuibCaptionParserInfo->pstSSAStyleList = nullptr;
     pstQuibCaptionParserInfo->stSSAFrameInfo.pstStyle = nullptr;
 }

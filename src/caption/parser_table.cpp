@@ -4,5 +4,5 @@ const CaptionParser CaptionParserTable[E_CAPTION_FORMAT_NONE] = {
     {nullptr, nullptr, nullptr}, // SAMI
     {HeaderParser_SubRip, FrameParser_SubRip, Seek_SubRip},
     {nullptr, nullptr, nullptr}, // SubViewer
-    {nullptr, nullptr, nullptr}, // SSA
+    {HeaderParser_SSA, FrameParser_SSA, Seek_SSA},
 };
