@@ -15,13 +15,27 @@
 class HostTest : public testing::Test
 {
 protected:
-    void SetUp() override { zyr_host_reset(); }
+    void SetUp() override
+    {
+        zyr_host_reset();
+        m_iFreeDescriptor = Get_FreeDescriptor();
+    }
     void TearDown() override
     {
         zyr_host_reset();
         EXPECT_EQ(zyr_host_openFiles(), 0u);
         EXPECT_EQ(zyr_host_liveBytes(), 0u);
+        EXPECT_EQ(Get_FreeDescriptor(), m_iFreeDescriptor) << "a descriptor was left open";
     }
+
+private:
+    static int Get_FreeDescriptor()
+    {
+        const int iDescriptor = dup(STDERR_FILENO);
+        close(iDescriptor);
+        return iDescriptor;
+    }
+    int m_iFreeDescriptor = -1;
 };
 
 // A file that is gone with the object.
