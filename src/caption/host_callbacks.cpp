@@ -42,8 +42,9 @@ void *QUIBCAPTCB_GetFileHandleOfSubtitle(void)
 
 int32_t QUIBCAPTCB_FileRead(void *hFile, uint8_t *pucBuffer, uint32_t uiBytes)
 {
-    const int32_t iRead =
-        hFile == nullptr || pucBuffer == nullptr ? -1 : ZYR_fread(pucBuffer, 1, uiBytes, hFile);
+    int32_t iRead = hFile == nullptr || pucBuffer == nullptr ? -1 : ZYR_fread(pucBuffer, 1, uiBytes, hFile);
+    if (iRead > 0 && static_cast<uint32_t>(iRead) > uiBytes)
+        iRead = -1; // more than was asked for: not to be trusted
     if (iRead < 0)
         __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
                             "[QUIBCAPTCB_FileRead][%5d] Error FileRead! ReadBytes = [%d]\n", __LINE__, iRead);

@@ -141,13 +141,28 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     return Convert_DoubleByte(aucByte, pusChar);
 }
 
-/** Seek to the file's start and read the first uiBytes bytes. @return bytes read, or a value below 1. */
+/** Seek to the file's start and read up to uiBytes bytes. @return bytes read, or a value below 1. */
 int32_t Read_FileStart(void *hFile, uint32_t uiBytes)
 {
-    CaptionStreamInfo &stInfo = pstQuibCaptionParserInfo->astStreamInfo[0];
     if (QUIBCAPTCB_FileSeek(hFile, 0, 0) < 0) return -1;
-    const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
-    return iRead > static_cast<int32_t>(uiBytes) ? static_cast<int32_t>(uiBytes) : iRead;
+    return QUIBCAPTCB_FileRead(hFile, pstQuibCaptionParserInfo->astStreamInfo[0].pucStreamBuf, uiBytes);
+}
+
+/** Read the bytes that may be a byte order mark, even if they come one by one. @return bytes read, or
+ * below 1. */
+int32_t Read_Mark(void *hFile)
+{
+    constexpr uint32_t MARK_BYTES = 3;
+    const uint32_t uiWanted = s_uiStreamBufSize < MARK_BYTES ? s_uiStreamBufSize : MARK_BYTES;
+    int32_t iHeld = Read_FileStart(hFile, uiWanted);
+    while (iHeld > 0 && static_cast<uint32_t>(iHeld) < uiWanted) {
+        const int32_t iRead =
+            QUIBCAPTCB_FileRead(hFile, pstQuibCaptionParserInfo->astStreamInfo[0].pucStreamBuf + iHeld,
+                                uiWanted - static_cast<uint32_t>(iHeld));
+        if (iRead <= 0) break;
+        iHeld += iRead;
+    }
+    return iHeld;
 }
 
 /** Find the encoding of a file without a mark by reading it. */
@@ -159,9 +174,7 @@ uint32_t Scan_Encoding(void *hFile)
     for (;;) {
         const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, s_uiStreamBufSize);
         if (iRead <= 0) return Decide_Encoding(stCount);
-        const uint32_t uiRead = static_cast<uint32_t>(iRead);
-        if (Count_Utf8(&stCount, stInfo.pucStreamBuf,
-                       uiRead < s_uiStreamBufSize ? uiRead : s_uiStreamBufSize))
+        if (Count_Utf8(&stCount, stInfo.pucStreamBuf, static_cast<uint32_t>(iRead)))
             return Decide_Encoding(stCount);
     }
 }
@@ -193,8 +206,7 @@ int32_t Fill_StreamBuffer(void *hFile)
         uiBytes = stWindow.uiFillBytes;
         stWindow.uiFillBytes *= FILL_GROWTH;
     }
-    int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
-    if (iRead > static_cast<int32_t>(uiBytes)) iRead = static_cast<int32_t>(uiBytes);
+    const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
     stInfo.iStreamDataSize = iRead;
     if (iRead < 0) s_llReaderPos = -1;
     if (iRead != 0) {
@@ -247,9 +259,7 @@ int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)
 
     s_llCaptionFileSize = QUIBCAPTCB_FileSeek(hFile, 0, 2);
     if (s_llCaptionFileSize <= 0) return -1;
-    constexpr uint32_t MARK_BYTES = 3;
-    stStream.iStreamDataSize =
-        Read_FileStart(hFile, s_uiStreamBufSize < MARK_BYTES ? s_uiStreamBufSize : MARK_BYTES);
+    stStream.iStreamDataSize = Read_Mark(hFile);
     if (stStream.iStreamDataSize < 1) return -1;
     s_uiTextEncoding = Get_MarkedEncoding(stStream.pucStreamBuf, stStream.iStreamDataSize);
     if (s_uiTextEncoding == E_TEXT_ENCODING_ANSI) s_uiTextEncoding = Scan_Encoding(hFile);
