@@ -1,0 +1,234 @@
+#include <random>
+
+#include "support/engine_fixture.h"
+
+#include "caption/parser_state.h"
+#include "parser/char_reader.h"
+#include "parser/encoding.h"
+#include "parser/text_run.h"
+
+namespace
+{
+
+uint32_t Get_Random(std::mt19937 &stRandom, size_t uiBelow)
+{
+    return static_cast<uint32_t>(stRandom() % uiBelow);
+}
+
+/** The detection's rule, byte by byte, as slowly and plainly as it can be said. */
+uint32_t Judge_Encoding(const std::vector<uint8_t> &vecBytes)
+{
+    int iInvalid = 0, iSequences = 0, iPending = 0;
+    for (const uint8_t ucByte : vecBytes) {
+        if (ucByte == 0xC0 || ucByte == 0xC1 || ucByte > 0xF4) {
+            ++iInvalid;
+            iPending = 0;
+        } else if (iPending > 0) {
+            if (ucByte >= 0x80 && ucByte <= 0xBF) {
+                iSequences += --iPending == 0 ? 1 : 0;
+            } else {
+                ++iInvalid;
+                iPending = 0;
+            }
+        } else if (ucByte >= 0x80) {
+            if (ucByte <= 0xBF)
+                ++iInvalid;
+            else
+                iPending = ucByte <= 0xDF ? 1 : ucByte <= 0xEF ? 2 : 3;
+        }
+        if (iInvalid > 20) return E_TEXT_ENCODING_ANSI;
+        if (iSequences > 10) return E_TEXT_ENCODING_UTF8;
+    }
+    return iSequences >= 1 && iInvalid == 0 ? E_TEXT_ENCODING_UTF8 : E_TEXT_ENCODING_ANSI;
+}
+
+TEST(Encoding, AgreesWithTheJudgeOnRandomBytes)
+{
+    std::mt19937 stRandom(7);
+    const std::vector<std::vector<uint8_t>> vecPieces = {{0xED, 0x95, 0x9C},
+                                                         {0xC3, 0xA9},
+                                                         {0xF0, 0x9F, 0x98, 0x80},
+                                                         {0xB0, 0xA1},
+                                                         {0x80},
+                                                         {0xC0},
+                                                         {0xE0, 0x41},
+                                                         std::vector<uint8_t>(33, 'a'),
+                                                         std::vector<uint8_t>(64, 'b'),
+                                                         {'\r', '\n'}};
+    for (int iFile = 0; iFile < 5000; ++iFile) {
+        std::vector<uint8_t> vecBytes;
+        const uint32_t uiPieces = Get_Random(stRandom, 60);
+        const uint32_t uiKinds = 1 + Get_Random(stRandom, vecPieces.size());
+        for (uint32_t uiPiece = 0; uiPiece < uiPieces; ++uiPiece) {
+            const auto &vecPiece =
+                vecPieces[(Get_Random(stRandom, uiKinds) + static_cast<uint32_t>(iFile)) % vecPieces.size()];
+            vecBytes.insert(vecBytes.end(), vecPiece.begin(), vecPiece.end());
+        }
+        // Any cut into two reads must give the same.
+        const uint32_t uiCut = vecBytes.empty() ? 0 : Get_Random(stRandom, vecBytes.size());
+        Utf8Count stCount = {};
+        if (!Count_Utf8(&stCount, vecBytes.data(), uiCut))
+            Count_Utf8(&stCount, vecBytes.data() + uiCut, static_cast<uint32_t>(vecBytes.size()) - uiCut);
+        ASSERT_EQ(Decide_Encoding(stCount), Judge_Encoding(vecBytes)) << "file " << iFile;
+    }
+}
+
+class Reader : public EngineTest
+{
+protected:
+    /** Read a file to its end, one character at a time or, where bRuns is set, with runs in between. */
+    std::vector<uint16_t> Read_Characters(bool bRuns)
+    {
+        std::vector<uint16_t> vecUnits;
+        uint16_t ausRun[64];
+        uint16_t usChar = 0;
+        while (Get_CharCode(s_hSubtitleFile, &usChar, 0) > 0) {
+            vecUnits.push_back(usChar);
+            if (!bRuns) continue;
+            constexpr StopUnits STOPS = {4, {0, '\t', '\r', '<'}, true};
+            const PlainRun stRun =
+                Take_PlainRun<STOPS>(ausRun, static_cast<uint32_t>(1 + vecUnits.size() % 60), usChar == ' ');
+            vecUnits.insert(vecUnits.end(), ausRun, ausRun + stRun.uiUnits);
+        }
+        return vecUnits;
+    }
+};
+
+TEST_F(Reader, DecodesEveryEncoding)
+{
+    static const struct {
+        const char *pszWhy;
+        std::string strFile;
+        int32_t iOption;
+        uint32_t uiCharset;
+        std::vector<uint16_t> vecUnits;
+    } astCases[] = {
+        {"ASCII", "ab", 0, 1, {'a', 'b'}},
+        {"double bytes, a lead without its trail is lost",
+         "\xB0\xA1"
+         "a\xB0",
+         0,
+         1,
+         {0xB0A1, 'a'}},
+        {"a trail byte may be anything", "\xB0<\xB0\r", 0, 1, {0xB03C, 0xB00D}},
+        {"single bytes", "\xB0\xA1", 1, 1, {0xB0, 0xA1}},
+        {"UTF-16 LE, mark included, an odd byte lost",
+         {"\xFF\xFE"
+          "a\0\x5C\xD5z",
+          7},
+         0,
+         2,
+         {0xFEFF, 'a', 0xD55C}},
+        {"UTF-16 BE, pairs not combined", {"\xFE\xFF\xD8\x3D\xDE\0", 6}, 0, 2, {0xFEFF, 0xD83D, 0xDE00}},
+        {"UTF-8, mark included", "\xEF\xBB\xBF\xC3\xA9\xED\x95\x9C", 0, 3, {0xFEFF, 0xE9, 0xD55C}},
+        {"UTF-8 without a mark", "\xC3\xA9", 0, 3, {0xE9}},
+        {"a cut character is dropped",
+         "\xEF\xBB\xBF\xE4\xB8"
+         "A",
+         0,
+         3,
+         {0xFEFF, 'A'}},
+        {"beyond U+FFFF is dropped",
+         "\xEF\xBB\xBF\xF0\x9F\x98\x80"
+         "A",
+         0,
+         3,
+         {0xFEFF, 'A'}},
+        {"an overlong bracket is a bracket",
+         "\xEF\xBB\xBF"
+         "a\xC0\xBC\xE0\x80\xBC",
+         0,
+         3,
+         {0xFEFF, 'a', '<', '<'}},
+        {"cut in the middle of a character",
+         "\xEF\xBB\xBF"
+         "a\xED\x95\xC3\xA9",
+         0,
+         3,
+         {0xFEFF, 'a', 0xE9}},
+    };
+    for (const uint32_t uiChunk : {0u, 1u, 2u, 3u}) {
+        Read_InChunks(uiChunk);
+        for (const auto &stCase : astCases) {
+            SCOPED_TRACE(testing::Message() << stCase.pszWhy << ", reads of " << uiChunk);
+            for (const bool bRuns : {false, true}) {
+                ASSERT_EQ(Open(".srt", stCase.strFile, stCase.iOption), 0u);
+                EXPECT_EQ(zyrSubtitle_getOutputTextCharacterSet(), stCase.uiCharset);
+                EXPECT_EQ(Read_Characters(bRuns), stCase.vecUnits);
+            }
+        }
+    }
+}
+
+TEST_F(Reader, RunsAndSkipsAgreeWithSingleCharacters)
+{
+    std::mt19937 stRandom(11);
+    const std::vector<std::string> vecPieces = {"plain words and more ",
+                                                "<",
+                                                "\r\n",
+                                                "  ",
+                                                "\t",
+                                                "\xED\x95\x9C\xEA\xB8\x80",
+                                                "\xF0\x9F\x98\x80",
+                                                "\xE4\xB8",
+                                                "\x80",
+                                                "\xC0\xBC",
+                                                std::string(1, '\0'),
+                                                "0123456789abcdef"};
+    for (int iFile = 0; iFile < 400; ++iFile) {
+        std::string strBody;
+        for (uint32_t uiPiece = Get_Random(stRandom, 200); uiPiece > 0; --uiPiece)
+            strBody += vecPieces[Get_Random(stRandom, vecPieces.size())];
+        const bool bMark = iFile % 2 == 0;
+        const std::string strFile = (bMark ? "\xEF\xBB\xBF" : "") + strBody + ".";
+        ASSERT_EQ(Open(".srt", strFile), 0u);
+        const std::vector<uint16_t> vecUnits = Read_Characters(false);
+        ASSERT_EQ(Open(".srt", strFile), 0u);
+        ASSERT_EQ(Read_Characters(true), vecUnits) << "file " << iFile;
+
+        // Passing over text must stop at each stop, and leave the bytes counted with the stop as they are.
+        std::vector<int32_t> vecPlain, vecSkipped;
+        for (std::vector<int32_t> *const pvecCounts : {&vecPlain, &vecSkipped}) {
+            ASSERT_EQ(Open(".srt", strFile), 0u);
+            uint16_t usChar = 0;
+            for (int32_t iBytes = 1; iBytes > 0;) {
+                constexpr StopUnits STOPS = {1, {'<'}, false};
+                if (pvecCounts == &vecSkipped) Skip_PlainRun<STOPS>();
+                iBytes = Get_CharCode(s_hSubtitleFile, &usChar, 1);
+                if (iBytes > 0 && usChar == '<') pvecCounts->push_back(iBytes);
+            }
+        }
+        ASSERT_EQ(vecSkipped, vecPlain) << "file " << iFile;
+    }
+}
+
+TEST_F(Reader, DetectionDecidesEarly)
+{
+    std::string strAnsi, strUtf8;
+    for (int iByte = 0; iByte < 21; ++iByte) strAnsi += "\x80";
+    for (int iSequence = 0; iSequence < 11; ++iSequence) strUtf8 += "\xC3\xA9";
+    ASSERT_EQ(Open(".srt", strAnsi + strUtf8), 0u);
+    EXPECT_EQ(zyrSubtitle_getOutputTextCharacterSet(), 1u);
+    ASSERT_EQ(Open(".srt", strUtf8 + strAnsi), 0u);
+    EXPECT_EQ(zyrSubtitle_getOutputTextCharacterSet(), 3u);
+}
+
+TEST_F(Reader, TellsTheEndAndErrors)
+{
+    ASSERT_EQ(Open(".srt", "ab"), 0u);
+    uint16_t usChar = 0;
+    zyr_host_failFile(1, 1, -5, 0);
+    EXPECT_EQ(Read_Characters(false).size(), 2u);
+    EXPECT_EQ(Count_Log("QUIBCAPTCB_FileRead() Failed! (ERROR = -5)"), 1u);
+    EXPECT_EQ(Get_CharCode(s_hSubtitleFile, &usChar, 0), 0)
+        << "an error is not the end: the next call tries again";
+    EXPECT_EQ(Count_Log("End of Caption File!"), 1u);
+    Mark_EndOfData();
+    EXPECT_EQ(Get_CharCode(s_hSubtitleFile, &usChar, 0), NO_CAPTION_DATA);
+    EXPECT_EQ(Count_Log("No Caption Data!"), 1u);
+    EXPECT_EQ(Move_ReadPosition(s_hSubtitleFile, 1, E_READ_AHEAD_FULL), 1);
+    EXPECT_GT(Get_CharCode(s_hSubtitleFile, &usChar, 0), 0) << "moving takes the mark away";
+    EXPECT_EQ(usChar, 'b');
+}
+
+} // namespace
