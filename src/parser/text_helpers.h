@@ -19,6 +19,11 @@ constexpr bool Is_Digit(uint32_t uiUnit)
     return uiUnit - '0' < 10;
 }
 
+constexpr bool Is_LineEnd(uint32_t uiUnit)
+{
+    return uiUnit == '\r' || uiUnit == '\n';
+}
+
 /** Fold an ASCII letter to upper case. */
 constexpr uint32_t To_Upper(uint32_t uiUnit)
 {
