@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "caption/parser_state.h"
+#include "parser/sami_index.h"
 #include "zyr_log.h"
 
 namespace
@@ -92,10 +93,9 @@ void Fold_OtherClasses()
 
 uint32_t Find_NextFrame(uint32_t uiClass)
 {
-    uint32_t uiFrame = s_auiClassFrameCursor[uiClass];
-    while (uiFrame < s_uiFrameInfoNums && s_pstFrameInfoArray[uiFrame].uiClassIndex != uiClass) ++uiFrame;
-    s_auiClassFrameCursor[uiClass] = uiFrame;
-    return uiFrame;
+    if (uiClass >= ZYR_CLASS_MAX) return s_uiFrameInfoNums;
+    s_auiClassFrameCursor[uiClass] = Find_ClassFrame(uiClass, s_auiClassFrameCursor[uiClass]);
+    return s_auiClassFrameCursor[uiClass];
 }
 
 void Rewind_ClassCursor(uint32_t uiClass)
@@ -119,6 +119,7 @@ int32_t CAPTIONPARS_SAMI_MergeUndefinedLanguage(uint32_t uiTargetClass)
     for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
         if (s_pstFrameInfoArray[uiFrame].uiClassIndex == uiLast)
             s_pstFrameInfoArray[uiFrame].uiClassIndex = uiTargetClass;
+    Order_FramesByClass();
     Combine_Frames(Get_Class(uiTargetClass), Get_Class(uiLast));
     --pstQuibCaptionParserInfo->uiClassNums;
     return 1;
@@ -137,6 +138,7 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
         else if (uiClass > uiFrom && uiClass < uiNums)
             --uiClass;
     }
+    Order_FramesByClass();
     Add_AltName(Get_Class(uiTo), Get_Class(uiFrom));
     Combine_Frames(Get_Class(uiTo), Get_Class(uiFrom));
     for (uint32_t uiClass = uiFrom; uiClass + 1 < uiNums; ++uiClass)

@@ -10,7 +10,7 @@
  * Find the next frame of a class and move the class's cursor to it, so that entries of other classes are
  * passed over only once.
  *
- * @return index into s_pstFrameInfoArray; s_uiFrameInfoNums when there is none
+ * @return index into s_pstFrameInfoArray; s_uiFrameInfoNums when there is none, or no such class
  */
 uint32_t Find_NextFrame(uint32_t uiClass);
 

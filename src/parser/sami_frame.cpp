@@ -1,0 +1,292 @@
+// SAMI, frame by frame: the frame index says where the next SYNC tag of the class stands; from there the SYNC
+// tag, the P tag that names the class, and the text up to the next SYNC tag are read.
+
+#include <cstdint>
+
+#include "parser/caption_text.h"
+#include "parser/char_reader.h"
+#include "parser/html_tag.h"
+#include "parser/sami_classes.h"
+#include "parser/sami_index.h"
+#include "parser/text_helpers.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+constexpr const char *FRAME_PARSER_NAME = "FrameParser_SAMI";
+
+enum SamiFrameState : uint32_t {
+    E_FRAME_SEEK_TAG, // before the text, outside a tag
+    E_FRAME_HEAD_TAG, // before the text, in a tag
+    E_FRAME_TEXT,     // the text states stand in the order of MarkupState
+    E_FRAME_TAG,
+    E_FRAME_ENTITY,
+};
+
+/** A tag before the text, as far as its name tells. */
+enum HeadTag : uint32_t {
+    E_HEAD_NAME,  // the name has not ended yet
+    E_HEAD_OTHER, // neither of the two
+    E_HEAD_SYNC,
+    E_HEAD_P,
+};
+
+struct SamiFrame {
+    SamiFrameState eState;
+    HeadTag eTag;
+    bool bParagraph; // a good SYNC tag was read: a P tag is expected, not a SYNC tag
+    bool bEnd;       // the next SYNC tag begins
+    int32_t iStart;  // of the SYNC tag, ms
+    int32_t iEnd;    // of the SYNC tag, ms
+};
+
+constexpr StopUnits TAG_STOP = {1, {'<'}, false};
+constexpr StopUnits TEXT_STOPS = {6, {0, '\t', '\n', '\r', '<', '&'}, true};
+
+/** @return whether the tag buffer holds exactly this text, ASCII case aside. */
+template <uint32_t BYTES>
+bool Is_TagText(const char (&szText)[BYTES])
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength != BYTES - 1) return false;
+    for (uint32_t uiPos = 0; uiPos < BYTES - 1; ++uiPos)
+        if (To_Upper(stTag.ausTagBuf[uiPos]) != static_cast<uint8_t>(szText[uiPos])) return false;
+    return true;
+}
+
+void Start_HeadTag(SamiFrame &stFrame)
+{
+    s_pstTagControlInfo->ausTagBuf[0] = '<';
+    s_pstTagControlInfo->uiTagLength = 1;
+    stFrame.eState = E_FRAME_HEAD_TAG;
+    stFrame.eTag = E_HEAD_NAME;
+}
+
+void Start_Text(SamiFrame &stFrame)
+{
+    pstQuibCaptionParserInfo->uiConvLength = 0;
+    stFrame.eState = E_FRAME_TEXT;
+}
+
+/** The name of a tag before the text has ended: what is it? */
+void Note_TagName(SamiFrame &stFrame)
+{
+    stFrame.eTag = E_HEAD_OTHER;
+    if (Is_TagText("<SYNC")) {
+        stFrame.eTag = E_HEAD_SYNC;
+        stFrame.bParagraph = false; // the later SYNC tag counts
+    } else if (stFrame.bParagraph && Is_TagText("<P")) {
+        stFrame.eTag = E_HEAD_P;
+    }
+}
+
+void Take_SyncTag(SamiFrame &stFrame, int32_t iResult)
+{
+    if (Get_TagId(iResult) != E_HTML_TAG_SYNC) return;
+    stFrame.iStart = s_pstTagControlInfo->iSyncStart;
+    stFrame.iEnd = s_pstTagControlInfo->iSyncEnd;
+    stFrame.bParagraph = true;
+}
+
+void Take_ParagraphTag(SamiFrame &stFrame, int32_t iResult)
+{
+    if (Get_TagId(iResult) == E_HTML_TAG_P &&
+        s_pstTagControlInfo->uiSelectedClass != pstQuibCaptionParserInfo->uiCurrClass)
+        stFrame.bParagraph = false; // another class's text
+    else
+        Start_Text(stFrame);
+}
+
+/** A tag before the text is complete. */
+void Finish_HeadTag(SamiFrame &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    stFrame.eState = E_FRAME_SEEK_TAG;
+    if (stFrame.eTag == E_HEAD_SYNC || stFrame.eTag == E_HEAD_P) {
+        const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+        if (iResult == -1)
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] %s() - Failed to parse the caption tag!\n", __LINE__,
+                                FRAME_PARSER_NAME);
+        else if (stFrame.bParagraph)
+            Take_ParagraphTag(stFrame, iResult);
+        else
+            Take_SyncTag(stFrame, iResult);
+    } else if (stFrame.bParagraph || Is_TagText("</BODY>") || Is_TagText("</SAMI>")) {
+        Start_Text(stFrame);
+    }
+}
+
+// One function per state. Each gives whether its unit is done with; if not, the next state sees it again.
+
+bool Step_SeekTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<')
+        Start_HeadTag(stFrame);
+    else
+        Skip_PlainRun<TAG_STOP>();
+    return true;
+}
+
+bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<') {
+        Start_HeadTag(stFrame);
+        return true;
+    }
+    const bool bSpace = usChar == ' ' || usChar == '\t' || usChar == '\r' || usChar == '\n';
+    if (bSpace && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
+    Collect_TagUnit(usChar, TAG_TEXT_UNITS);
+    if (usChar == '>') Finish_HeadTag(stFrame);
+    return true;
+}
+
+bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == ' ' || usChar == '\t') {
+        Append_FoldedBlank();
+        return true;
+    }
+    pstQuibCaptionParserInfo->ucPrevBlank = 0;
+    switch (usChar) {
+    case '<':
+        Begin_Markup(usChar);
+        stFrame.eState = E_FRAME_TAG;
+        break;
+    case '&':
+        Begin_Markup(usChar);
+        stFrame.eState = E_FRAME_ENTITY;
+        break;
+    case '\r':
+    case '\n':
+    case 0: break; // line ends in the file are none in the caption
+    default: Append_PlainText<TEXT_STOPS>(usChar); break;
+    }
+    return true;
+}
+
+SamiFrameState Get_MarkupState(MarkupState eState)
+{
+    return static_cast<SamiFrameState>(E_FRAME_TEXT + static_cast<uint32_t>(eState));
+}
+
+bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    stFrame.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
+    stFrame.bEnd = stFrame.eState == E_FRAME_TAG && Is_TagText("<SYNC");
+    return true;
+}
+
+bool Step_FrameEntity(SamiFrame &stFrame, uint16_t usChar)
+{
+    const MarkupStep stStep = Step_Entity(usChar);
+    stFrame.eState = Get_MarkupState(stStep.eNext);
+    return !stStep.bAgain;
+}
+
+bool Step_Frame(SamiFrame &stFrame, uint16_t usChar)
+{
+    switch (stFrame.eState) {
+    case E_FRAME_SEEK_TAG: return Step_SeekTag(stFrame, usChar);
+    case E_FRAME_HEAD_TAG: return Step_HeadTag(stFrame, usChar);
+    case E_FRAME_TEXT: return Step_Text(stFrame, usChar);
+    case E_FRAME_TAG: return Step_FrameTag(stFrame, usChar);
+    default: return Step_FrameEntity(stFrame, usChar);
+    }
+}
+
+/** @return 1, -1 when the file could not be moved, or a read's result below 1. */
+int32_t Go_To_Frame(void *hFile, int64_t llFilePos)
+{
+    const int64_t llReached = Move_ReadPosition(hFile, llFilePos, E_READ_AHEAD_SHORT);
+    if (llReached < 0) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", __LINE__,
+                            static_cast<int32_t>(llReached));
+        return -1;
+    }
+    const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(hFile) : 1;
+    if (iRead < 1) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n",
+                            __LINE__, iRead);
+        return iRead;
+    }
+    pstQuibCaptionParserInfo->llCurrFilePos = llFilePos;
+    return 1;
+}
+
+/** @return 1; a frame ends where the next one of its class begins, if there is one. */
+int32_t Complete_Frame(const SamiFrame &stFrame)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    Complete_FrameText();
+    const uint32_t uiNext = Find_NextFrame(stInfo.uiCurrClass);
+    stInfo.iStartPTS = stFrame.iStart;
+    stInfo.iCurrPTS = stFrame.iStart;
+    stInfo.iEndPTS = uiNext < s_uiFrameInfoNums ? s_pstFrameInfoArray[uiNext].iPTS : stFrame.iEnd;
+    return 1;
+}
+
+int32_t Read_Frame(void *hFile)
+{
+    SamiFrame stFrame = {};
+    stFrame.iEnd = OPEN_END_PTS;
+    for (;;) {
+        uint16_t usChar = 0;
+        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
+        if (iResult < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
+                                iResult);
+            return iResult;
+        }
+        if (iResult == 0) {
+            Mark_EndOfData();
+            return stFrame.eState < E_FRAME_TEXT ? NO_CAPTION_DATA : Complete_Frame(stFrame);
+        }
+        while (!Step_Frame(stFrame, usChar)) {}
+        if (stFrame.bEnd) return Complete_Frame(stFrame);
+    }
+}
+
+} // namespace
+
+int32_t FrameParser_SAMI(void)
+{
+    if (!Is_StreamReady()) return -1;
+    Clear_TagQueue();
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    const uint32_t uiClass = pstQuibCaptionParserInfo->uiCurrClass;
+    const uint32_t uiFrame = Find_NextFrame(uiClass);
+    if (uiFrame >= s_uiFrameInfoNums) {
+        Mark_EndOfData();
+        return NO_CAPTION_DATA;
+    }
+    s_auiClassFrameCursor[uiClass] = uiFrame + 1;
+    const int32_t iResult = Go_To_Frame(hFile, s_pstFrameInfoArray[uiFrame].llFilePos);
+    return iResult < 1 ? iResult : Read_Frame(hFile);
+}
+
+int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPTS*/,
+                  QuibCaptionParserInfo * /*pstInfo*/)
+{
+    if (!Is_StreamReady()) return -1;
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (s_uiFrameInfoNums == 0 || stInfo.uiCurrClass >= ZYR_CLASS_MAX) return -1;
+    const uint32_t uiPick = Find_FrameBefore(stInfo.uiCurrClass, uiTargetMs);
+    const SamiFrameInfo &stPick = s_pstFrameInfoArray[uiPick];
+    s_auiClassFrameCursor[stInfo.uiCurrClass] = uiPick;
+    const int64_t llReached = Move_ReadPosition(hFile, stPick.llFilePos, E_READ_AHEAD_SHORT);
+    if (llReached < 0) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] Seek_SAMI() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
+                            static_cast<int32_t>(llReached));
+        return -1;
+    }
+    stInfo.llCurrFilePos = stPick.llFilePos;
+    stInfo.iCurrPTS = static_cast<int32_t>(static_cast<uint32_t>(stPick.iPTS) - 1u);
+    return 1;
+}

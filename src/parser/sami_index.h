@@ -1,0 +1,34 @@
+/*
+ * The frame index of a SAMI file: one entry per SYNC tag, in the file's order while the header is read and in
+ * time order from then on. Beside the entries it holds, for each class, which of them are its own, so that
+ * nothing ever walks over the entries of other classes.
+ */
+#pragma once
+
+#include <cstdint>
+
+/** Begin an empty index for a file of s_llCaptionFileSize bytes. @return false without memory (logged). */
+bool Begin_FrameIndex();
+
+/** Add an entry that has no class yet; the index must not be full. @return false without memory (logged). */
+bool Append_Frame(int32_t iPTS, int64_t llFilePos);
+
+/** Bring the entries into time order, equal times in file order. @return false without memory (logged). */
+bool Finish_FrameIndex();
+
+/** Forget all entries; what they stood in stays until the buffers are freed. */
+void Drop_FrameIndex();
+
+/** Note which entries belong to which class, after a change of their uiClassIndex. */
+void Order_FramesByClass();
+
+/** @return first entry of a class from entry uiFrom on; s_uiFrameInfoNums when there is none. */
+uint32_t Find_ClassFrame(uint32_t uiClass, uint32_t uiFrom);
+
+/**
+ * Find the entry before the first one of a class that does not start before a time. Times are compared
+ * unsigned, entry after entry in time order: an entry with a negative time counts as a late one.
+ *
+ * @return the class's entry before it, or entry 0 (whatever its class) when there is none
+ */
+uint32_t Find_FrameBefore(uint32_t uiClass, uint32_t uiTargetMs);
