@@ -153,6 +153,7 @@ bool Seek_Stream(uint32_t uiStream, uint32_t uiTargetMs)
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     CaptionStreamState &stState = stInfo.astStreamState[uiStream];
+    stInfo.uiCurrStream = uiStream; // whose read buffer the seek repositions
     Load_Stream(uiStream);
     const auto pfSeek = CaptionParserTable[s_eCaptionFormat].pfSeek;
     if (pfSeek == nullptr) {

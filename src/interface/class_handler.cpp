@@ -65,7 +65,8 @@ uint32_t zyrSubtitleHandler_selectClass(int32_t iClassCount, const uint32_t *pui
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     if (stInfo.uiClassNums < 2) return SUCCESS;
 
-    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) Release_Stream(uiStream);
+    // All of them: QUIBCAPT_Set_ClassType() leaves the buffers of streams that it takes out of use.
+    for (uint32_t uiStream = 0; uiStream < ZYR_STREAM_MAX; ++uiStream) Release_Stream(uiStream);
     Forget_StreamBuffers();
     stInfo.uiStreamNums = 0;
     for (int32_t iIndex = 0; iIndex < iClassCount && stInfo.uiStreamNums < ZYR_STREAM_MAX; ++iIndex) {

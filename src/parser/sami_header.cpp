@@ -62,10 +62,10 @@ struct SamiScan {
     void *hFile;
     SamiScanState eState;
     const SamiTagRow *pstTag;
-    uint32_t uiMatched;  // units of the name being matched
-    uint32_t uiTagBytes; // bytes read since the tag's "<", that included
-    uint32_t uiDigits;   // digits of the START value
-    uint32_t uiStart;    // START value, ms
+    uint32_t uiMatched;                      // units of the name being matched
+    uint32_t uiTagBytes;                     // bytes read since the tag's "<", that included
+    uint32_t uiDigits;                       // digits of the START value
+    uint32_t uiStart;                        // START value, ms
     uint16_t ausClass[ZYR_CLASS_NAME_UNITS]; // CLASS value in upper case
     uint32_t uiClassUnits;                   // units of it, also those beyond the room
     CurrentFrame stFrame;
@@ -120,8 +120,7 @@ ScanResult Record_Frame(SamiScan &stScan)
     stScan.stFrame = {true, s_uiFrameInfoNums < s_uiFrameInfoMax, static_cast<int32_t>(stScan.uiStart),
                       llPos};
     Count_Unclassified(stScan);
-    if (stScan.stFrame.bIndexed)
-        return Append_Frame(stScan.stFrame.iPTS, llPos) ? E_SCAN_ON : E_SCAN_FAILED;
+    if (stScan.stFrame.bIndexed) return Append_Frame(stScan.stFrame.iPTS, llPos) ? E_SCAN_ON : E_SCAN_FAILED;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Many Frame Information! [%d]\n", __LINE__,
                         s_uiFrameInfoMax);
     return E_SCAN_ON;

@@ -53,8 +53,7 @@ void Replace_Frames(SamiFrameInfo *pastFrame)
 
 bool Grow_Frames()
 {
-    const uint32_t uiRoom =
-        std::min(s_uiFrameInfoMax, s_uiFrameRoom == 0 ? FIRST_FRAMES : 2 * s_uiFrameRoom);
+    const uint32_t uiRoom = std::min(s_uiFrameInfoMax, s_uiFrameRoom == 0 ? FIRST_FRAMES : 2 * s_uiFrameRoom);
     SamiFrameInfo *const pastFrame = Allocate_Frames(uiRoom * sizeof(SamiFrameInfo));
     if (pastFrame == nullptr) return false;
     if (s_uiFrameInfoNums > 0)
