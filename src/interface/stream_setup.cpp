@@ -1,5 +1,7 @@
 #include "interface/stream_setup.h"
 
+#include <cstring>
+
 #include "caption/parser_state.h"
 #include "zyr_base.h"
 #include "zyr_log.h"
@@ -19,7 +21,11 @@ bool Allocate_LineBuffer(uint32_t uiStream)
     CaptionLineTable &stTable = s_astLineTable[uiStream];
     if (stTable.pusTextBuf == nullptr)
         stTable.pusTextBuf = static_cast<uint16_t *>(ZYR_malloc(TEXT_BUF_UNITS * sizeof(uint16_t)));
-    if (stTable.pusTextBuf != nullptr) return true;
+    if (stTable.pusTextBuf != nullptr) {
+        // The record's line lengths may still be those of another stream's frame when a host asks for output.
+        std::memset(stTable.pusTextBuf, 0, TEXT_BUF_UNITS * sizeof(uint16_t));
+        return true;
+    }
     __android_log_print(
         ZYR_LOG_ERROR, HANDLER_LOG_TAG,
         " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Line Bitmap Buffer Memory allocation Error!\n", __LINE__);
