@@ -123,9 +123,8 @@ bool Is_Frame(int32_t iResult)
  */
 bool Is_AtEnd()
 {
-    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA) {
-        if (s_stCaptionFrameList.uiCurrNode == Get_TailNode()) return true;
-    }
+    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && s_stCaptionFrameList.uiCurrNode == Get_TailNode())
+        return true;
     return Get_StreamInfo().iStreamDataSize == NO_CAPTION_DATA;
 }
 
@@ -182,6 +181,7 @@ int32_t QUIB_CAPTION_Open(void)
     if (pstQuibCaptionParserInfo != nullptr) {
         QUIB_CAPTION_Close();
         Close_SubtitleFile();
+        s_eCaptionFormat = E_CAPTION_FORMAT_NONE;
     }
     QuibCaptionParserInfo *const pstInfo = Allocate<QuibCaptionParserInfo>(sizeof(QuibCaptionParserInfo));
     pstQuibCaptionParserInfo = pstInfo;

@@ -85,7 +85,7 @@ int32_t QUIBCAPT_Set_ClassType(uint32_t uiFirstClass, uint32_t uiSecondClass)
     if (uiSecondClass == uiFirstClass) uiSecondClass = ZYR_CLASS_MAX;
     uint32_t uiStreams = 0;
     for (const uint32_t uiClass : {uiFirstClass, uiSecondClass}) {
-        if (uiClass >= ZYR_CLASS_MAX || stInfo.astClassInfo[uiClass].uiFrameNums == 0) continue;
+        if (uiClass >= stInfo.uiClassNums || stInfo.astClassInfo[uiClass].uiFrameNums == 0) continue;
         if (stInfo.astStreamInfo[uiStreams].pucStreamBuf == nullptr ||
             s_astLineTable[uiStreams].pusTextBuf == nullptr)
             continue;

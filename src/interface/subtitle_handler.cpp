@@ -158,12 +158,9 @@ bool Setup_OneStream()
     stInfo.uiCurrClass = 0;
     Point_Stream(0, 0);
     if (!Allocate_LineBuffer(0)) return false;
-    const int64_t llReached =
-        Move_ReadPosition(s_hOpenedFile, stInfo.astStreamState[0].llStartFilePos, E_READ_AHEAD_FULL);
-    if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_FileSeek][%5d] Error FileSeek! SeekPos = [%d]\n", __LINE__,
-                            static_cast<int32_t>(llReached));
+    // A file without a first frame cannot be moved there: the callback says so, and the frame parser will
+    // too.
+    if (Move_ReadPosition(s_hOpenedFile, stInfo.astStreamState[0].llStartFilePos, E_READ_AHEAD_FULL) < 0) {
         stInfo.astStreamInfo[0].iStreamDataSize = 0;
         stInfo.astStreamInfo[0].iStreamBufIndex = 0;
     }
