@@ -123,7 +123,9 @@ bool Is_Frame(int32_t iResult)
  */
 bool Is_AtEnd()
 {
-    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && s_stCaptionFrameList.uiCurrNode == Get_TailNode())
+    const CaptionFrameList &stList = s_stCaptionFrameList;
+    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && stList.uiNodeNum != 0 &&
+        stList.uiCurrNode == Get_TailNode())
         return true;
     return Get_StreamInfo().iStreamDataSize == NO_CAPTION_DATA;
 }
