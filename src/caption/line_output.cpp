@@ -1,5 +1,6 @@
 #include "caption/line_output.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "caption/parser_state.h"
@@ -124,7 +125,25 @@ WrapResult Wrap_Line(LineWriter &stWriter, bool bBlank)
     return bAtBlanks ? E_WRAP_BLANK : E_WRAP_STORE;
 }
 
-/** @return units of the input done with: all of them, unless the frame or the text buffer is full. */
+/** Store the units of the word being written that fit on the line. @return the first unit not stored. */
+const uint16_t *Store_WordUnits(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
+{
+    CaptionLineTable &stTable = stWriter.stTable;
+    const uint32_t uiLineRoom = LINE_UNITS - stWriter.uiLength;
+    const uint32_t uiBufRoom = TEXT_BUF_UNITS - stTable.uiWritePos;
+    const ptrdiff_t iRoom = uiLineRoom < uiBufRoom ? uiLineRoom : uiBufRoom;
+    if (pusEnd - pusUnit > iRoom) pusEnd = pusUnit + iRoom;
+    uint16_t *const pusTarget = stTable.pusTextBuf + stTable.uiWritePos;
+    uint32_t uiUnits = 0;
+    for (; pusUnit < pusEnd && !Is_Blank(*pusUnit); ++pusUnit) pusTarget[uiUnits++] = *pusUnit;
+    stTable.uiWritePos += uiUnits;
+    stWriter.uiLength += uiUnits;
+    stWriter.Get_Line().uiWordUnits += uiUnits;
+    stWriter.stInfo.uiWordUnits += uiUnits;
+    return pusUnit;
+}
+
+/** Lay the units out until there are no more, or the frame is full. */
 void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
 {
     CaptionLineTable &stTable = stWriter.stTable;
@@ -144,6 +163,7 @@ void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusE
         stTable.pusTextBuf[stTable.uiWritePos++] = bBlank ? BLANK : *pusUnit;
         ++stWriter.uiLength;
         ++pusUnit;
+        if (!bBlank) pusUnit = Store_WordUnits(stWriter, pusUnit, pusEnd);
     }
     stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
     stWriter.stInfo.uiLineIndex = stWriter.uiLine;

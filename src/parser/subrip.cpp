@@ -116,6 +116,11 @@ bool Step_Time(SubRipScan &stScan, uint16_t usChar)
 {
     if (usChar != '\r') {
         Add_TimeUnit(stScan.stTime, usChar);
+        Take_AsciiUnits([&stTime = stScan.stTime](uint8_t ucUnit) {
+            if (ucUnit == '\r') return false;
+            Add_TimeUnit(stTime, ucUnit);
+            return true;
+        });
         return true;
     }
     Check_TimeLine(stScan.stTime);

@@ -157,6 +157,27 @@ inline PlainRun Take_PlainRun(uint16_t *pusTarget, uint32_t uiMax, bool bPrevBla
     return Take_ByteRun<STOPS>(stInfo, pusTarget, uiMax, bPrevBlank);
 }
 
+/**
+ * Offer the units below 0x80 that the read buffer holds, one after the other, until fnTake(unit) refuses one
+ * or another kind of unit stands there.
+ */
+template <typename Take>
+inline void Take_AsciiUnits(Take fnTake)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const uint8_t *const pucEnd = stInfo.pucStreamBuf + stInfo.iStreamDataSize;
+    const uint8_t *pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    if (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u) {
+        const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
+        while (pucEnd - pucByte >= 2 && pucByte[1 - uiLow] == 0 && pucByte[uiLow] < 0x80 &&
+               fnTake(pucByte[uiLow]))
+            pucByte += 2;
+    } else {
+        while (pucByte < pucEnd && *pucByte < 0x80 && fnTake(*pucByte)) ++pucByte;
+    }
+    if (pucByte <= pucEnd) stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
+}
+
 /** UTF-8 lead bytes that may begin an overlong form of a stop unit; every other byte from 0x80 on can be
  * passed over. */
 template <StopUnits STOPS>
