@@ -123,10 +123,8 @@ bool Is_Frame(int32_t iResult)
  */
 bool Is_AtEnd()
 {
-    const CaptionFrameList &stList = s_stCaptionFrameList;
-    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && stList.uiNodeNum != 0 &&
-        stList.uiCurrNode == Get_TailNode())
-        return true;
+    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && s_stCaptionFrameList.uiCurrNode == Get_TailNode())
+        return true; // also in a file without lines: like the other formats, it is at its end at once
     return Get_StreamInfo().iStreamDataSize == NO_CAPTION_DATA;
 }
 
