@@ -354,6 +354,7 @@ int32_t FrameParser_SubRip(void)
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     Clear_TagQueue();
     pstQuibCaptionParserInfo->llCurrFilePos = Get_ReadPosition(hFile);
+    pstQuibCaptionParserInfo->uiConvLength = 0; // text of a frame that failed in the middle
     SubRipScan stScan = {};
     for (;;) {
         uint16_t usChar = 0;
