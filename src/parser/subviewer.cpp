@@ -74,8 +74,11 @@ bool Add_TimeUnit(SubViewerScan &stScan, uint16_t usChar)
 /** One unit of the time line. @return whether a good time line has just ended. */
 bool Step_Time(SubViewerScan &stScan, uint16_t usChar)
 {
+    if (Add_TimeUnit(stScan, usChar)) {
+        Take_AsciiUnits([&stScan](uint8_t ucUnit) { return Add_TimeUnit(stScan, ucUnit); });
+        return false;
+    }
     const bool bLineEnd = Is_LineEnd(usChar);
-    if (!bLineEnd && Add_TimeUnit(stScan, usChar)) return false;
     const bool bEmptyLine = bLineEnd && stScan.uiTimeIndex == 0 && stScan.uiDigits == 0;
     stScan.bGood = bLineEnd && Finish_EndTime(stScan);
     if (!stScan.bGood)

@@ -1,42 +1,11 @@
 // SubViewer files, played through the public calls.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include "zyr/quib_caption.h"
-#include "zyr/zyr_host.h"
-#include "zyr/zyr_subtitle.h"
+#include "support/engine_fixture.h"
 
 namespace
 {
 
 using std::string_literals::operator""s;
-
-enum Encoding { E_ANSI, E_UTF8, E_UTF16LE, E_UTF16BE, E_ENCODING_NUMS };
-
-/** An ASCII text as a file in some encoding, with its mark. */
-std::string Encode(const std::string &strText, int eEncoding)
-{
-    if (eEncoding == E_ANSI) return strText;
-    if (eEncoding == E_UTF8) return "\xEF\xBB\xBF" + strText;
-    std::string strBytes = eEncoding == E_UTF16LE ? "\xFF\xFE" : "\xFE\xFF";
-    for (const char cUnit : strText) {
-        if (eEncoding == E_UTF16BE) strBytes += '\0';
-        strBytes += cUnit;
-        if (eEncoding == E_UTF16LE) strBytes += '\0';
-    }
-    return strBytes;
-}
-
-int32_t Shorten_Reads(int iCall, uint32_t uiAsked, int32_t iReal, void *pContext)
-{
-    // The read of 3 bytes looks for the file's mark: cut short, it would not see one.
-    return iCall == 1 && uiAsked > 3 ? std::min(iReal, *static_cast<int32_t *>(pContext)) : iReal;
-}
 
 int32_t Fail_Reads(int iCall, uint32_t /*uiAsked*/, int32_t iReal, void * /*pContext*/)
 {
@@ -46,71 +15,34 @@ int32_t Fail_Reads(int iCall, uint32_t /*uiAsked*/, int32_t iReal, void * /*pCon
 constexpr const char *OOPS = "() - OOPS!! ERROR!!";
 constexpr const char *BAD_LINE_END = ">>>>> CR + LF is Bad! <<<<<";
 
-class SubViewer : public testing::Test
+class SubViewer : public EngineTest
 {
 protected:
-    void SetUp() override
-    {
-        zyr_host_reset();
-        zyr_host_setLogSink([](int, const char *, const char *pszText,
-                               void *pLog) { *static_cast<std::string *>(pLog) += pszText; },
-                            &strLog);
-    }
-    void TearDown() override
-    {
-        zyrSubtitle_close();
-        zyr_host_reset();
-        EXPECT_EQ(zyr_host_liveBytes(), 0u);
-        EXPECT_EQ(zyr_host_openFiles(), 0u);
-    }
-
-    /** @return zyrSubtitle_open()'s result for a file of these bytes. */
-    uint32_t Open(std::string strBytes)
-    {
-        zyrSubtitle_close();
-        strFile = std::move(strBytes);
-        zyr_host_mapMemory("zyrhost:movie.SUB", strFile.data(), static_cast<uint32_t>(strFile.size()));
-        strLog.clear();
-        return zyrSubtitle_open("zyrhost:movie.avi", 0);
-    }
+    uint32_t Open(std::string strFile) { return EngineTest::Open(".SUB", std::move(strFile)); }
 
     /** @return the next frame as "start-end line|line", "none" without one. */
-    static std::string Next_Frame()
+    std::string Next_Frame()
     {
-        uint32_t uiStream, uiLines, uiBytes;
-        int32_t iStart, iEnd;
-        uint8_t *pucText;
-        if (zyrSubtitle_getFrame(&uiStream, &iStart, &iEnd, &uiLines, &uiBytes, &pucText) != 0) return "none";
-        std::string strText(reinterpret_cast<char *>(pucText), uiBytes);
-        if (zyrSubtitle_getOutputTextCharacterSet() == E_OUTPUT_CHARSET_UTF16) std::erase(strText, '\0');
-        std::replace(strText.begin(), strText.end(), '\n', '|');
-        return std::to_string(iStart) + "-" + std::to_string(iEnd) + " " + strText;
+        TestFrame stFrame;
+        if (!Read_Frame(&stFrame)) return "none";
+        std::replace(stFrame.strText.begin(), stFrame.strText.end(), '\n', '|');
+        return std::to_string(stFrame.iStart) + "-" + std::to_string(stFrame.iEnd) + " " + stFrame.strText;
     }
 
-    static std::string All_Frames()
+    std::string All_Frames()
     {
         std::string strFrames;
         for (std::string strFrame = Next_Frame(); strFrame != "none"; strFrame = Next_Frame())
             strFrames += strFrame + ";";
         return strFrames;
     }
-
-    uint32_t Count_Log(std::string_view strText) const
-    {
-        uint32_t uiNums = 0;
-        for (size_t uiPos = strLog.find(strText); uiPos != std::string::npos;
-             uiPos = strLog.find(strText, uiPos + 1))
-            ++uiNums;
-        return uiNums;
-    }
-
-    std::string strLog;
-    std::string strFile;
 };
 
 constexpr int64_t REFUSED = -2;
 const std::string HEADER = "[INFORMATION]\r\n[SUBTITLE]\r\n";
 const std::string TIMES = "00:00:01.00,00:00:02.50\r\n";
+const std::string GOOD = TIMES + "b\r\n\r\n";
+#define END "\r\n\r\n"
 
 struct FrameCase {
     const char *pszWhy;
@@ -119,49 +51,50 @@ struct FrameCase {
     uint32_t uiOops, uiBadLineEnds; // messages while the frames are read
 };
 
+// clang-format off
 const FrameCase FRAME_CASES[] = {
-    {"a frame", TIMES + "a\r\n\r\n", "1000-2500 a;", 0, 0},
-    {"every place of a time", "12:34:56.78,98:76:54.32\r\na\r\n\r\n", "45296780-357414320 a;", 0, 0},
-    {"no separators", "00000100,00000250\r\na\r\n\r\n", "1000-2500 a;", 0, 0},
-    {"empty lines between frames", TIMES + "a\r\n\r\n\r\n\r\n" + TIMES + "b\r\n\r\n",
-     "1000-2500 a;1000-2500 b;", 4, 0},
-    {"a digit missing", "0:00:01.00,00:00:02.00\r\na\r\n\r\n" + TIMES + "b\r\n\r\n", "1000-2500 b;", 1, 0},
-    {"a third time", "00:00:01.00,00:00:02.50,x\r\na\r\n\r\n" + TIMES + "b\r\n\r\n", "1000-2500 b;", 1, 0},
-    {"a ninth digit", "00:00:01.000,00:00:02.50\r\na\r\n\r\n" + TIMES + "b\r\n\r\n", "1000-2500 b;", 1, 0},
-    {"a separator out of place", "00.00:01.00,00:00:02.50\r\n\r\n" + TIMES + "b\r\n\r\n", "1000-2500 b;", 1,
-     0},
-    {"a start time only", "00:00:01.00\r\na\r\n\r\n" + TIMES + "b\r\n\r\n", "1000-2500 b;", 1, 0},
-    {"a bad line that ends with the bad unit", "00:00:01.00,\r\n\r\n" + TIMES + "b\r\n\r\n", "1000-2500 b;",
-     1, 0},
+    {"a frame", TIMES + "a" END, "1000-2500 a;", 0, 0},
+    {"every place of a time", "12:34:56.78,98:76:54.32\r\na" END, "45296780-357414320 a;", 0, 0},
+    {"no separators", "00000100,00000250\r\na" END, "1000-2500 a;", 0, 0},
+    {"empty lines between frames", TIMES + "a" END "\r\n\r\n" + GOOD, "1000-2500 a;1000-2500 b;", 4, 0},
+    {"a digit missing", "0:00:01.00,00:00:02.00\r\na" END + GOOD, "1000-2500 b;", 1, 0},
+    {"a third time", "00:00:01.00,00:00:02.50,x\r\na" END + GOOD, "1000-2500 b;", 1, 0},
+    {"a ninth digit", "00:00:01.000,00:00:02.50\r\na" END + GOOD, "1000-2500 b;", 1, 0},
+    {"a colon out of place", "00:0:001.00,00:00:02.50" END + GOOD, "1000-2500 b;", 1, 0},
+    {"a dot out of place", "00.00:01.00,00:00:02.50" END + GOOD, "1000-2500 b;", 1, 0},
+    {"a start time only", "00:00:01.00\r\na" END + GOOD, "1000-2500 b;", 1, 0},
+    {"a bad time line, and at once the frame's end", "00:00:01.00," END + GOOD, "1000-2500 b;", 1, 0},
     {"the end of the file in a bad frame", "00:00:01.00,00:00:02x\r\na", "1000-2 ;", 1, 0},
     {"the end of the file in a time line", "00:00:01.00,00:00:02.50", "", 0, 0},
     {"the end of the file in a text", TIMES + "a b", "1000-2500 a b;", 0, 0},
     {"the end of the file in a bracket", TIMES + "a[B", "1000-2500 a;", 0, 0},
     {"no text", TIMES + "\r\n", "1000-2500 ;", 0, 0},
-    {"a break of either case", TIMES + "a[br]b[Br]c[BR]d\r\n\r\n", "1000-2500 a|b|c|d;", 0, 0},
-    {"other brackets", TIMES + "a [Music] [b] [] [BR [B\r\nc\r\n\r\n", "1000-2500 a [Music] [b] [] [BR [B|c;",
-     0, 0},
-    {"a bracket in a bracket", TIMES + "a[B[br]b\r\n\r\n", "1000-2500 a|[Bb;", 0, 0},
-    {"a bracket that begins a line", TIMES + "[br]a\r\n\r\n", "1000-2500 [br]a;", 0, 0},
-    {"blanks are folded", TIMES + "a \t  b\r\n c \t\r\n\r\n", "1000-2500 a b|c;", 0, 0},
-    {"blanks given back are not", TIMES + "a[B  b\r\n\r\n", "1000-2500 a[B  b;", 0, 0},
-    {"a lone CR", TIMES + "a\rb\r\n\r\n", "1000-2500 a|b;", 0, 1},
+    {"a break of either case", TIMES + "a[br]b[Br]c[BR]d" END, "1000-2500 a|b|c|d;", 0, 0},
+    {"other brackets", TIMES + "a [Music] [b] [] [BR [B\r\nc" END, "1000-2500 a [Music] [b] [] [BR [B|c;", 0, 0},
+    {"a bracket in a bracket", TIMES + "a[B[br]b" END, "1000-2500 a|[Bb;", 0, 0},
+    {"a bracket that begins a line", TIMES + "[br]a" END, "1000-2500 [br]a;", 0, 0},
+    {"blanks are folded", TIMES + "a \t  b\r\n c \t" END, "1000-2500 a b|c;", 0, 0},
+    {"blanks given back are not", TIMES + "a[B  b" END, "1000-2500 a[B  b;", 0, 0},
+    {"a lone CR", TIMES + "a\rb" END, "1000-2500 a|b;", 0, 1},
     {"bare LF", "00:00:01.00,00:00:02.50\na\nb\n\nc", "1000-2500 a|b||c;", 0, 3},
-    {"more lines than there are", TIMES + "1[br]2[br]3[br]4[br]5[br]6[br] 7\r\n8\r\n\r\n",
-     "1000-2500 1|2|3|4|5|6;", 0, 0},
+    {"more lines than there are", TIMES + "1[br]2[br]3[br]4[br]5[br]6[br] 7\r\n8" END, "1000-2500 1|2|3|4|5|6;", 0, 0},
 };
+// clang-format on
 
 TEST_F(SubViewer, FramesInEveryEncodingAndReadSize)
 {
-    for (int32_t iChunk : {0, 1, 2, 3, 5, 7, 511}) {
+    for (const uint32_t uiChunk : {0u, 1u, 2u, 3u, 5u, 7u, 511u}) {
+        Read_InChunks(uiChunk);
         for (const FrameCase &stCase : FRAME_CASES) {
-            for (int eEncoding = 0; eEncoding < E_ENCODING_NUMS; ++eEncoding) {
-                SCOPED_TRACE(stCase.pszWhy + " "s + std::to_string(eEncoding) + " " + std::to_string(iChunk));
-                zyr_host_setFileHook(iChunk == 0 ? nullptr : Shorten_Reads, &iChunk);
+            for (const TestEncoding eEncoding : {E_ANSI, E_UTF16LE, E_UTF16BE, E_UTF8}) {
+                SCOPED_TRACE(stCase.pszWhy + " "s + std::to_string(eEncoding) + " " +
+                             std::to_string(uiChunk));
                 ASSERT_EQ(Open(Encode(HEADER + stCase.strBody, eEncoding)), 0u);
                 EXPECT_EQ(All_Frames(), stCase.strFrames);
                 EXPECT_EQ(Count_Log(OOPS), stCase.uiOops);
                 EXPECT_EQ(Count_Log(BAD_LINE_END), stCase.uiBadLineEnds);
+                EXPECT_EQ(Next_Frame(), "none");
+                EXPECT_EQ(Count_Log("Get_CharCode() - End of Caption File!"), 1u);
             }
         }
     }
@@ -169,31 +102,32 @@ TEST_F(SubViewer, FramesInEveryEncodingAndReadSize)
 
 TEST_F(SubViewer, HeaderValues)
 {
-    static const struct {
+    struct HeaderCase {
         const char *pszWhy;
         std::string strHeader; // SUBTITLE stands before it, a frame behind it
         uint32_t uiDelay, uiColf, uiSize;
         std::string strFont;
-        uint32_t uiMessages; // of the header parser
-    } astCases[] = {
-        {"several on a line", "[COLF]&HFFFFFF,[STYLE]no,[SIZE]18,[FONT]Arial\r\n", 0, 0xFFFFFF, 18, "Arial",
-         0},
-        {"numbers", "[DELAY]12\n[SIZE]4294967297\r\n", 12, 0, 1, "", 0},
-        {"an empty number", "[DELAY]7\r\n[DELAY]\r\n", 0, 0, 0, "", 0},
-        {"no number", "[DELAY]1 5\r\n[SIZE]x\r\n", 0, 0, 0, "", 0},
-        {"lower case colour", "[COLF]&hff8000\r\n", 0, 0xFF8000, 0, "", 0},
-        {"no colours", "[COLF]&HFF8000 \r\n[COLF]FF8000\r\n[COLF]&HFF80G0\r\n", 0, 0, 0, "", 0},
-        {"unknown, empty and foreign names", "[delay]x\r\n[]x\r\n[\xC3\xA9]x\r\n[SIZ]x\r\n[SIZES]x\r\n", 0, 0,
-         0, "", 5},
-        {"a name begun again", "[DEL[SIZE]3\r\n", 0, 0, 3, "", 0},
-        {"a name cut by the line", "[SIZE\r\n]3\r\n[DELAY]4\r\n", 4, 0, 0, "", 0},
-        {"a digit inside a line", "x1 [SIZE]5\r\n", 0, 0, 5, "", 0},
-        {"a long font name", "[FONT]"s.append(600, 'f').append("\r\n"), 0, 0, 0, std::string(30, 'f'), 0},
-        {"a long name", "["s.append(499, 'n').append("]x\r\n[").append(600, 'n').append("]x\r\n[SIZE]6\r\n"),
-         0, 0, 6, "", 2},
-        {"blanks in names and values", "[CD TRACK] 1\r\n[END INFORMATION]\r\n[FONT] a b\r\n", 0, 0, 0, " a b",
-         0},
+        uint32_t uiUnknown, uiFailed; // field names that the header parser complains of
     };
+    // clang-format off
+    static const HeaderCase astCases[] = {
+        {"several on a line", "[COLF]&HFFFFFF,[STYLE]no,[SIZE]18,[FONT]Arial\r\n", 0, 0xFFFFFF, 18, "Arial", 0, 0},
+        {"numbers", "[DELAY]12\n[SIZE]4294967297\r\n", 12, 0, 1, "", 0, 0},
+        {"an empty number", "[DELAY]7\r\n[DELAY]\r\n", 0, 0, 0, "", 0, 0},
+        {"no number", "[DELAY]1 5\r\n[SIZE]x\r\n", 0, 0, 0, "", 0, 0},
+        {"lower case colour", "[COLF]&hff8000\r\n", 0, 0xFF8000, 0, "", 0, 0},
+        {"no colours", "[COLF]&HFF8000 \r\n[COLF]FF8000\r\n[COLF]&HFF80G0\r\n", 0, 0, 0, "", 0, 0},
+        {"unknown names", "[delay]x\r\n[SIZ]x\r\n[SIZES]x\r\n", 0, 0, 0, "", 3, 0},
+        {"empty and foreign names", "[]x\r\n[\xC3\xA9]x\r\n", 0, 0, 0, "", 0, 2},
+        {"a name begun again", "[DEL[SIZE]3\r\n", 0, 0, 3, "", 0, 0},
+        {"a name cut by the line", "[SIZE\r\n]3\r\n[DELAY]4\r\n", 4, 0, 0, "", 0, 0},
+        {"a digit inside a line", "x1 [SIZE]5\r\n", 0, 0, 5, "", 0, 0},
+        {"a long font name", "[FONT]"s.append(600, 'f').append("\r\n"), 0, 0, 0, std::string(30, 'f'), 0, 0},
+        {"a name of 499 units", "["s.append(499, 'n').append("]x\r\n[SIZE]6\r\n"), 0, 0, 6, "", 1, 0},
+        {"a name of 600 units", "["s.append(600, 'n').append("]x\r\n[SIZE]6\r\n"), 0, 0, 6, "", 1, 0},
+        {"blanks", "[CD TRACK] 1\r\n[END INFORMATION]\r\n[FONT] a b\r\n", 0, 0, 0, " a b", 0, 0},
+    };
+    // clang-format on
     for (const auto &stCase : astCases) {
         SCOPED_TRACE(stCase.pszWhy);
         const std::string strHeader = HEADER + stCase.strHeader;
@@ -204,7 +138,8 @@ TEST_F(SubViewer, HeaderValues)
         EXPECT_EQ(stInfo.uiSize, stCase.uiSize);
         EXPECT_EQ(std::string(stInfo.ausFontName, stInfo.ausFontName + stInfo.uiFontNameLength),
                   stCase.strFont);
-        EXPECT_EQ(Count_Log("HeaderParser_SubViewer()"), stCase.uiMessages);
+        EXPECT_EQ(Count_Log("Unknown caption field!"), stCase.uiUnknown);
+        EXPECT_EQ(Count_Log("Failed to parse the caption field!"), stCase.uiFailed);
         EXPECT_EQ(pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos,
                   static_cast<int64_t>(strHeader.size()));
         EXPECT_EQ(All_Frames(), "1000-2500 a;");
@@ -268,12 +203,12 @@ TEST_F(SubViewer, Seek)
         {"the last frame has no end: the one before it", 0, 20000, "9000-10000 9", 9000, 1},
         {"forward from the exhausted end", 9, 20000, "11000-12000 11", 11000, 0},
     };
-    for (int eEncoding = 0; eEncoding < E_ENCODING_NUMS; ++eEncoding) {
+    for (const TestEncoding eEncoding : {E_ANSI, E_UTF16LE, E_UTF16BE, E_UTF8}) {
         for (const auto &stCase : astCases) {
             SCOPED_TRACE(stCase.pszWhy + " "s + std::to_string(eEncoding));
             ASSERT_EQ(Open(Encode(SEEK_FILE, eEncoding)), 0u);
             for (uint32_t uiFrame = 0; uiFrame < stCase.uiRead; ++uiFrame) Next_Frame();
-            strLog.clear();
+            m_vecLog.clear();
             EXPECT_EQ(zyrSubtitle_seek(stCase.uiTarget), 0u);
             EXPECT_EQ(Count_Log("Seek_SubViewer() - OOPS!! ERROR!!"), stCase.uiOops);
             EXPECT_EQ(pstQuibCaptionParserInfo->iCurrPTS, stCase.iCurrPTS);
