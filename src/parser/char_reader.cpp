@@ -231,13 +231,16 @@ int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
         }
         stInfo.iStreamDataSize = stWindow.iBytes;
         stInfo.iStreamBufIndex = static_cast<int32_t>(llPos - stWindow.llStart);
-        stWindow.uiFillBytes = 0;
+        if (eReadAhead == E_READ_AHEAD_FULL) stWindow.uiFillBytes = 0;
         return llPos;
     }
     s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llPos, 0);
     if (s_llReaderPos < 0) return s_llReaderPos;
     const bool bReadingOn = bKnown && llPos >= llEnd && llPos - llEnd < NEAR_BYTES;
-    stWindow.uiFillBytes = eReadAhead == E_READ_AHEAD_FULL || bReadingOn ? 0 : SHORT_FILL_BYTES;
+    if (eReadAhead == E_READ_AHEAD_FULL)
+        stWindow.uiFillBytes = 0;
+    else if (!bReadingOn) // else reads go on growing
+        stWindow.uiFillBytes = SHORT_FILL_BYTES;
     stInfo.iStreamDataSize = 0;
     stInfo.iStreamBufIndex = 0;
     return s_llReaderPos;
