@@ -20,7 +20,7 @@ Outcome CaptionScreen::Open(const ScreenOptions &stOptions)
     m_stBackground = Make_Picture(stMode.uiWidth, stMode.uiHeight);
     if (!stOptions.strBackground.empty()) {
         Picture stFile;
-        const Outcome stRead = Read_Png(stOptions.strBackground, stFile);
+        Outcome stRead = Read_Png(stOptions.strBackground, stFile);
         if (!stRead.IsGood()) return stRead;
         m_stBackground = Scale_Picture(stFile, stMode.uiWidth, stMode.uiHeight);
     }

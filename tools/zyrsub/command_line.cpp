@@ -28,7 +28,8 @@ static constexpr const char *FRAMES_FOOTER = R"(Examples:
 
 Times are H:MM:SS.mmm, MM:SS, seconds (90 or 1.5) or milliseconds (1500ms). --from jumps as a player does,
 and where that leads differs by format: SubRip and SubViewer go on with the caption that starts at or before
-the time, SAMI with the first one from it on, SSA with the first one after it.)";
+the time, SAMI with the first one from it on. SSA looks back from its first line, and begins with the last one
+before the time or with that first line.)";
 
 static constexpr const char *RENDER_FOOTER = R"(Examples:
   zyrsub render movie.srt                                   the first caption

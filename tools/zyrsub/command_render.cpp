@@ -41,7 +41,7 @@ static Outcome Render_One(const Options &stOptions, const Timeline &stTimeline, 
                                     ? Make_PictureName(stOptions.astrMovies.front(), llMs, stMode)
                                     : stOptions.stRender.strPicture;
     if (!strCaption.empty()) stScreen.Show(strCaption);
-    const Outcome stWritten = Write_Png(strFile, stScreen.Compose());
+    Outcome stWritten = Write_Png(strFile, stScreen.Compose());
     if (!stWritten.IsGood()) return stWritten;
     const std::string strShown =
         strCaption.empty() ? "(no caption)" : Join_Lines(Split_Lines(strCaption), " / ");
@@ -110,7 +110,7 @@ static Outcome Render_Sheet(const Options &stOptions, const Timeline &stTimeline
         stWriter.Write_Band(stBand);
     }
     stWriter.Write_Band(Make_Grey(SHEET_WIDTH, CELL_GAP));
-    const Outcome stWritten = stWriter.Finish();
+    Outcome stWritten = stWriter.Finish();
     if (stWritten.IsGood())
         std::printf("%s  %zu frames  %s\n", stOptions.stRender.strSheet.c_str(), apstFrames.size(),
                     stOptions.stScreen.pstOutput->pszName);

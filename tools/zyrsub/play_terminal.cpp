@@ -76,39 +76,46 @@ static PlayCommand Wait_Key(bool bTerminal)
     return E_PLAY_NOTHING;
 }
 
-static void Print_Change(const Playback &stPlayback, const std::string &strCaption)
+static std::string Format_Change(const Playback &stPlayback, const std::string &strCaption)
 {
-    const std::string strText = Join_Lines(Split_Lines(Make_Printable(strCaption)), " / ");
-    std::printf("%s  %s\n", Format_Time(static_cast<int32_t>(stPlayback.Get_Position())).c_str(),
-                strText.c_str());
-    std::fflush(stdout);
+    return Format_Time(static_cast<int32_t>(stPlayback.Get_Position())) + "  " +
+           Join_Lines(Split_Lines(Make_Printable(strCaption)), " / ") + "\n";
 }
 
-static void Draw_Screen(const Playback &stPlayback, const std::string &strCaption)
+static std::string Format_Screen(const Playback &stPlayback, const std::string &strCaption)
 {
-    std::printf("\x1b[H%s\x1b[K\n\x1b[K\n", stPlayback.Describe().c_str());
+    std::string strText = "\x1b[H" + stPlayback.Describe() + "\x1b[K\n\x1b[K\n";
     for (const std::string &strLine : Split_Lines(Make_Printable(strCaption)))
-        std::printf("    %s\x1b[K\n", strLine.c_str());
-    std::printf("\x1b[J\n\nspace pause   left/right 5 s   up/down 1 min   l language   q quit");
-    std::fflush(stdout);
+        strText.append("    ").append(strLine).append("\x1b[K\n");
+    return strText + "\x1b[J\n\nspace pause   left/right 5 s   up/down 1 min   l language   q quit";
 }
 
-static void Show_Change(const TerminalSession &stSession, const Playback &stPlayback, std::string &strShown)
+// What was shown last, to print only what is new.
+struct Shown {
+    std::string strCaption;
+    std::string strScreen;
+};
+
+static void Show_Change(const TerminalSession &stSession, const Playback &stPlayback, Shown &stShown)
 {
     const std::string strCaption = stPlayback.Get_Caption();
-    if (stSession.IsActive())
-        Draw_Screen(stPlayback, strCaption);
-    else if (strCaption != strShown)
-        Print_Change(stPlayback, strCaption);
-    strShown = strCaption;
+    if (stSession.IsActive()) {
+        const std::string strScreen = Format_Screen(stPlayback, strCaption);
+        if (strScreen != stShown.strScreen) std::fputs(strScreen.c_str(), stdout);
+        stShown.strScreen = strScreen;
+    } else if (strCaption != stShown.strCaption) {
+        std::fputs(Format_Change(stPlayback, strCaption).c_str(), stdout);
+    }
+    stShown.strCaption = strCaption;
+    std::fflush(stdout);
 }
 
 Outcome Play_Terminal(Playback &stPlayback)
 {
     using Clock = std::chrono::steady_clock;
     const TerminalSession stSession;
-    std::string strShown;
-    Show_Change(stSession, stPlayback, strShown);
+    Shown stShown;
+    Show_Change(stSession, stPlayback, stShown);
     auto stLast = Clock::now();
     while (s_iStopped == 0 && !stPlayback.Is_AtEnd()) {
         const PlayCommand eCommand = Wait_Key(stSession.IsActive());
@@ -117,10 +124,10 @@ Outcome Play_Terminal(Playback &stPlayback)
         const auto stNow = Clock::now();
         bool bMore = stPlayback.Advance(std::chrono::duration<double, std::milli>(stNow - stLast).count());
         stLast = stNow;
-        Show_Change(stSession, stPlayback, strShown);
+        Show_Change(stSession, stPlayback, stShown);
         for (; bMore && s_iStopped == 0; bMore = stPlayback.Advance(0))
-            Show_Change(stSession, stPlayback, strShown);
+            Show_Change(stSession, stPlayback, stShown);
     }
-    Show_Change(stSession, stPlayback, strShown);
+    Show_Change(stSession, stPlayback, stShown);
     return {};
 }

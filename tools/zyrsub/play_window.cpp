@@ -93,10 +93,11 @@ static Outcome Change_Output(WindowPlay &stPlay)
     const OutputMode *pstNext = stPlay.stScreenOptions.pstOutput + 1;
     stPlay.stScreenOptions.pstOutput =
         pstNext == astModes.data() + astModes.size() ? astModes.data() : pstNext;
-    const Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
+    Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
     if (!stOpened.IsGood()) return stOpened;
     const WindowSize stSize = Fit_Window(stPlay.stScreen);
     SDL_SetWindowSize(stPlay.pstWindow.get(), stSize.iWidth, stSize.iHeight);
+    SDL_SetWindowPosition(stPlay.pstWindow.get(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
     stPlay.strShown.clear();
     stPlay.bRedraw = true;
     return {};
@@ -114,12 +115,10 @@ static Outcome Handle_Event(WindowPlay &stPlay, const SDL_Event &stEvent)
     return {};
 }
 
-// The title shows whole tenths of a second, so that it does not flicker.
 static void Update_Title(WindowPlay &stPlay)
 {
-    std::string strTime = stPlay.stPlayback.Describe();
-    strTime.erase(strTime.find('.') + 2, 2);
-    const std::string strTitle = strTime + "  " + stPlay.stScreenOptions.pstOutput->pszName + "  " +
+    const std::string strTitle = stPlay.stPlayback.Describe() + "  " +
+                                 stPlay.stScreenOptions.pstOutput->pszName + "  " +
                                  stPlay.stOptions.astrMovies.front();
     if (strTitle == stPlay.strTitle) return;
     stPlay.strTitle = strTitle;
@@ -147,7 +146,7 @@ static Outcome Run_Loop(WindowPlay &stPlay)
     while (!stPlay.bQuit) {
         SDL_Event stEvent;
         for (int iWait = POLL_MS; !stPlay.bQuit && SDL_WaitEventTimeout(&stEvent, iWait) != 0; iWait = 0) {
-            const Outcome stHandled = Handle_Event(stPlay, stEvent);
+            Outcome stHandled = Handle_Event(stPlay, stEvent);
             if (!stHandled.IsGood()) return stHandled;
         }
         const uint64_t ullNow = SDL_GetTicks64();
@@ -169,7 +168,7 @@ Outcome Play_Window(const Options &stOptions, Playback &stPlayback)
                 std::string("no window can be opened (") + SDL_GetError() + "); try --terminal"};
     WindowPlay stPlay{stOptions, stPlayback, stOptions.stScreen, {}, {nullptr, SDL_DestroyWindow}, "", "",
                       true,      false};
-    const Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
+    Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
     if (!stOpened.IsGood()) return stOpened;
     const WindowSize stSize = Fit_Window(stPlay.stScreen);
     stPlay.pstWindow.reset(SDL_CreateWindow("zyrsub", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,

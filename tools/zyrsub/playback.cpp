@@ -59,6 +59,7 @@ void Playback::Apply(PlayCommand eCommand)
 std::string Playback::Describe() const
 {
     std::string strText = Format_Time(static_cast<int32_t>(Get_Position()));
+    strText.resize(strText.size() - 2);
     if (m_astrLanguages.size() > 1)
         strText += "  " + (m_uiStream == ALL_STREAMS ? Join_Lines(m_astrLanguages, " + ")
                                                      : m_astrLanguages[m_uiStream]);

@@ -39,7 +39,7 @@ public:
     bool Is_Paused() const { return m_bPaused; }
     bool Is_AtEnd() const { return Get_Position() >= m_stTimeline.Get_End(); }
 
-    // "0:00:05.000  KRCC  paused"
+    // "0:00:05.0  KRCC  paused": whole tenths of a second, so that it can be read while it runs
     std::string Describe() const;
 
 private:

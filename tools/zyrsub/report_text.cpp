@@ -32,21 +32,16 @@ static void Print_Classes(const SubtitleSource &stSource)
     const std::vector<LanguageClass> astClasses = stSource.List_Classes();
     for (size_t uiClass = 0; uiClass < astClasses.size(); ++uiClass) {
         const LanguageClass &stClass = astClasses[uiClass];
-        std::string strText = std::to_string(stClass.uiFrames);
+        const std::string strFrames = std::to_string(stClass.uiFrames);
+        std::string strText = strFrames;
         if (bSami)
-            strText =
-                std::to_string(uiClass) + "  " + Show_ClassName(stClass.strName) + "  " + strText + " frames";
+            strText = std::to_string(uiClass) + "  " + Show_ClassName(stClass.strName) + "  " + strFrames +
+                      " frames";
         if (stClass.uiFrames > 0)
             strText += ", " + Format_Time(stClass.iFirst) + " to " + Format_Time(stClass.iLast);
         if (!stClass.astrFolded.empty()) strText += ", with " + Join_Lines(stClass.astrFolded, " ");
         Print_Row(bSami ? "class" : "frames", strText);
     }
-}
-
-// SSA writes a colour blue first.
-static std::string Format_SsaColor(uint32_t uiColor)
-{
-    return Format_Color24((uiColor & 0xFF) << 16 | (uiColor & 0xFF00) | (uiColor >> 16 & 0xFF));
 }
 
 static void Print_SsaHeader(const SubtitleSource &stSource)
@@ -59,7 +54,7 @@ static void Print_SsaHeader(const SubtitleSource &stSource)
         const SSAStyleInfo &stNumbers = *stStyle.pstNumbers;
         std::string strText = stStyle.strName + ": " + stStyle.strFont + " " +
                               std::to_string(stNumbers.uiFontSize) + " " +
-                              Format_SsaColor(stNumbers.uiPrimaryColour);
+                              Format_Color24(stNumbers.uiPrimaryColour);
         if (stNumbers.uiBold != 0) strText += " bold";
         if (stNumbers.uiItalic != 0) strText += " italic";
         Print_Row("style", strText + " alignment " + std::to_string(stNumbers.uiAlignment));

@@ -77,7 +77,7 @@ Outcome SubtitleSource::Open(const std::string &strMovie)
     zyr_host_setLineEnds(m_stOptions.bRawLineEnds ? 0 : 1);
     const std::string strEnding = Fold_Case(Get_Ending(strMovie), std::tolower);
     const bool bSubtitle = Find_Format(strEnding) != E_CAPTION_FORMAT_NONE;
-    const Outcome stOpened = bSubtitle ? Open_File(strMovie, strEnding) : Open_Beside(strMovie);
+    Outcome stOpened = bSubtitle ? Open_File(strMovie, strEnding) : Open_Beside(strMovie);
     return stOpened.IsGood() ? Select_Classes() : stOpened;
 }
 
@@ -93,7 +93,7 @@ Outcome SubtitleSource::Open_File(const std::string &strFile, const std::string 
     m_strFile = strFile;
     const std::string strName = PRIVATE_BASE + strEnding;
     zyr_host_mapFile(strName.c_str(), strFile.c_str());
-    const Outcome stOpened = Open_Engine(std::string(PRIVATE_BASE) + ".movie");
+    Outcome stOpened = Open_Engine(std::string(PRIVATE_BASE) + ".movie");
     zyr_host_mapFile(strName.c_str(), nullptr);
     return stOpened;
 }
