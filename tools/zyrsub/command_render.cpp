@@ -15,7 +15,7 @@ static constexpr uint32_t CELL_GAP = 12;
 static constexpr uint32_t LABEL_HEIGHT = 40;
 static constexpr uint32_t RULE_HEIGHT = 2;
 static constexpr uint32_t SHEET_WIDTH = SHEET_COLUMNS * (CELL_WIDTH + CELL_GAP) + CELL_GAP;
-static constexpr uint32_t MAX_SHEET_ROWS = 4000;
+static constexpr uint32_t MAX_SHEET_ROWS = 2500; // a PNG is at most a million pixels high
 
 // movie.srt at 1500 ms becomes movie-1500-lcd.png, in the current folder.
 static std::string Make_PictureName(const std::string &strMovie, int64_t llMs, const OutputMode &stMode)
@@ -61,12 +61,14 @@ static Picture Make_Grey(uint32_t uiWidth, uint32_t uiHeight)
     return stPicture;
 }
 
-// One cell: the display made small, and the frame's time below it.
+// One cell: the display made small, and the frame's time below it. A frame that ends before it begins is
+// never on screen, and is drawn all the same.
 static Picture Draw_Cell(const Timeline &stTimeline, const Frame &stFrame, CaptionScreen &stScreen)
 {
     const uint32_t uiHeight = CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width();
     Picture stCell = Make_Picture(CELL_WIDTH, uiHeight + LABEL_HEIGHT);
-    stScreen.Show(stTimeline.Get_Caption(stFrame.iStart));
+    const std::string strCaption = stTimeline.Get_Caption(stFrame.iStart);
+    stScreen.Show(strCaption.empty() ? Join_Lines(stFrame.astrLines, "\n") : strCaption);
     Paste_Picture(stCell, Scale_Picture(stScreen.Compose(), CELL_WIDTH, uiHeight), 0, 0);
     Paste_Picture(stCell, Make_Grey(CELL_WIDTH, RULE_HEIGHT), 0, uiHeight);
     stScreen.Show(Format_Time(stFrame.iStart));
@@ -86,12 +88,21 @@ static void Show_Progress(size_t uiDone, size_t uiAll)
                  uiDone == uiAll ? "\n" : "");
 }
 
+// A frame with text for every time at which one starts.
+static std::vector<const Frame *> List_Moments(const Timeline &stTimeline)
+{
+    std::vector<const Frame *> apstFrames;
+    for (const Frame &stFrame : stTimeline.Get_Frames()) {
+        const bool bSame = !apstFrames.empty() && apstFrames.back()->iStart == stFrame.iStart;
+        if (!stFrame.astrLines.empty() && !bSame) apstFrames.push_back(&stFrame);
+    }
+    return apstFrames;
+}
+
 // Row by row, so that a long film needs no more memory than a short one.
 static Outcome Render_Sheet(const Options &stOptions, const Timeline &stTimeline, CaptionScreen &stScreen)
 {
-    std::vector<const Frame *> apstFrames;
-    for (const Frame &stFrame : stTimeline.Get_Frames())
-        if (!stFrame.astrLines.empty()) apstFrames.push_back(&stFrame);
+    const std::vector<const Frame *> apstFrames = List_Moments(stTimeline);
     if (apstFrames.empty()) return {E_EXIT_SOME_FAILED, "there is no caption to draw"};
     const size_t uiRows = (apstFrames.size() + SHEET_COLUMNS - 1) / SHEET_COLUMNS;
     if (uiRows > MAX_SHEET_ROWS) return {E_EXIT_SOME_FAILED, "too many frames for one sheet"};
@@ -112,7 +123,7 @@ static Outcome Render_Sheet(const Options &stOptions, const Timeline &stTimeline
     stWriter.Write_Band(Make_Grey(SHEET_WIDTH, CELL_GAP));
     Outcome stWritten = stWriter.Finish();
     if (stWritten.IsGood())
-        std::printf("%s  %zu frames  %s\n", stOptions.stRender.strSheet.c_str(), apstFrames.size(),
+        std::printf("%s  %zu captions  %s\n", stOptions.stRender.strSheet.c_str(), apstFrames.size(),
                     stOptions.stScreen.pstOutput->pszName);
     return stWritten;
 }
