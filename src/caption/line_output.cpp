@@ -204,7 +204,7 @@ AppendResult Append_Utf16Line(QuibCaptionParserInfo &stInfo, const uint16_t *pus
         Put_Byte(stInfo, 0);
     }
     if (stInfo.uiOutTextLength + 2 * uiUnits > TEXT_BYTES) return E_APPEND_STOP;
-    std::memcpy(stInfo.aucOutText + stInfo.uiOutTextLength, pusUnits, 2 * uiUnits);
+    std::memcpy(stInfo.aucOutText + stInfo.uiOutTextLength, pusUnits, size_t{2} * uiUnits);
     stInfo.uiOutTextLength += 2 * uiUnits;
     return E_APPEND_DONE;
 }

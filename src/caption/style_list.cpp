@@ -11,6 +11,7 @@ constexpr uint32_t FIRST_STYLES = 16;  // more than most files have
 constexpr uint32_t MOST_STYLES = 2048; // of one block: about half a megabyte
 constexpr uint32_t WALKED_STYLES = 8;  // so few are walked faster than looked up
 constexpr size_t UNIT_BYTES = sizeof(uint16_t);
+constexpr uint32_t ENTRY_POINTER_BYTES = sizeof(void *);
 
 /** A node of the record's list and its place there. */
 struct StyleEntry {
@@ -99,7 +100,7 @@ void Sort_ByName(StyleEntry **papstEntry, StyleEntry **papstScratch, uint32_t ui
             Merge_Runs(papstEntry + uiStart, uiRun < uiLeft ? uiRun : uiLeft,
                        2 * uiRun < uiLeft ? 2 * uiRun : uiLeft, papstScratch + uiStart);
         }
-        std::memcpy(papstEntry, papstScratch, uiNums * sizeof(*papstEntry));
+        std::memcpy(papstEntry, papstScratch, size_t{uiNums} * ENTRY_POINTER_BYTES);
     }
 }
 
@@ -163,8 +164,8 @@ void Index_Styles()
     Drop_Index();
     const uint32_t uiNums = s_stStyles.uiStyles;
     if (uiNums <= WALKED_STYLES) return;
-    StyleEntry **const papstIndex = static_cast<StyleEntry **>(
-        QUIBCAPTCB_Allocate_Memory(static_cast<uint32_t>(2 * uiNums * sizeof(StyleEntry *))));
+    StyleEntry **const papstIndex =
+        static_cast<StyleEntry **>(QUIBCAPTCB_Allocate_Memory(2 * uiNums * ENTRY_POINTER_BYTES));
     if (papstIndex == nullptr) return;
     uint32_t uiEntry = 2 * uiNums;
     for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr; pstBlock = pstBlock->pstOlder)
@@ -172,7 +173,7 @@ void Index_Styles()
             papstIndex[--uiEntry] = Get_Entries(pstBlock) + uiPos;
     Sort_ByName(papstIndex + uiNums, papstIndex, uiNums);
     for (uint32_t uiPos = uiNums; --uiPos > 0;)
-        papstIndex[uiPos] = Get_Earlier(papstIndex[2 * uiPos], papstIndex[2 * uiPos + 1]);
+        papstIndex[uiPos] = Get_Earlier(papstIndex[size_t{2} * uiPos], papstIndex[size_t{2} * uiPos + 1]);
     s_stStyles.papstIndex = papstIndex;
     s_stStyles.uiIndexed = uiNums;
 }

@@ -1,5 +1,6 @@
 // Finding and opening the subtitle file of a movie, and what the player is told of it.
 
+#include <algorithm>
 #include <cstring>
 #include <ctime>
 
@@ -48,7 +49,7 @@ size_t Copy_BaseName(const char *pszMovieFileName)
         pszDot == nullptr ? std::strlen(pszMovieFileName) : static_cast<size_t>(pszDot - pszMovieFileName);
     char *const szName = pstQuibCaptionParserInfo->szSubtitleFileName;
     std::memset(szName, 0, ZYR_FILE_NAME_BYTES);
-    if (uiLen <= BASE_NAME_MAX) std::memcpy(szName, pszMovieFileName, uiLen);
+    if (uiLen <= BASE_NAME_MAX) std::copy_n(pszMovieFileName, uiLen, szName);
     return uiLen;
 }
 

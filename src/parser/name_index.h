@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 
 /** Hash of a name; bFold: the same for both cases of ASCII letters. */
 template <typename Unit>
@@ -52,7 +53,7 @@ private:
     static bool Is_Name(const char *pszName, const Unit *pName, uint32_t uiLen)
     {
         for (uint32_t uiPos = 0; uiPos < uiLen; ++uiPos) {
-            uint32_t uiUnit = static_cast<uint32_t>(pName[uiPos]);
+            uint32_t uiUnit = static_cast<std::make_unsigned_t<Unit>>(pName[uiPos]);
             uint32_t uiOwn = static_cast<uint8_t>(pszName[uiPos]);
             if (FOLD && uiUnit - 'a' < 26) uiUnit -= 'a' - 'A';
             if (FOLD && uiOwn - 'a' < 26) uiOwn -= 'a' - 'A';

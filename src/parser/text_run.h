@@ -121,13 +121,13 @@ inline PlainRun Take_UnitRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uin
     const uint32_t uiEnd = uiHeld < uiMax ? uiHeld : uiMax;
     uint32_t uiUnits = 0;
     while (uiUnits < uiEnd) {
-        const uint8_t *const pucUnit = pucBytes + 2 * uiUnits;
+        const uint8_t *const pucUnit = pucBytes + size_t{2} * uiUnits;
         uint32_t uiPlain =
             uiEnd - uiUnits >= BLOCK_UNITS ? Find_StopUnit<STOPS>(pucUnit, bBigEndian, bPrevBlank) : 1;
         const bool bStop = uiPlain < BLOCK_UNITS && uiEnd - uiUnits >= BLOCK_UNITS;
         for (uint32_t uiIndex = 0; uiIndex < uiPlain; ++uiIndex) {
-            const uint32_t uiFirst = pucUnit[2 * uiIndex];
-            const uint32_t uiSecond = pucUnit[2 * uiIndex + 1];
+            const uint32_t uiFirst = pucUnit[size_t{2} * uiIndex];
+            const uint32_t uiSecond = pucUnit[size_t{2} * uiIndex + 1];
             pusTarget[uiUnits + uiIndex] =
                 static_cast<uint16_t>(bBigEndian ? (uiFirst << 8) | uiSecond : (uiSecond << 8) | uiFirst);
         }
@@ -252,7 +252,7 @@ inline const uint8_t *Skip_Utf16Run(const uint8_t *pucByte, const uint8_t *pucEn
     const bool bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
     while (pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES)) {
         const uint32_t uiPlain = Find_StopUnit<STOPS>(pucByte, bBigEndian, false);
-        pucByte += 2 * uiPlain;
+        pucByte += size_t{2} * uiPlain;
         if (uiPlain < BLOCK_UNITS) return pucByte;
     }
     for (; pucEnd - pucByte >= 2; pucByte += 2) {
