@@ -19,9 +19,21 @@
 
 #include <stdint.h>
 
+#include "zyr/zyr_version.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* --------------------------------------------------------------------------------------------------- version
+ */
+
+/** The version of this header. */
+#define ZYR_HOST_VERSION ZYR_VERSION
+
+/** @return the version of the library that runs, to be compared with ZYR_HOST_VERSION; bits 16 and up the
+ * major number, 8 to 15 the minor one, 0 to 7 the patch. */
+uint32_t zyr_host_version(void);
 
 /* ------------------------------------------------------------------------------------------------------- log
  */
