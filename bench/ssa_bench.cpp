@@ -110,7 +110,7 @@ void Read_File(const std::string &strPath, bool bNaive)
     for (ssize_t iRead = 0; (iRead = read(iFile, vucBlock.data(), BLOCK_BYTES)) > 0;)
         for (ssize_t iPos = 0; bNaive && iPos < iRead; ++iPos) {
             const uint8_t ucByte = vucBlock[static_cast<size_t>(iPos)];
-            if (ucByte == "\r\n"[uiMatched])
+            if (ucByte == (uiMatched == 0 ? 0x0D : 0x0A))
                 uiMatched ^= 1;
             else
                 uiMatched = 0;
