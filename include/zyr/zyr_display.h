@@ -1,13 +1,13 @@
 /* Captions on the display.
  *
  *  1. One caption layer, one player: every call comes from one thread at a time. Nothing here starts a thread
- * or takes a lock.
- *  2. zyr_display_open() comes first, zyr_display_close() last. Calls in between the wrong way round are
- * refused with a code and change nothing on the display.
+ *     or takes a lock.
+ *  2. zyr_display_open() comes first, zyr_display_close() last. Calls on a closed display are refused with a
+ *     code.
  *  3. Strings are UTF-16 units that end with a 0 unit. They are read during the call and never kept.
  *  4. Sizes and positions are pixels of the display; x runs to the right, y downwards.
  *  5. Results: 0 is success. -1 general failure, -2 invalid argument, -4 no caption memory, -7 no caption
- * device. Every failure is also written to the system log, at priority 6 and without a tag.
+ *     device. Every failure is also written to the system log, at priority 6 and without a tag.
  */
 #ifndef ZYR_DISPLAY_H
 #define ZYR_DISPLAY_H
@@ -87,12 +87,12 @@ ZYR_API int32_t zyr_display_clearString(void);
  * Show a string in place of the one before, centred above the bottom of the display.
  *
  * Lines end at a newline, and after the character with which they reach the width of the output; such a line
- * is tightened to fit. There are at most 60 lines, and no more than the caption memory holds at the string's
- * width (1,047,896 pixels); what is below is cut off.
+ * is tightened to fit. There are at most 60 lines, and no more rows than a buffer of 1,047,896 pixels holds
+ * at the string's width; what is below is cut off.
  *
  * @param[in] pusString  the text, ended by a 0 unit
- * @param[in] iLength    units to show, newlines included; the last line is shown only if this is not more
- * than the string has. 0 or less: an empty box
+ * @param[in] iLength    units to show, newlines included. More than the string has hides its last line unless
+ *                       a newline ends that; 0 or less shows an empty box
  *
  * @return 0   shown
  *         -2  pusString is NULL; the display stays as it is

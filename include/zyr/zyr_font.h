@@ -8,13 +8,13 @@
  *  2. zyr_font_init() comes first and starts all three families; zyr_font_close() is last.
  *  3. Pixels are written as the 16-bit numbers given as colours, whatever they mean to the display.
  *  4. Pixel (x, y) of the destination is element y * pitch + x of the buffer; the pitch counts pixels, not
- * bytes. Nothing is ever written outside the region of width x height pixels; what lies outside is cut off.
- * Coordinates are taken as signed 32-bit numbers, so that 0xFFFFFFFF is the column left of the region.
+ *     bytes. Nothing is ever written outside the region of width x height pixels; what lies outside is cut
+ *     off. Coordinates are taken as signed 32-bit numbers: 0xFFFFFFFF is the column left of the region.
  *  5. Buffers, strings and bitmaps belong to the caller. Only the destination buffer is kept, until
  *     zyr_fontDraw_close() or until another one is set.
  *  6. Results: 0 or a non-negative advance is success. -1 general failure, -2 invalid argument, -3 no region
- * to read or draw in, -4 glyph not rendered, -5 glyph beyond the region's right edge. Failures of zyr_font_*
- * and zyr_fontDraw_* are also written to the system log, at priority 6 and without a tag.
+ *     to read or draw in, -4 glyph not rendered, -5 glyph beyond the region's right edge. Failures of
+ *     zyr_font_* and zyr_fontDraw_* are also written to the system log, at priority 6 and without a tag.
  */
 #ifndef ZYR_FONT_H
 #define ZYR_FONT_H
@@ -77,8 +77,8 @@ ZYR_API int32_t zyr_font_setDirection(uint32_t uiDirection, uint32_t uiAlign);
 /**
  * Set the size of glyphs and of the cells they stand in.
  *
- * @param[in] uiMode      0 normal, 1 half (width, or height in vertical writing), 2 quarter (both), 3 double
- * width, 4 double height, 5 both doubled
+ * @param[in] uiMode      0 normal, 1 half (width, or height in vertical writing), 2 quarter (both),
+ *                        3 double width, 4 double height, 5 both doubled
  * @param[in] uiWidth     of a normal glyph, pixels
  * @param[in] uiHeight    of a normal glyph, pixels
  * @param[in] uiSpacingX  added to the cell's width, pixels; the glyph stands in the middle
@@ -100,12 +100,12 @@ ZYR_API int32_t zyr_font_setFontSize(uint32_t uiMode, uint32_t uiWidth, uint32_t
  *
  * @param[in]  pusString     the text, ended by a 0 unit
  * @param[in]  iLength       units to take, newlines included; 0 or less takes none. Where the string ends
- * before that, its last line counts only if a newline ends it
+ *                           before that, its last line counts only if a newline ends it
  * @param[in]  uiLineHeight  pixels
  * @param[out] puiWidth      widest line in pixels, at most the region's width; may be NULL
  * @param[out] puiHeight     lines x uiLineHeight; may be NULL
  * @param[out] puiLineWidth  room for 60 widths in pixels, one per line, as measured; entries past the last
- * line are not written; may be NULL
+ *                           line are not written; may be NULL
  *
  * @return 0   measured
  *         -2  pusString is NULL; nothing is written
@@ -135,21 +135,20 @@ ZYR_API int32_t zyr_font_displayString(const uint16_t *pusString, int32_t iLengt
 /**
  * Draw one character cell: background, glyph, lines.
  *
- * @param[in] uiAttr        box lines 0x01 bottom, 0x02 right, 0x04 top, 0x08 left; 0x20 underline; 0x10
- * leaves the glyph out
+ * @param[in] uiAttr        box lines 0x01 bottom, 0x02 right, 0x04 top, 0x08 left; 0x20 underline;
+ *                          0x10 leaves the glyph out
  * @param[in] usNonSpacing  a character drawn beneath the other at the same place; 0 for none
  * @param[in] usChar        the character
  * @param[in] uiX           position of the cell, see zyr_font_setDirection()
  * @param[in] uiY
  *
- * @return the advance in pixels: the glyph's height in vertical writing, else its width, spacing not
- * included; or the negative result of zyr_fontFT_drawChar() for usChar, with the background drawn
+ * @return the advance in pixels: the glyph's height in vertical writing, else its width, without spacing; or
+ *         the negative result of zyr_fontFT_drawChar() for usChar, with the background drawn
  */
 ZYR_API int32_t zyr_font_displayChar(uint32_t uiAttr, uint16_t usNonSpacing, uint16_t usChar, uint32_t uiX,
                                      uint32_t uiY);
 
-/** Draw the background of one character cell; uiAttr is not used. @return the advance, as
- * zyr_font_displayChar() */
+/** Draw the background of one character cell; uiAttr is not used. @return as zyr_font_displayChar() */
 ZYR_API int32_t zyr_font_clearChar(uint32_t uiAttr, uint32_t uiX, uint32_t uiY);
 
 /** Open the font file; a font that is open is closed first. @return 0, or -1 when that fails */
@@ -162,7 +161,8 @@ ZYR_API int32_t zyr_fontFT_close(void);
  * Set the pixel size of the font and with it the baseline.
  *
  * @return 0   set
- *         -1  refused (the largest size is a little over 2,000 pixels), no font, or a font without height
+ *         -1  no font, a font without height, or a size that FreeType refuses: with equal sides, below 6 and
+ *             above 2172 pixels. The size of before may be lost; the baseline stays
  *         -2  width or height is 0; the size before stays
  */
 ZYR_API int32_t zyr_fontFT_setFontSize(uint32_t uiWidth, uint32_t uiHeight);
@@ -234,8 +234,7 @@ ZYR_API int32_t zyr_fontDraw_clearFontBG(uint32_t uiX, uint32_t uiY, uint32_t ui
 ZYR_API int32_t zyr_fontDraw_drawHighlighting(uint32_t uiX, uint32_t uiY, uint32_t uiWidth, uint32_t uiHeight,
                                               uint32_t uiFlags);
 
-/** Draw the last row of a rectangle in the font colour. @return 0, or -2 if a side is 0 or there is no buffer
- */
+/** Draw a rectangle's last row in the font colour. @return 0, or -2 if a side is 0 or there is no buffer */
 ZYR_API int32_t zyr_fontDraw_drawUnderline(uint32_t uiX, uint32_t uiY, uint32_t uiWidth, uint32_t uiHeight);
 
 /**

@@ -12,17 +12,16 @@ constexpr char CAPTION_DEVICE[] = "/dev/ccfb";
 constexpr char CAPTION_REGION[] = "overlay1";
 
 /* The mapping: two drawing buffers, and behind them the small one that is shown in place of a caption. */
-constexpr uint32_t MAPPING_BYTES = 4 * 1024 * 1024;
-constexpr uint32_t DRAW_BUFFER_BYTES = CAPTION_BUFFER_PIXELS * sizeof(uint16_t);
+constexpr uint32_t MAPPING_BYTES = 0x400000;
+constexpr uint32_t DRAW_BUFFER_BYTES = sizeof(uint16_t) * CAPTION_BUFFER_PIXELS;
 constexpr uint32_t CLEAR_BUFFER_OFFSET = 2 * DRAW_BUFFER_BYTES;
 constexpr uint32_t CLEAR_BUFFER_BYTES = 2710;
 constexpr uint32_t CLEAR_SIDE = 32; // pixels of it that are shown, across and down
 static_assert(CLEAR_BUFFER_OFFSET + CLEAR_BUFFER_BYTES <= MAPPING_BYTES);
-static_assert(CLEAR_SIDE * CLEAR_SIDE * sizeof(uint16_t) <= CLEAR_BUFFER_BYTES);
+static_assert(sizeof(uint16_t) * CLEAR_SIDE * CLEAR_SIDE <= CLEAR_BUFFER_BYTES);
 
 constexpr uint16_t CAPTION_COLOR = 0x8410;
 constexpr uint16_t CAPTION_BACKGROUND = 0;
-constexpr uint32_t MAX_LINE_NUMS = 60;
 
 static int32_t g_iCCFBHandle; // 0 = not open
 
@@ -118,7 +117,8 @@ static void Set_Buffers(uint32_t uiPhysBase)
     uint8_t *pucBase = static_cast<uint8_t *>(g_pCCFBMem);
     for (uint32_t uiBuffer = 0; uiBuffer < 2; ++uiBuffer) {
         g_auiBufPhys[uiBuffer] = uiPhysBase + uiBuffer * DRAW_BUFFER_BYTES;
-        g_apusBufVirt[uiBuffer] = reinterpret_cast<uint16_t *>(pucBase + uiBuffer * DRAW_BUFFER_BYTES);
+        g_apusBufVirt[uiBuffer] =
+            reinterpret_cast<uint16_t *>(pucBase + size_t{uiBuffer} * DRAW_BUFFER_BYTES);
         memset(g_apusBufVirt[uiBuffer], 0, DRAW_BUFFER_BYTES);
     }
     g_uiClearBufPhys = uiPhysBase + CLEAR_BUFFER_OFFSET;
@@ -295,7 +295,7 @@ static uint32_t Cut_Height(uint32_t uiWidth, uint32_t uiHeight)
 }
 
 /* A region of no size is refused by the font layer, which then keeps the one it had, and that may be a
- * caller's own. Whatever it is, drawing stays inside the buffer. @return false when it cannot */
+ * caller's own. Whatever it is, drawing stays inside the buffer. @return false when nothing of it fits */
 static bool Keep_RegionInBuffer()
 {
     uint32_t uiWidth = 0;

@@ -63,8 +63,7 @@ static void Fill_Rect(int64_t llX, int64_t llY, uint32_t uiWidth, uint32_t uiHei
         Fill_Pixels(Get_Row(uiRow) + stColumns.uiFirst, stColumns.uiEnd - stColumns.uiFirst, usColor);
 }
 
-/* Coordinates arrive as unsigned numbers; one left of or above the region is a negative number in disguise.
- */
+/* Coordinates arrive unsigned; one left of or above the region is a negative number in disguise. */
 static int64_t To_Signed(uint32_t uiCoordinate)
 {
     return static_cast<int32_t>(uiCoordinate);
@@ -193,8 +192,8 @@ int32_t zyr_fontDraw_drawUnderline(uint32_t uiX, uint32_t uiY, uint32_t uiWidth,
     return 0;
 }
 
-/* Eight pixels at once: a vector of the compiler's, which becomes one SSE2 or NEON register where there is
- * one. */
+/* Eight pixels at once: a vector of the compiler's, which becomes one register where there is SSE2 or NEON.
+ */
 typedef uint16_t EightPixels __attribute__((vector_size(16)));
 constexpr EightPixels BitOfPixel = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
 
@@ -208,8 +207,7 @@ static void Draw_EightPixels(uint16_t *pusPixels, uint8_t ucBits, EightPixels us
     memcpy(pusPixels, &usPixels, sizeof(usPixels));
 }
 
-/* The visible part of a bitmap: bits stBits of its rows. Column 0 stands at llX of a region of uiColumns
- * columns. */
+/* The visible part of a bitmap: bits stBits of its rows. Its bit 0 stands at llX in a region of uiColumns. */
 struct ClippedBitmap {
     int64_t llX;
     Span stBits;

@@ -98,9 +98,8 @@ static void Set_GlyphBox(uint32_t uiWidth, uint32_t uiHeight, uint32_t uiOffsetX
     g_uiGlyphOffsetY = uiOffsetY;
 }
 
-/* Vertical writing spaces the axes the other way round: uiAcross is the spacing along the cell's width,
- * uiDown along its height. In the two double heights of horizontal writing the spacing grows with the glyph.
- */
+/* Vertical writing places the glyph by the other axis's spacing: uiAcross counts for its x, uiDown for its y.
+ * In the two double heights of horizontal writing the spacing grows with the glyph. */
 static void Set_GlyphGeometry(uint32_t uiMode, uint32_t uiWidth, uint32_t uiHeight, uint32_t uiAcross,
                               uint32_t uiDown)
 {

@@ -1,8 +1,11 @@
-/* The cell geometry's internal side, and the limit that both string walks share. */
+/* What the layout shares with the display and with tests beside its public calls. */
 #ifndef ZYR_FONT_LAYOUT_H
 #define ZYR_FONT_LAYOUT_H
 
 #include "zyr/zyr_font.h"
+
+/* Most lines of a string that are measured or drawn: entries of the caller's array of line widths. */
+constexpr uint32_t MAX_LINE_NUMS = 60;
 
 #ifdef __cplusplus
 extern "C" {

@@ -4,8 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-/* 512 KiB hold some 2,600 Korean glyphs of 32 pixels or 1,400 of 48: more than the captions of one film use.
- */
+/* Room for some 3,000 Korean glyphs of 32 pixels, or 1,600 of 48: more than the captions of one film use. */
 constexpr uint32_t BLOCK_BYTES = 512 * 1024;
 constexpr uint32_t SLOT_BITS = 12;
 constexpr uint32_t SLOT_NUMS = 1U << SLOT_BITS;

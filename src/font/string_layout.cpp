@@ -4,9 +4,6 @@
 #include "font/font_layout.h"
 #include "zyr_log.h"
 
-/* Entries of the caller's array of line widths: the most lines that are measured or drawn. */
-constexpr uint32_t MAX_LINE_NUMS = 60;
-
 static int32_t Check_String(const uint16_t *pusString)
 {
     if (pusString != nullptr) return 0;

@@ -108,49 +108,33 @@ TEST(FontDraw, RefusalsNameTheirReason)
     uint16_t usPixel = 7;
     const uint8_t ucBits = 0xFF;
     uint32_t uiValue = 0;
-    const auto Expect = [&](int32_t iResult, int32_t iExpected, const LogLines &vstrLines) {
+    const auto Expect = [&](int32_t iResult, int32_t iExpected, const char *pszLog) {
         EXPECT_EQ(iResult, iExpected);
-        EXPECT_EQ(stLog.Take(), vstrLines);
+        EXPECT_EQ(stLog.Take(), pszLog);
     };
-    EXPECT_EQ(zyr_fontDraw_init(), 0);
-    Expect(zyr_fontDraw_clearDestBuf(1), -1, {"6:Error g_pusDestBuf is NULL\n"});
+    zyr_fontDraw_init();
+    Expect(zyr_fontDraw_clearDestBuf(1), -1, "6:Error g_pusDestBuf is NULL\n|");
     Expect(zyr_fontDraw_drawBitmapMono(0, 0, 1, 1, 1, &ucBits), -3,
-           {"6:Error Invalid Area(puiDestBuf:0x00000000, W:0, H:0, P:0)\n"});
-    Expect(zyr_fontDraw_setDestBuf(nullptr), -2, {"6:Error Invalid Param(pBuf:0)\n"});
-    Expect(zyr_fontDraw_clearFontBG(0, 0, 1, 1), -2, {}); // no buffer
-    Expect(zyr_fontDraw_drawHighlighting(0, 0, 2, 2, 15), -2, {});
-    Expect(zyr_fontDraw_setDestBuf(&usPixel), 0, {});
-    Expect(zyr_fontDraw_clearDestBuf(9), 0, {}); // no region: nothing to fill
-    Expect(zyr_fontDraw_setDestRegion(1, 1, 1), 0, {});
+           "6:Error Invalid Area(puiDestBuf:0x00000000, W:0, H:0, P:0)\n|");
+    Expect(zyr_fontDraw_setDestBuf(nullptr), -2, "6:Error Invalid Param(pBuf:0)\n|");
+    Expect(zyr_fontDraw_clearFontBG(0, 0, 1, 1), -2, ""); // no buffer
+    Expect(zyr_fontDraw_drawHighlighting(0, 0, 2, 2, 15), -2, "");
+    Expect(zyr_fontDraw_setDestBuf(&usPixel), 0, "");
+    Expect(zyr_fontDraw_clearDestBuf(9), 0, ""); // no region: nothing to fill
+    Expect(zyr_fontDraw_setDestRegion(1, 1, 1), 0, "");
     Expect(zyr_fontDraw_setDestRegion(0, 10, 10), -2,
-           {"6:Error Invalid Param(uiWidth:0 uiHeight:10 uiPitch:10)\n"});
-    Expect(zyr_fontDraw_getDestRegion(&uiValue, &uiValue, nullptr), -2, {});
-    EXPECT_EQ(zyr_fontDraw_getDestRegion(&uiValue, &uiValue, &uiValue), 0);
+           "6:Error Invalid Param(uiWidth:0 uiHeight:10 uiPitch:10)\n|");
+    Expect(zyr_fontDraw_getDestRegion(&uiValue, &uiValue, nullptr), -2, "");
+    Expect(zyr_fontDraw_getDestRegion(&uiValue, &uiValue, &uiValue), 0, "");
     EXPECT_EQ(uiValue, 1U);
     Expect(zyr_fontDraw_drawBitmapMono(0, 0, 2, 1, 1, &ucBits), -5,
-           {"6:Error Invalid Area(X:0, W:2, DestW:1)\n"});
-    Expect(zyr_fontDraw_drawBitmapMono(0, 0, 1, 1, 1, nullptr), -2, {});
-    Expect(zyr_fontDraw_drawUnderline(0, 0, 0, 5), -2, {"6:Error Invalid Param(W:0, H:5)\n"});
+           "6:Error Invalid Area(X:0, W:2, DestW:1)\n|");
+    Expect(zyr_fontDraw_drawBitmapMono(0, 0, 1, 1, 1, nullptr), -2, "");
+    Expect(zyr_fontDraw_drawUnderline(0, 0, 0, 5), -2, "6:Error Invalid Param(W:0, H:5)\n|");
     EXPECT_EQ(usPixel, 7);
-    Expect(zyr_fontDraw_clearDestBuf(9), 0, {});
+    Expect(zyr_fontDraw_clearDestBuf(9), 0, "");
     EXPECT_EQ(usPixel, 9);
     EXPECT_EQ(zyr_fontDraw_getDestBuf(), &usPixel);
-    EXPECT_EQ(zyr_fontDraw_close(), 0);
+    zyr_fontDraw_close();
     EXPECT_EQ(zyr_fontDraw_getDestBuf(), nullptr); // the memory may be gone
-}
-
-TEST(FontDraw, ABoxOfTenByTen)
-{
-    static constexpr const char *apszRows[] = {"########..", "#      #  ", "#      #  ", "#      #  ",
-                                               "#      #  ", "#      #  ", "#      #  ", "########..",
-                                               "          ", "          "};
-    uint16_t ausPixels[100];
-    zyr_fontDraw_init();
-    zyr_fontDraw_setDestBuf(ausPixels);
-    zyr_fontDraw_setDestRegion(10, 10, 10);
-    zyr_fontDraw_clearDestBuf(' ');
-    zyr_fontDraw_setFontColor('#', 0, '.', 0);
-    EXPECT_EQ(zyr_fontDraw_drawHighlighting(0, 0, 10, 10, 0x0F), 0);
-    for (uint32_t uiRow = 0; uiRow < 10; ++uiRow)
-        EXPECT_EQ(std::string(ausPixels + uiRow * 10, ausPixels + uiRow * 10 + 10), apszRows[uiRow]) << uiRow;
 }

@@ -14,9 +14,9 @@ LogCapture::LogCapture()
     zyr_host_setLogSink(
         [](int iPriority, const char *pszTag, const char *pszText, void *pContext) {
             const std::string strTag = pszTag != nullptr ? std::string(pszTag) + "!" : "";
-            static_cast<LogLines *>(pContext)->push_back(std::to_string(iPriority) + ":" + strTag + pszText);
+            static_cast<LogCapture *>(pContext)->Add(std::to_string(iPriority) + ":" + strTag + pszText);
         },
-        &vstrLines);
+        this);
 }
 
 LogCapture::~LogCapture()
@@ -24,9 +24,11 @@ LogCapture::~LogCapture()
     zyr_host_setLogSink(nullptr, nullptr);
 }
 
-LogLines LogCapture::Take()
+std::string LogCapture::Take(uint32_t uiSkip)
 {
-    return std::exchange(vstrLines, {});
+    std::string strTaken = std::exchange(strLog, {});
+    for (; uiSkip > 0; --uiSkip) strTaken.erase(0, strTaken.find('|') + 1);
+    return strTaken;
 }
 
 Picture::Picture(uint32_t uiColumns, uint32_t uiRows, uint32_t uiRowPitch)
@@ -129,7 +131,7 @@ std::string Read_Bytes(const char *pszFile)
 
 std::string Write_Temporary(const std::string &strBytes)
 {
-    const std::string strName = testing::TempDir() + "renderer_kit_" + std::to_string(getpid());
+    std::string strName = testing::TempDir() + "renderer_kit_" + std::to_string(getpid());
     std::ofstream(strName, std::ios::binary) << strBytes;
     return strName;
 }

@@ -27,19 +27,18 @@ private:
     std::mt19937 stEngine;
 };
 
-using LogLines = std::vector<std::string>;
-
-/* Collects the log, each message behind its priority, as "6:text"; a message with a tag shows it too. */
+/* Collects the log as one text: each message behind its priority and before a bar, "6:text|"; a message with
+ * a tag shows it too. */
 class LogCapture
 {
 public:
     LogCapture();
     ~LogCapture();
-    void Add(const std::string &strLine) { vstrLines.push_back(strLine); }
-    LogLines Take(); // what came since the last call
+    void Add(const std::string &strMessage) { strLog.append(strMessage).append("|"); }
+    std::string Take(uint32_t uiSkip = 0); // what came since the last call, but for the first messages
 
 private:
-    LogLines vstrLines;
+    std::string strLog;
 };
 
 /* A region in the middle of a larger buffer. Two pictures of one size start out equal. */
