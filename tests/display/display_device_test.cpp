@@ -22,10 +22,19 @@ protected:
             },
             &stLog);
     }
+
+    /* Position and buffer turn outlive a close. */
+    void SetUp() override
+    {
+        Open();
+        zyr_display_setPosition(16);
+        while (Show(u"") == 0 && !stLog.Take().ends_with("show 2095792|")) {} // buffer 0 is next
+        zyr_display_close();
+        stLog.Take();
+    }
+
     ~DisplayDevice() override
     {
-        stLog.Take();
-        while (Show(u"") == 0 && !stLog.Take().ends_with("show 2095792|")) {} // buffer 0 is next
         zyr_display_close();
         zyr_host_reset();
         zyr_display_system_exit();

@@ -81,9 +81,9 @@ static const std::vector<uint32_t> TrickyCodes = {' ',  'A',    'J',    'f',    
 /* Small sizes, ones that FreeType refuses, and again ones seen before: the order matters to what is kept. */
 TEST_F(FontFT, EveryCharacterIsAsRenderedAnew)
 {
-    static constexpr uint32_t aauiSizes[][2] = {{32, 32}, {4, 4},      {32, 32},   {6, 6},         {44, 22},
-                                                {0, 9},   {22, 44},    {3000, 32}, {256, 256},     {257, 90},
-                                                {48, 48}, {9, 700000}, {48, 48},   {1U << 31, 16}, {31, 31}};
+    static constexpr uint32_t aauiSizes[][2] = {
+        {32, 32},   {4, 4},     {32, 32},  {6, 6},   {32, 40},    {44, 22}, {0, 9},         {22, 44},
+        {3000, 32}, {256, 256}, {257, 90}, {48, 48}, {9, 700000}, {48, 48}, {1U << 31, 16}, {31, 31}};
     for (const char *pszFailing : {"", "malloc"}) { // with and without memory for what was seen
         s_strFailing = pszFailing;
         JudgeFont stFont;
@@ -141,6 +141,8 @@ TEST_F(FontFT, GreyIsMeasuredButNotDrawn)
     for (uint32_t uiRound = 0; uiRound < 2; ++uiRound)
         EXPECT_EQ(zyr_fontFT_drawChar(0x10, 0xD55C, 0, 0), stFont.Get_Advance(0xD55C));
     EXPECT_TRUE(stPicture == stUntouched);
+    zyr_fontFT_drawChar(0, 0xD55C, 0, 0);
+    EXPECT_FALSE(stPicture == stUntouched);
     uint32_t uiWidth = 0, uiHeight = 0;
     EXPECT_EQ(zyr_FontFT_getRealFontSize('A', &uiWidth, &uiHeight), 0);
     EXPECT_EQ(uiWidth * 100 + uiHeight, 3232U);
