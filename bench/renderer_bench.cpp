@@ -13,6 +13,8 @@
 #include FT_FREETYPE_H
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,7 +31,7 @@ namespace
 
 constexpr uint32_t GLYPH_NUMS = 40;
 constexpr uint32_t SIZE = 32;
-constexpr uint32_t WIDTH = GLYPH_NUMS * SIZE;
+constexpr size_t WIDTH = size_t{GLYPH_NUMS} * SIZE;
 constexpr uint16_t COLOR = 0x8410;
 
 std::vector<uint16_t> Make_String(uint32_t uiFirst)
@@ -83,29 +85,30 @@ std::vector<ReadyGlyph> Make_ReadyGlyphs(FT_Face ftFace, const std::vector<uint1
             {static_cast<uint32_t>(ftFace->glyph->advance.x >> 6),
              static_cast<uint32_t>(std::max(ftFace->glyph->bitmap_left, 0)),
              static_cast<uint32_t>(std::clamp(25 - ftFace->glyph->bitmap_top, 0, 4)), stBitmap.rows, uiPitch,
-             std::vector<uint8_t>(stBitmap.buffer, stBitmap.buffer + uiPitch * stBitmap.rows)});
+             std::vector<uint8_t>(stBitmap.buffer, stBitmap.buffer + size_t{uiPitch} * stBitmap.rows)});
     }
     return vstGlyphs;
 }
 
-/* Eight pixels a step by a table of four-pixel masks. */
+/* Masks of four pixels, by their bits. */
+constexpr auto MaskTable = [] {
+    std::array<uint64_t, 16> aullTable = {};
+    for (uint32_t uiBits = 0; uiBits < 16; ++uiBits) {
+        std::array<uint16_t, 4> ausMask = {};
+        for (uint32_t uiPixel = 0; uiPixel < 4; ++uiPixel)
+            ausMask[uiPixel] = (uiBits & (8U >> uiPixel)) != 0 ? 0xFFFF : 0;
+        aullTable[uiBits] = std::bit_cast<uint64_t>(ausMask);
+    }
+    return aullTable;
+}();
+
 void Set_Bits(uint16_t *pusPixels, uint8_t ucBits)
 {
-    static const std::vector<uint64_t> vullMasks = [] {
-        std::vector<uint64_t> vullTable(16);
-        for (uint32_t uiBits = 0; uiBits < 16; ++uiBits) {
-            uint16_t ausMask[4];
-            for (uint32_t uiPixel = 0; uiPixel < 4; ++uiPixel)
-                ausMask[uiPixel] = (uiBits & (8U >> uiPixel)) != 0 ? 0xFFFF : 0;
-            memcpy(&vullTable[uiBits], ausMask, sizeof(ausMask));
-        }
-        return vullTable;
-    }();
     constexpr uint64_t ullColor = COLOR * 0x0001000100010001U;
     uint64_t aullPixels[2];
     memcpy(aullPixels, pusPixels, sizeof(aullPixels));
-    const uint64_t ullHigh = vullMasks[ucBits >> 4];
-    const uint64_t ullLow = vullMasks[ucBits & 15];
+    const uint64_t ullHigh = MaskTable[ucBits >> 4];
+    const uint64_t ullLow = MaskTable[ucBits & 15];
     aullPixels[0] = (aullPixels[0] & ~ullHigh) | (ullColor & ullHigh);
     aullPixels[1] = (aullPixels[1] & ~ullLow) | (ullColor & ullLow);
     memcpy(pusPixels, aullPixels, sizeof(aullPixels));
@@ -118,9 +121,9 @@ void Draw_Ready(const std::vector<ReadyGlyph> &vstGlyphs, uint16_t *pusBuffer)
     for (const ReadyGlyph &stGlyph : vstGlyphs) {
         for (uint32_t uiRow = 0; uiRow < stGlyph.uiRows; ++uiRow) {
             uint16_t *pusPixels = pusBuffer + (stGlyph.uiTop + uiRow) * WIDTH + uiX + stGlyph.uiLeft;
-            const uint8_t *pucBits = stGlyph.vucBits.data() + uiRow * stGlyph.uiPitch;
+            const uint8_t *pucBits = stGlyph.vucBits.data() + size_t{uiRow} * stGlyph.uiPitch;
             for (uint32_t uiByte = 0; uiByte < stGlyph.uiPitch; ++uiByte)
-                if (pucBits[uiByte] != 0) Set_Bits(pusPixels + uiByte * 8, pucBits[uiByte]);
+                if (pucBits[uiByte] != 0) Set_Bits(pusPixels + size_t{uiByte} * 8, pucBits[uiByte]);
         }
         uiX += stGlyph.uiAdvance;
     }
@@ -217,7 +220,7 @@ void Draw_String(const std::vector<uint16_t> &vusString, uint16_t *pusBuffer)
 void FontString(benchmark::State &stState)
 {
     zyr_font_init();
-    std::vector<uint16_t> vusBuffer(1920 * 545);
+    std::vector<uint16_t> vusBuffer(size_t{1920} * 545);
     const std::vector<uint16_t> vusString = Make_String(0);
     Run_Compared(
         stState, [&] { Draw_String(vusString, vusBuffer.data()); }, Render_Seen);
@@ -228,7 +231,7 @@ void FontString(benchmark::State &stState)
 void FontNewString(benchmark::State &stState)
 {
     zyr_font_init();
-    std::vector<uint16_t> vusBuffer(1920 * 545);
+    std::vector<uint16_t> vusBuffer(size_t{1920} * 545);
     std::vector<std::vector<uint16_t>> vvusStrings;
     for (uint32_t uiString = 0; uiString < 279; ++uiString)
         vvusStrings.push_back(Make_String(uiString * 40 * 37));

@@ -195,14 +195,31 @@ int32_t zyr_fontDraw_drawUnderline(uint32_t uiX, uint32_t uiY, uint32_t uiWidth,
 /* Eight pixels at once: a vector of the compiler's, which becomes one register where there is SSE2 or NEON.
  */
 typedef uint16_t EightPixels __attribute__((vector_size(16)));
-constexpr EightPixels BitOfPixel = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
 
-static void Draw_EightPixels(uint16_t *pusPixels, uint8_t ucBits, EightPixels usColor)
+struct PixelMask {
+    uint16_t ausPixels[8]; // all ones where the bit is set
+};
+
+struct PixelMasks {
+    PixelMask astMasks[256]; // by the eight bits
+};
+
+consteval PixelMasks Make_PixelMasks()
+{
+    PixelMasks stMasks = {};
+    for (uint32_t uiBits = 0; uiBits < 256; ++uiBits)
+        for (uint32_t uiPixel = 0; uiPixel < 8; ++uiPixel)
+            stMasks.astMasks[uiBits].ausPixels[uiPixel] = (uiBits & (0x80U >> uiPixel)) != 0 ? 0xFFFF : 0;
+    return stMasks;
+}
+alignas(16) constexpr PixelMasks PixelMaskTable = Make_PixelMasks();
+
+static void Draw_EightPixels(uint16_t *pusPixels, uint32_t uiBits, EightPixels usColor)
 {
     EightPixels usPixels;
+    EightPixels usMask;
     memcpy(&usPixels, pusPixels, sizeof(usPixels));
-    const EightPixels usBits = BitOfPixel & ucBits;
-    const EightPixels usMask = reinterpret_cast<EightPixels>(usBits != 0);
+    memcpy(&usMask, &PixelMaskTable.astMasks[uiBits], sizeof(usMask));
     usPixels = (usPixels & ~usMask) | (usColor & usMask);
     memcpy(pusPixels, &usPixels, sizeof(usPixels));
 }
@@ -226,8 +243,7 @@ static void Draw_WholeRow(uint16_t *pusPixels, const uint8_t *pucBits, uint32_t 
     const uint32_t uiLastByte = (uiWidth - 1) / 8;
     for (uint32_t uiByte = 0; uiByte < uiLastByte; ++uiByte, pusPixels += 8)
         Draw_EightPixels(pusPixels, pucBits[uiByte], usColor);
-    Draw_EightPixels(pusPixels, static_cast<uint8_t>(pucBits[uiLastByte] & Get_LastByteMask(uiWidth)),
-                     usColor);
+    Draw_EightPixels(pusPixels, pucBits[uiLastByte] & Get_LastByteMask(uiWidth), usColor);
 }
 
 static void Draw_CutRow(const ClippedBitmap &stBitmap, uint16_t *pusRow, const uint8_t *pucBits)

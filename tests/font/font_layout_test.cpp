@@ -77,7 +77,7 @@ TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
         std::vector<uint16_t> vusText(1 + stRandom() % 90);
         for (uint16_t &usUnit : vusText) usUnit = Alphabet[stRandom() % (std::size(Alphabet) - 1)];
         const int32_t iLength =
-            static_cast<int32_t>(vusText.size() - stRandom() % 2 * stRandom() % vusText.size());
+            static_cast<int32_t>(vusText.size() - size_t{stRandom() % 2} * stRandom() % vusText.size());
         if (uiRound % 2 == 0)
             vusText.resize(static_cast<size_t>(iLength)); // ended by its length alone
         else
