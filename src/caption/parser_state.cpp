@@ -22,6 +22,7 @@ int64_t s_llCaptionFileSize = 0;
 SamiFrameInfo *s_pstFrameInfoArray = nullptr;
 uint32_t s_uiFrameInfoMax = 0;
 uint32_t s_uiFrameInfoNums = 0;
+uint32_t *s_puiSyncPlaces = nullptr;
 uint32_t s_auiClassFrameCursor[ZYR_CLASS_MAX] = {};
 
 namespace
@@ -86,6 +87,8 @@ void QuibCaptionParser_Destroy_MemoryBuffers(void)
     Destroy_CaptionFrameList();
     if (s_pstFrameInfoArray != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstFrameInfoArray);
     s_pstFrameInfoArray = nullptr;
+    if (s_puiSyncPlaces != nullptr) QUIBCAPTCB_Deallocate_Memory(s_puiSyncPlaces);
+    s_puiSyncPlaces = nullptr;
     s_llCaptionFileSize = 0;
     s_uiFrameInfoMax = 0;
     s_uiFrameInfoNums = 0;

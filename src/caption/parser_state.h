@@ -73,6 +73,7 @@ struct TagControlInfo {
     const uint16_t *pusClassName; // CLASS of the last P tag, in the tag's own text; NULL = none
     uint32_t uiClassNameLength;   // units of it
     uint32_t uiSelectedClass;     // class that the last P tag selected; ZYR_CLASS_MAX = none
+    bool bLogged;                 // the last SYNC or P tag has led to a log line
 };
 
 /** One SYNC tag of a SAMI file. The array is in time order once the header is read. */
@@ -99,6 +100,7 @@ extern int64_t s_llCaptionFileSize;
 extern SamiFrameInfo *s_pstFrameInfoArray;
 extern uint32_t s_uiFrameInfoMax;  // most frames that the file's size allows for
 extern uint32_t s_uiFrameInfoNums; // frames in the array
+extern uint32_t *s_puiSyncPlaces;  // where a SAMI file's SYNC tags stand (parser/sami_skip.h)
 extern uint32_t
     s_auiClassFrameCursor[ZYR_CLASS_MAX]; // per class: index of the entry to look from for its next frame
 

@@ -112,6 +112,7 @@ int32_t Apply_SyncTag(const TagArguments &stArguments)
     TagControlInfo &stTag = *s_pstTagControlInfo;
     stTag.iSyncStart = 0;
     stTag.iSyncEnd = OPEN_END_PTS;
+    stTag.bLogged = stArguments.bLogged;
     for (uint32_t uiIndex = 0; uiIndex < stArguments.uiNums; ++uiIndex) {
         const TagArgument &stArgument = stArguments.astArgument[uiIndex];
         if (stArgument.uiValueLength == 0) continue;
@@ -157,6 +158,7 @@ int32_t Apply_ParagraphTag(const TagArguments &stArguments, bool bClosing)
     TagControlInfo &stTag = *s_pstTagControlInfo;
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     stTag.uiSelectedClass = ZYR_CLASS_MAX;
+    stTag.bLogged = stArguments.bLogged;
     stTag.pusClassName = nullptr;
     stTag.uiClassNameLength = 0;
     const TagArgument &stArgument = stArguments.astArgument[0];
@@ -169,8 +171,10 @@ int32_t Apply_ParagraphTag(const TagArguments &stArguments, bool bClosing)
     } else if (stInfo.uiClassNums > 0 && stInfo.astClassInfo[stInfo.uiClassNums - 1].uiNameLength == 0) {
         stTag.uiSelectedClass = stInfo.uiClassNums - 1;
     }
-    if (stTag.uiSelectedClass == ZYR_CLASS_MAX)
+    if (stTag.uiSelectedClass == ZYR_CLASS_MAX) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unregistered Clase Name!\n", __LINE__);
+        stTag.bLogged = true;
+    }
     return TAG_KIND_SINGLE | static_cast<int32_t>(E_HTML_TAG_P);
 }
 
@@ -283,6 +287,7 @@ int32_t Parse_HtmlTag(const uint16_t *pusTag, int32_t iLen)
 
     TagArguments stArguments;
     stArguments.uiNums = 0;
+    stArguments.bLogged = false;
     if (uiLen > stTag.uiWordLength)
         Split_TagArguments(&stArguments, pusTag + stTag.uiWordLength, uiLen - stTag.uiWordLength - 1);
 

@@ -4,6 +4,7 @@
 
 #include "caption/parser_state.h"
 #include "parser/sami_index.h"
+#include "parser/sami_skip.h"
 #include "zyr_log.h"
 
 namespace
@@ -39,6 +40,12 @@ void Combine_Frames(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
     stTo.llLastFramePos = std::max<int64_t>(stTo.llLastFramePos, stFrom.llLastFramePos);
     stTo.iMaxPTS = std::max(stTo.iMaxPTS, stFrom.iMaxPTS);
     stTo.uiFrameNums += stFrom.uiFrameNums;
+}
+
+void Note_ChangedClasses()
+{
+    Order_FramesByClass();
+    Forget_PassedPlaces();
 }
 
 /** Take the last class out. Its place is cleared, so that nothing takes it for a class with frames. */
@@ -126,7 +133,7 @@ int32_t CAPTIONPARS_SAMI_MergeUndefinedLanguage(uint32_t uiTargetClass)
     for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
         if (s_pstFrameInfoArray[uiFrame].uiClassIndex == uiLast)
             s_pstFrameInfoArray[uiFrame].uiClassIndex = uiTargetClass;
-    Order_FramesByClass();
+    Note_ChangedClasses();
     Combine_Frames(Get_Class(uiTargetClass), Get_Class(uiLast));
     Drop_LastClass();
     return 1;
@@ -145,7 +152,7 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
         else if (uiClass > uiFrom && uiClass < uiNums)
             --uiClass;
     }
-    Order_FramesByClass();
+    Note_ChangedClasses();
     Add_AltName(Get_Class(uiTo), Get_Class(uiFrom));
     Combine_Frames(Get_Class(uiTo), Get_Class(uiFrom));
     for (uint32_t uiClass = uiFrom; uiClass + 1 < uiNums; ++uiClass)

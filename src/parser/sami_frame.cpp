@@ -8,6 +8,7 @@
 #include "parser/html_tag.h"
 #include "parser/sami_classes.h"
 #include "parser/sami_index.h"
+#include "parser/sami_skip.h"
 #include "parser/text_helpers.h"
 #include "zyr_log.h"
 
@@ -35,10 +36,13 @@ enum HeadTag : uint32_t {
 struct SamiFrame {
     SamiFrameState eState;
     HeadTag eTag;
-    bool bParagraph; // a good SYNC tag was read: a P tag is expected, not a SYNC tag
-    bool bEnd;       // the next SYNC tag begins
-    int32_t iStart;  // of the SYNC tag, ms
-    int32_t iEnd;    // of the SYNC tag, ms
+    bool bParagraph;  // a good SYNC tag was read: a P tag is expected, not a SYNC tag
+    bool bLogged;     // the SYNC tag at hand has led to a log line
+    int32_t iResult;  // 0 while the frame is being read
+    uint32_t uiPlace; // of the SYNC tag at hand; NO_SYNC_PLACE while nobody has asked
+    void *hFile;
+    int32_t iStart; // of the SYNC tag, ms
+    int32_t iEnd;   // of the SYNC tag, ms
 };
 
 constexpr StopUnits TAG_STOP = {1, {'<'}, false};
@@ -69,13 +73,48 @@ void Start_Text(SamiFrame &stFrame)
     stFrame.eState = E_FRAME_TEXT;
 }
 
+void Log_SeekFailed(int64_t llReached)
+{
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", __LINE__,
+                        static_cast<int32_t>(llReached));
+}
+
+void Read_On_At(SamiFrame &stFrame, uint32_t uiPlace)
+{
+    stFrame.uiPlace = uiPlace;
+    stFrame.eState = E_FRAME_SEEK_TAG;
+    const int64_t llReached =
+        Move_ReadPosition(stFrame.hFile, Get_PlacePosition(uiPlace), E_READ_AHEAD_SHORT);
+    if (llReached >= 0) return;
+    Log_SeekFailed(llReached);
+    stFrame.iResult = -1;
+}
+
+/**
+ * The SYNC tag at hand does not lead to the text: read on at the next one that may.
+ *
+ * @param[in] uiSelected  class that it would have led to the text; ZYR_CLASS_MAX = none
+ */
+void Pass_SyncTag(SamiFrame &stFrame, uint32_t uiSelected)
+{
+    const bool bLogged = stFrame.bLogged;
+    stFrame.bLogged = false;
+    stFrame.bParagraph = false;
+    if (stFrame.uiPlace == NO_SYNC_PLACE)
+        stFrame.uiPlace = Find_SyncPlace(pstQuibCaptionParserInfo->llCurrFilePos);
+    if (!Is_SyncTagPlace(stFrame.uiPlace)) return;
+    if (!bLogged) Note_PassedPlace(stFrame.uiPlace, uiSelected);
+    Read_On_At(stFrame, Find_NextPlace(pstQuibCaptionParserInfo->uiCurrClass, stFrame.uiPlace));
+}
+
 /** The name of a tag before the text has ended: what is it? */
 void Note_TagName(SamiFrame &stFrame)
 {
     stFrame.eTag = E_HEAD_OTHER;
     if (Is_TagText("<SYNC")) {
         stFrame.eTag = E_HEAD_SYNC;
-        stFrame.bParagraph = false; // the later SYNC tag counts
+        if (stFrame.bParagraph) Pass_SyncTag(stFrame, ZYR_CLASS_MAX); // the later SYNC tag counts
     } else if (stFrame.bParagraph && Is_TagText("<P")) {
         stFrame.eTag = E_HEAD_P;
     }
@@ -91,11 +130,18 @@ void Take_SyncTag(SamiFrame &stFrame, int32_t iResult)
 
 void Take_ParagraphTag(SamiFrame &stFrame, int32_t iResult)
 {
-    if (Get_TagId(iResult) == E_HTML_TAG_P &&
-        s_pstTagControlInfo->uiSelectedClass != pstQuibCaptionParserInfo->uiCurrClass)
-        stFrame.bParagraph = false; // another class's text
+    const uint32_t uiSelected = s_pstTagControlInfo->uiSelectedClass;
+    if (Get_TagId(iResult) == E_HTML_TAG_P && uiSelected != pstQuibCaptionParserInfo->uiCurrClass)
+        Pass_SyncTag(stFrame, uiSelected);
     else
         Start_Text(stFrame);
+}
+
+void Drop_SyncTag(SamiFrame &stFrame)
+{
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
+                        __LINE__, FRAME_PARSER_NAME);
+    Pass_SyncTag(stFrame, ZYR_CLASS_MAX);
 }
 
 /** A tag before the text is complete. */
@@ -105,10 +151,9 @@ void Finish_HeadTag(SamiFrame &stFrame)
     stFrame.eState = E_FRAME_SEEK_TAG;
     if (stFrame.eTag == E_HEAD_SYNC || stFrame.eTag == E_HEAD_P) {
         const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+        stFrame.bLogged = stFrame.bLogged || stTag.bLogged || iResult == -1;
         if (iResult == -1)
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] %s() - Failed to parse the caption tag!\n", __LINE__,
-                                FRAME_PARSER_NAME);
+            Drop_SyncTag(stFrame);
         else if (stFrame.bParagraph)
             Take_ParagraphTag(stFrame, iResult);
         else
@@ -137,6 +182,7 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
     }
     const bool bSpace = usChar == ' ' || usChar == '\t' || usChar == '\r' || usChar == '\n';
     if (bSpace && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
+    if (stFrame.eState != E_FRAME_HEAD_TAG) return true; // reading goes on elsewhere
     Collect_TagUnit(usChar, TAG_TEXT_UNITS);
     if (usChar == '>') Finish_HeadTag(stFrame);
     return true;
@@ -174,7 +220,7 @@ SamiFrameState Get_MarkupState(MarkupState eState)
 bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
 {
     stFrame.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
-    stFrame.bEnd = stFrame.eState == E_FRAME_TAG && Is_TagText("<SYNC");
+    if (stFrame.eState == E_FRAME_TAG && Is_TagText("<SYNC")) stFrame.iResult = 1;
     return true;
 }
 
@@ -201,9 +247,7 @@ int32_t Go_To_Frame(void *hFile, int64_t llFilePos)
 {
     const int64_t llReached = Move_ReadPosition(hFile, llFilePos, E_READ_AHEAD_SHORT);
     if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llReached));
+        Log_SeekFailed(llReached);
         return -1;
     }
     const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(hFile) : 1;
@@ -229,10 +273,19 @@ int32_t Complete_Frame(const SamiFrame &stFrame)
     return 1;
 }
 
+/** The file has ended before a text began: the last SYNC tag leads nowhere. */
+void Note_EndOfFile(const SamiFrame &stFrame)
+{
+    const bool bLast = Is_SyncTagPlace(stFrame.uiPlace) && !Is_SyncTagPlace(stFrame.uiPlace + 1);
+    if (bLast && !stFrame.bLogged) Note_PassedPlace(stFrame.uiPlace, ZYR_CLASS_MAX);
+}
+
 int32_t Read_Frame(void *hFile)
 {
     SamiFrame stFrame = {};
     stFrame.iEnd = OPEN_END_PTS;
+    stFrame.uiPlace = NO_SYNC_PLACE;
+    stFrame.hFile = hFile;
     for (;;) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
@@ -244,10 +297,12 @@ int32_t Read_Frame(void *hFile)
         }
         if (iResult == 0) {
             Mark_EndOfData();
-            return stFrame.eState < E_FRAME_TEXT ? NO_CAPTION_DATA : Complete_Frame(stFrame);
+            if (stFrame.eState >= E_FRAME_TEXT) return Complete_Frame(stFrame);
+            Note_EndOfFile(stFrame);
+            return NO_CAPTION_DATA;
         }
         while (!Step_Frame(stFrame, usChar)) {}
-        if (stFrame.bEnd) return Complete_Frame(stFrame);
+        if (stFrame.iResult != 0) return stFrame.iResult < 0 ? stFrame.iResult : Complete_Frame(stFrame);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "parser/char_reader.h"
 #include "parser/sami_index.h"
+#include "parser/sami_skip.h"
 #include "parser/text_helpers.h"
 #include "parser/text_run.h"
 #include "zyr_log.h"
@@ -38,7 +39,10 @@ constexpr SamiTagRow SamiTagTable[] = {
     {"/SAMI", nullptr, E_SAMI_OUTSIDE},
 };
 
+constexpr const SamiTagRow *SYNC_TAG = &SamiTagTable[0];
+
 constexpr StopUnits TAG_STOP = {1, {'<'}, false};
+constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
 constexpr int32_t NO_MIN_PTS = 0x0FFFFFFF; // smallest time of no frames
 
 /** Places and times of some frames. */
@@ -63,11 +67,14 @@ struct SamiScan {
     SamiScanState eState;
     const SamiTagRow *pstTag;
     uint32_t uiMatched;                      // units of the name being matched
-    uint32_t uiTagBytes;                     // bytes read since the tag's "<", that included
+    int64_t llBytes;                         // bytes read since the scan began
+    int64_t llTagBytes;                      // bytes read before the tag's "<"
     uint32_t uiDigits;                       // digits of the START value
     uint32_t uiStart;                        // START value, ms
     uint16_t ausClass[ZYR_CLASS_NAME_UNITS]; // CLASS value in upper case
     uint32_t uiClassUnits;                   // units of it, also those beyond the room
+    bool bSyncOpen;                          // the ">" of a SYNC tag is still to come
+    bool bOffStart;                          // the scan did not begin at the file's start
     CurrentFrame stFrame;
     FrameStatistics stPending;    // frames without a class so far
     FrameStatistics stPendingOld; // the same before the current frame
@@ -75,6 +82,14 @@ struct SamiScan {
 
 /** What a unit led to. */
 enum ScanResult : uint32_t { E_SCAN_ON, E_SCAN_END, E_SCAN_FAILED };
+
+/** How the scan ended. */
+enum ScanEnd : uint32_t {
+    E_END_OF_BODY, // at "</BODY>" or "</SAMI>"
+    E_END_OF_FILE,
+    E_END_OF_READING, // a read failed
+    E_END_FAILED,     // a frame could not be recorded
+};
 
 bool Is_TagSpace(uint32_t uiUnit)
 {
@@ -116,7 +131,9 @@ ScanResult Record_Frame(SamiScan &stScan)
         return E_SCAN_FAILED;
     }
     const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int64_t llPos = llTell - stInfo.iStreamDataSize + stInfo.iStreamBufIndex - stScan.uiTagBytes;
+    const int64_t llPos =
+        llTell - stInfo.iStreamDataSize + stInfo.iStreamBufIndex - (stScan.llBytes - stScan.llTagBytes);
+    stScan.bOffStart = stScan.bOffStart || llPos != stScan.llTagBytes;
     stScan.stFrame = {true, s_uiFrameInfoNums < s_uiFrameInfoMax, static_cast<int32_t>(stScan.uiStart),
                       llPos};
     Count_Unclassified(stScan);
@@ -206,12 +223,13 @@ void Clear_Classes()
 
 // ---- The scan: one function per state ----
 
-void Start_Tag(SamiScan &stScan, uint32_t uiBytes)
+void Start_Tag(SamiScan &stScan, int32_t iBytes)
 {
     stScan.eState = E_SAMI_NAME;
+    stScan.bSyncOpen = false;
     stScan.pstTag = SamiTagTable;
     stScan.uiMatched = 0;
-    stScan.uiTagBytes = uiBytes;
+    stScan.llTagBytes = stScan.llBytes - iBytes;
 }
 
 /** @return the tag whose name goes on with this unit, or NULL. */
@@ -235,8 +253,10 @@ ScanResult Step_Name(SamiScan &stScan, uint32_t uiUnit)
     stScan.eState = E_SAMI_OUTSIDE;
     if (stScan.pstTag->pszName[stScan.uiMatched] != '\0') return E_SCAN_ON;
     if (stScan.pstTag->pszAttribute == nullptr) return uiUnit == '>' ? E_SCAN_END : E_SCAN_ON;
-    if (Is_TagSpace(uiUnit)) stScan.eState = E_SAMI_ATTRIBUTE;
+    if (!Is_TagSpace(uiUnit)) return E_SCAN_ON;
+    stScan.eState = E_SAMI_ATTRIBUTE;
     stScan.uiMatched = 0;
+    stScan.bSyncOpen = stScan.pstTag == SYNC_TAG;
     return E_SCAN_ON;
 }
 
@@ -298,22 +318,41 @@ ScanResult Step_Scan(SamiScan &stScan, uint32_t uiUnit)
     }
 }
 
-/** Scan up to the file's end, whatever ends it. @return false when a frame could not be recorded. */
-bool Scan_File(SamiScan &stScan)
+/** Note the place of a SYNC tag that is complete. @return false without memory (logged). */
+bool Close_SyncTag(SamiScan &stScan)
+{
+    if (!stScan.bSyncOpen) return true;
+    stScan.bSyncOpen = false;
+    return Append_SyncPlace(stScan.llTagBytes);
+}
+
+/** Scan up to the end, whatever it is. */
+ScanEnd Scan_File(SamiScan &stScan)
 {
     for (;;) {
-        if (stScan.eState == E_SAMI_OUTSIDE) Skip_PlainRun<TAG_STOP>();
+        if (stScan.eState == E_SAMI_OUTSIDE)
+            stScan.llBytes += stScan.bSyncOpen ? Skip_PlainRun<TAG_ENDS>() : Skip_PlainRun<TAG_STOP>();
         uint16_t usChar = 0;
         const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, 1);
-        if (iBytes <= 0) return true;
-        stScan.uiTagBytes += static_cast<uint32_t>(iBytes);
+        if (iBytes <= 0) return iBytes == 0 ? E_END_OF_FILE : E_END_OF_READING;
+        stScan.llBytes += iBytes;
         if (usChar == '<') {
-            Start_Tag(stScan, static_cast<uint32_t>(iBytes));
+            Start_Tag(stScan, iBytes);
             continue;
         }
+        if (usChar == '>' && !Close_SyncTag(stScan)) return E_END_FAILED;
         const ScanResult eResult = Step_Scan(stScan, To_Upper(usChar));
-        if (eResult != E_SCAN_ON) return eResult == E_SCAN_END;
+        if (eResult != E_SCAN_ON) return eResult == E_SCAN_END ? E_END_OF_BODY : E_END_FAILED;
     }
+}
+
+/** Complete classes and index. @return false without memory (logged). */
+bool Finish_Scan(const SamiScan &stScan, ScanEnd eEnd)
+{
+    if (stScan.stPending.uiNums > 0) Add_UnnamedClass(stScan.stPending);
+    if (stScan.bOffStart) Begin_SyncPlaces();
+    const int64_t llEndPos = eEnd == E_END_OF_BODY ? stScan.llTagBytes : stScan.llBytes;
+    return Finish_FrameIndex() && Finish_SyncPlaces(llEndPos, eEnd == E_END_OF_FILE);
 }
 
 } // namespace
@@ -321,13 +360,14 @@ bool Scan_File(SamiScan &stScan)
 int32_t HeaderParser_SAMI(void *hFile)
 {
     if (!Is_HeaderReady() || !Begin_FrameIndex()) return -1;
+    Begin_SyncPlaces();
     Clear_Classes();
     SamiScan stScan = {};
     stScan.hFile = hFile;
     stScan.stPending.iMinPTS = NO_MIN_PTS;
-    const bool bScanned = Scan_File(stScan);
-    if (bScanned && stScan.stPending.uiNums > 0) Add_UnnamedClass(stScan.stPending);
-    if (bScanned && Finish_FrameIndex()) return 1;
+    const ScanEnd eEnd = Scan_File(stScan);
+    if (eEnd != E_END_FAILED && Finish_Scan(stScan, eEnd)) return 1;
     Drop_FrameIndex();
+    Drop_SyncPlaces();
     return -1;
 }

@@ -51,9 +51,11 @@ bool Step_Name(ArgumentSplitter &stSplit, uint32_t uiUnit)
         ++stSplit.stPending.uiNameLength;
         return true;
     }
-    if (!Is_Blank(uiUnit) && uiUnit != '=')
+    if (!Is_Blank(uiUnit) && uiUnit != '=') {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unexpected Character! (0x%04X)\n", __LINE__,
                             uiUnit);
+        stSplit.pstArguments->bLogged = true;
+    }
     stSplit.eState = E_ARG_SEEK_EQUALS;
     return false;
 }
@@ -115,6 +117,7 @@ bool Is_Complete(const TagArgument &stArgument)
 void Split_TagArguments(TagArguments *pstArguments, const uint16_t *pusText, uint32_t uiLen)
 {
     pstArguments->uiNums = 0;
+    pstArguments->bLogged = uiLen == 0;
     if (uiLen == 0) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                             " [%d] Input Argument is bad! (0x%08X, %d, 0x%08X)\n", __LINE__,
@@ -128,6 +131,7 @@ void Split_TagArguments(TagArguments *pstArguments, const uint16_t *pusText, uin
         if (pstArguments->uiNums == TAG_ARGUMENTS_MAX) {
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Argument Count is FULL! (COUNT = %d)\n",
                                 __LINE__, static_cast<int32_t>(TAG_ARGUMENTS_MAX));
+            pstArguments->bLogged = true;
             return;
         }
     }

@@ -16,6 +16,7 @@ struct TagArgument {
 
 struct TagArguments {
     uint32_t uiNums;
+    bool bLogged; // something in the text was odd
     TagArgument astArgument[TAG_ARGUMENTS_MAX];
 };
 

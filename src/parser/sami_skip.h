@@ -1,0 +1,54 @@
+/*
+ * Passing over SYNC tags of other classes.
+ *
+ * A SYNC tag that holds P tags of several classes stands in the frame index for the last of them, but its
+ * first P tag decides whose text is read: the frame parser then goes on to the next SYNC tag, and may do so
+ * down to the end of the file, for every single frame. So the places of all SYNC tags are kept, and what was
+ * once seen to be passed in silence is not read again.
+ *
+ * A place is a SYNC tag with attributes and a ">". Places are numbered in file order; behind the last SYNC
+ * tag follows the place where the header's scan ended. Between the first tag behind a SYNC tag and the next
+ * place nothing can matter to the frame parser.
+ */
+#pragma once
+
+#include <cstdint>
+
+constexpr uint32_t NO_SYNC_PLACE = UINT32_MAX;
+
+/** Begin an empty list of places. */
+void Begin_SyncPlaces();
+
+/** Add a SYNC tag. @return false without memory (logged). */
+bool Append_SyncPlace(int64_t llFilePos);
+
+/**
+ * Complete the list.
+ *
+ * @param[in] llEndPos   where the scan ended
+ * @param[in] bEndOfFile nothing follows there
+ * @return false without memory (logged)
+ */
+bool Finish_SyncPlaces(int64_t llEndPos, bool bEndOfFile);
+
+/** Forget the places, or only what is known of them: the classes have changed. */
+void Drop_SyncPlaces();
+void Forget_PassedPlaces();
+
+/** @return first place from a file position on; NO_SYNC_PLACE when nothing is known of places. */
+uint32_t Find_SyncPlace(int64_t llFilePos);
+
+/** @return file position of a place. */
+int64_t Get_PlacePosition(uint32_t uiPlace);
+
+/** @return whether SYNC tags may be passed over from a place on: it is not the end. */
+bool Is_SyncTagPlace(uint32_t uiPlace);
+
+/** Note that a SYNC tag is passed without a word by every class but uiClass (ZYR_CLASS_MAX: by all). */
+void Note_PassedPlace(uint32_t uiPlace, uint32_t uiClass);
+
+/**
+ * Find where the frame parser must read on behind a SYNC tag that a class has passed. The SYNC tags from
+ * there on may not be passed, but for the first one, which is read for its times.
+ */
+uint32_t Find_NextPlace(uint32_t uiClass, uint32_t uiPassed);
