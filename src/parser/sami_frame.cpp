@@ -1,6 +1,7 @@
 // SAMI, frame by frame: the frame index says where the next SYNC tag of the class stands; from there the SYNC
 // tag, the P tag that names the class, and the text up to the next SYNC tag are read.
 
+#include <algorithm>
 #include <cstdint>
 
 #include "parser/caption_text.h"
@@ -9,6 +10,7 @@
 #include "parser/sami_classes.h"
 #include "parser/sami_index.h"
 #include "parser/sami_skip.h"
+#include "parser/sami_tags.h"
 #include "parser/text_helpers.h"
 #include "zyr_log.h"
 
@@ -24,6 +26,8 @@ enum SamiFrameState : uint32_t {
     E_FRAME_TAG,
     E_FRAME_ENTITY,
 };
+
+constexpr uint32_t SYNC_NAME_UNITS = 5; // "<SYNC"
 
 /** A tag before the text, as far as its name tells. */
 enum HeadTag : uint32_t {
@@ -46,7 +50,19 @@ struct SamiFrame {
 };
 
 constexpr StopUnits TAG_STOP = {1, {'<'}, false};
+constexpr StopUnits NAME_STOPS = {6, {'<', '>', ' ', '\t', '\r', '\n'}, false};
+constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
 constexpr StopUnits TEXT_STOPS = {6, {0, '\t', '\n', '\r', '<', '&'}, true};
+
+/** Put the plain units that the read buffer holds into the tag buffer, as far as they fit. */
+template <StopUnits STOPS>
+void Collect_TagRun()
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    stTag.uiTagLength +=
+        Take_PlainRun<STOPS>(stTag.ausTagBuf + stTag.uiTagLength, TAG_TEXT_UNITS - stTag.uiTagLength, false)
+            .uiUnits;
+}
 
 /** @return whether the tag buffer holds exactly this text, ASCII case aside. */
 template <uint32_t BYTES>
@@ -184,7 +200,12 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
     if (bSpace && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
     if (stFrame.eState != E_FRAME_HEAD_TAG) return true; // reading goes on elsewhere
     Collect_TagUnit(usChar, TAG_TEXT_UNITS);
-    if (usChar == '>') Finish_HeadTag(stFrame);
+    if (usChar == '>')
+        Finish_HeadTag(stFrame);
+    else if (stFrame.eTag == E_HEAD_NAME)
+        Collect_TagRun<NAME_STOPS>();
+    else
+        Collect_TagRun<TAG_ENDS>();
     return true;
 }
 
@@ -220,7 +241,11 @@ SamiFrameState Get_MarkupState(MarkupState eState)
 bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
 {
     stFrame.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
-    if (stFrame.eState == E_FRAME_TAG && Is_TagText("<SYNC")) stFrame.iResult = 1;
+    if (stFrame.eState != E_FRAME_TAG) return true;
+    if (Is_TagText("<SYNC"))
+        stFrame.iResult = 1;
+    else if (s_pstTagControlInfo->uiTagLength > SYNC_NAME_UNITS)
+        Collect_TagRun<TAG_ENDS>();
     return true;
 }
 
@@ -280,12 +305,42 @@ void Note_EndOfFile(const SamiFrame &stFrame)
     if (bLast && !stFrame.bLogged) Note_PassedPlace(stFrame.uiPlace, ZYR_CLASS_MAX);
 }
 
+/** @return whether a P tag of this class stands at the read position; it is taken then. */
+bool Take_UsualParagraph(const CaptionClassInfo &stClass)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    uint16_t ausName[ZYR_CLASS_NAME_UNITS];
+    uint32_t uiNameUnits = 0;
+    const uint32_t uiUnits = stUnits.bEnough ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
+    if (uiUnits == 0 || uiNameUnits != stClass.uiNameLength ||
+        !std::equal(ausName, ausName + uiNameUnits, stClass.ausName))
+        return false;
+    Take_BufferUnits(stUnits, uiUnits);
+    return true;
+}
+
+/** Take a usual SYNC tag at the read position, and with it the usual P tag of the current class. */
+void Take_UsualHead(SamiFrame &stFrame)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    uint32_t uiStart = 0;
+    const uint32_t uiUnits = stUnits.bEnough ? Match_SyncTag(stUnits, &uiStart) : 0;
+    if (uiUnits == 0) return;
+    Take_BufferUnits(stUnits, uiUnits);
+    stFrame.iStart = static_cast<int32_t>(uiStart);
+    stFrame.bParagraph = true;
+    Skip_PlainRun<TAG_STOP>();
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (Take_UsualParagraph(stInfo.astClassInfo[stInfo.uiCurrClass])) Start_Text(stFrame);
+}
+
 int32_t Read_Frame(void *hFile)
 {
     SamiFrame stFrame = {};
     stFrame.iEnd = OPEN_END_PTS;
     stFrame.uiPlace = NO_SYNC_PLACE;
     stFrame.hFile = hFile;
+    Take_UsualHead(stFrame);
     for (;;) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);

@@ -8,6 +8,7 @@
 #include "parser/char_reader.h"
 #include "parser/sami_index.h"
 #include "parser/sami_skip.h"
+#include "parser/sami_tags.h"
 #include "parser/text_helpers.h"
 #include "parser/text_run.h"
 #include "zyr_log.h"
@@ -326,12 +327,68 @@ bool Close_SyncTag(SamiScan &stScan)
     return Append_SyncPlace(stScan.llTagBytes);
 }
 
+// ---- The usual tags at once ----
+
+ScanResult Take_SyncTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
+{
+    stScan.llTagBytes = stScan.llBytes;
+    stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
+    return Append_SyncPlace(stScan.llTagBytes) ? Record_Frame(stScan) : E_SCAN_FAILED;
+}
+
+void Take_ParagraphTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
+{
+    stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
+    Assign_Class(stScan);
+}
+
+/** @return whether the tag at the read position says nothing to the scan. */
+bool Is_OtherTag(const BufferUnits &stUnits)
+{
+    // From 0x80 on a byte may be one that is dropped, and the name be any.
+    const uint32_t uiFirst = To_Upper(stUnits[1]);
+    if (uiFirst != '/') return uiFirst != 'S' && uiFirst != 'P' && uiFirst < 0x80;
+    const uint32_t uiSecond = To_Upper(stUnits[2]);
+    return uiSecond != 'B' && uiSecond != 'S' && uiSecond < 0x80;
+}
+
+/** Take the tag at the read position if it is a usual one. @return whether it was taken. */
+bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    if (!stUnits.bEnough || stUnits[0] != '<') return false;
+    if (Is_OtherTag(stUnits)) {
+        stScan.bSyncOpen = false;
+        stScan.llBytes += Take_BufferUnits(stUnits, 1);
+        return true;
+    }
+    uint32_t uiUnits = Match_SyncTag(stUnits, &stScan.uiStart);
+    if (uiUnits > 0) {
+        stScan.bSyncOpen = false;
+        *peResult = Take_SyncTag(stScan, stUnits, uiUnits);
+        return true;
+    }
+    uiUnits = Match_ParagraphTag(stUnits, stScan.ausClass, &stScan.uiClassUnits);
+    if (uiUnits == 0) return false;
+    stScan.bSyncOpen = false;
+    Take_ParagraphTag(stScan, stUnits, uiUnits);
+    return true;
+}
+
+/** Pass over what says nothing to the scan, and take the usual tags in between. */
+ScanResult Scan_Outside(SamiScan &stScan)
+{
+    ScanResult eResult = E_SCAN_ON;
+    do stScan.llBytes += stScan.bSyncOpen ? Skip_PlainRun<TAG_ENDS>() : Skip_PlainRun<TAG_STOP>();
+    while (Take_UsualTag(stScan, &eResult) && eResult == E_SCAN_ON);
+    return eResult;
+}
+
 /** Scan up to the end, whatever it is. */
 ScanEnd Scan_File(SamiScan &stScan)
 {
     for (;;) {
-        if (stScan.eState == E_SAMI_OUTSIDE)
-            stScan.llBytes += stScan.bSyncOpen ? Skip_PlainRun<TAG_ENDS>() : Skip_PlainRun<TAG_STOP>();
+        if (stScan.eState == E_SAMI_OUTSIDE && Scan_Outside(stScan) == E_SCAN_FAILED) return E_END_FAILED;
         uint16_t usChar = 0;
         const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, 1);
         if (iBytes <= 0) return iBytes == 0 ? E_END_OF_FILE : E_END_OF_READING;
