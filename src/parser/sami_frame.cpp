@@ -40,9 +40,10 @@ enum HeadTag : uint32_t {
 struct SamiFrame {
     SamiFrameState eState;
     HeadTag eTag;
-    bool bParagraph;  // a good SYNC tag was read: a P tag is expected, not a SYNC tag
-    bool bLogged;     // the SYNC tag at hand has led to a log line
-    int32_t iResult;  // 0 while the frame is being read
+    bool bParagraph; // a good SYNC tag was read: a P tag is expected, not a SYNC tag
+    bool bLogged;    // the SYNC tag at hand has led to a log line
+    bool bDone;      // reading has ended, with iResult: 1 for a frame
+    int32_t iResult;
     uint32_t uiPlace; // of the SYNC tag at hand; NO_SYNC_PLACE while nobody has asked
     void *hFile;
     int32_t iStart; // of the SYNC tag, ms
@@ -75,6 +76,12 @@ bool Is_TagText(const char (&szText)[BYTES])
     return true;
 }
 
+void End_Frame(SamiFrame &stFrame, int32_t iResult)
+{
+    stFrame.bDone = true;
+    stFrame.iResult = iResult;
+}
+
 void Start_HeadTag(SamiFrame &stFrame)
 {
     s_pstTagControlInfo->ausTagBuf[0] = '<';
@@ -89,22 +96,63 @@ void Start_Text(SamiFrame &stFrame)
     stFrame.eState = E_FRAME_TEXT;
 }
 
-void Log_SeekFailed(int64_t llReached)
+void Fail_Seek(SamiFrame &stFrame, int64_t llReached)
 {
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                         " [%d] FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", __LINE__,
                         static_cast<int32_t>(llReached));
+    End_Frame(stFrame, -1);
 }
 
-void Read_On_At(SamiFrame &stFrame, uint32_t uiPlace)
+/** @return whether a P tag of this class stands at the read position; it is taken then. */
+bool Take_UsualParagraph(const CaptionClassInfo &stClass)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    uint16_t ausName[ZYR_CLASS_NAME_UNITS];
+    uint32_t uiNameUnits = 0;
+    const uint32_t uiUnits = stUnits.bEnough ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
+    if (uiUnits == 0 || uiNameUnits != stClass.uiNameLength ||
+        !std::equal(ausName, ausName + uiNameUnits, stClass.ausName))
+        return false;
+    Take_BufferUnits(stUnits, uiUnits);
+    return true;
+}
+
+/** Take a usual SYNC tag at the read position, and with it the usual P tag of the current class. */
+void Take_UsualHead(SamiFrame &stFrame)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    uint32_t uiStart = 0;
+    const uint32_t uiUnits = stUnits.bEnough ? Match_SyncTag(stUnits, &uiStart) : 0;
+    if (uiUnits == 0) return;
+    Take_BufferUnits(stUnits, uiUnits);
+    stFrame.iStart = static_cast<int32_t>(uiStart);
+    stFrame.iEnd = OPEN_END_PTS;
+    stFrame.bParagraph = true;
+    Skip_PlainRun<TAG_STOP>();
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (Take_UsualParagraph(stInfo.astClassInfo[stInfo.uiCurrClass])) Start_Text(stFrame);
+}
+
+void Go_To_Place(SamiFrame &stFrame, uint32_t uiPlace)
 {
     stFrame.uiPlace = uiPlace;
     stFrame.eState = E_FRAME_SEEK_TAG;
     const int64_t llReached =
         Move_ReadPosition(stFrame.hFile, Get_PlacePosition(uiPlace), E_READ_AHEAD_SHORT);
-    if (llReached >= 0) return;
-    Log_SeekFailed(llReached);
-    stFrame.iResult = -1;
+    if (llReached < 0)
+        Fail_Seek(stFrame, llReached);
+    else
+        Take_UsualHead(stFrame);
+}
+
+/** Read on behind a SYNC tag that does not lead to the text, at the next one that may. */
+void Read_On_Behind(SamiFrame &stFrame, uint32_t uiPassed)
+{
+    const uint32_t uiStop = Find_NextStop(pstQuibCaptionParserInfo->uiCurrClass, uiPassed + 1);
+    Go_To_Place(stFrame, uiStop);
+    const bool bTimesKnown = stFrame.bParagraph || stFrame.bDone || uiStop == uiPassed + 1;
+    if (!bTimesKnown && Needs_TimesBefore(uiStop)) Go_To_Place(stFrame, uiStop - 1);
 }
 
 /**
@@ -121,7 +169,7 @@ void Pass_SyncTag(SamiFrame &stFrame, uint32_t uiSelected)
         stFrame.uiPlace = Find_SyncPlace(pstQuibCaptionParserInfo->llCurrFilePos);
     if (!Is_SyncTagPlace(stFrame.uiPlace)) return;
     if (!bLogged) Note_PassedPlace(stFrame.uiPlace, uiSelected);
-    Read_On_At(stFrame, Find_NextPlace(pstQuibCaptionParserInfo->uiCurrClass, stFrame.uiPlace));
+    Read_On_Behind(stFrame, stFrame.uiPlace);
 }
 
 /** The name of a tag before the text has ended: what is it? */
@@ -209,6 +257,13 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
     return true;
 }
 
+/** @return whether the name of a SYNC tag stands at the read position. */
+bool Is_SyncAhead()
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    return stUnits.bEnough && Begins_With(stUnits, SYNC_NAME);
+}
+
 bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
 {
     if (usChar == ' ' || usChar == '\t') {
@@ -218,8 +273,12 @@ bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
     pstQuibCaptionParserInfo->ucPrevBlank = 0;
     switch (usChar) {
     case '<':
-        Begin_Markup(usChar);
-        stFrame.eState = E_FRAME_TAG;
+        if (Is_SyncAhead()) {
+            End_Frame(stFrame, 1);
+        } else {
+            Begin_Markup(usChar);
+            stFrame.eState = E_FRAME_TAG;
+        }
         break;
     case '&':
         Begin_Markup(usChar);
@@ -243,7 +302,7 @@ bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
     stFrame.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
     if (stFrame.eState != E_FRAME_TAG) return true;
     if (Is_TagText("<SYNC"))
-        stFrame.iResult = 1;
+        End_Frame(stFrame, 1);
     else if (s_pstTagControlInfo->uiTagLength > SYNC_NAME_UNITS)
         Collect_TagRun<TAG_ENDS>();
     return true;
@@ -267,25 +326,6 @@ bool Step_Frame(SamiFrame &stFrame, uint16_t usChar)
     }
 }
 
-/** @return 1, -1 when the file could not be moved, or a read's result below 1. */
-int32_t Go_To_Frame(void *hFile, int64_t llFilePos)
-{
-    const int64_t llReached = Move_ReadPosition(hFile, llFilePos, E_READ_AHEAD_SHORT);
-    if (llReached < 0) {
-        Log_SeekFailed(llReached);
-        return -1;
-    }
-    const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(hFile) : 1;
-    if (iRead < 1) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n",
-                            __LINE__, iRead);
-        return iRead;
-    }
-    pstQuibCaptionParserInfo->llCurrFilePos = llFilePos;
-    return 1;
-}
-
 /** @return 1; a frame ends where the next one of its class begins, if there is one. */
 int32_t Complete_Frame(const SamiFrame &stFrame)
 {
@@ -305,59 +345,51 @@ void Note_EndOfFile(const SamiFrame &stFrame)
     if (bLast && !stFrame.bLogged) Note_PassedPlace(stFrame.uiPlace, ZYR_CLASS_MAX);
 }
 
-/** @return whether a P tag of this class stands at the read position; it is taken then. */
-bool Take_UsualParagraph(const CaptionClassInfo &stClass)
+/** Go to a frame's SYNC tag and read from there. */
+void Read_From(SamiFrame &stFrame, int64_t llFilePos)
 {
-    const BufferUnits stUnits = Get_BufferUnits();
-    uint16_t ausName[ZYR_CLASS_NAME_UNITS];
-    uint32_t uiNameUnits = 0;
-    const uint32_t uiUnits = stUnits.bEnough ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
-    if (uiUnits == 0 || uiNameUnits != stClass.uiNameLength ||
-        !std::equal(ausName, ausName + uiNameUnits, stClass.ausName))
-        return false;
-    Take_BufferUnits(stUnits, uiUnits);
-    return true;
+    const int64_t llReached = Move_ReadPosition(stFrame.hFile, llFilePos, E_READ_AHEAD_SHORT);
+    if (llReached < 0) {
+        Fail_Seek(stFrame, llReached);
+        return;
+    }
+    const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(stFrame.hFile) : 1;
+    if (iRead >= 1) {
+        Take_UsualHead(stFrame);
+        return;
+    }
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", __LINE__,
+                        iRead);
+    End_Frame(stFrame, iRead);
 }
 
-/** Take a usual SYNC tag at the read position, and with it the usual P tag of the current class. */
-void Take_UsualHead(SamiFrame &stFrame)
+/** Begin with the frame at a file position, or where it is known to be read from. */
+void Start_Frame(SamiFrame &stFrame, int64_t llFilePos)
 {
-    const BufferUnits stUnits = Get_BufferUnits();
-    uint32_t uiStart = 0;
-    const uint32_t uiUnits = stUnits.bEnough ? Match_SyncTag(stUnits, &uiStart) : 0;
-    if (uiUnits == 0) return;
-    Take_BufferUnits(stUnits, uiUnits);
-    stFrame.iStart = static_cast<int32_t>(uiStart);
-    stFrame.bParagraph = true;
-    Skip_PlainRun<TAG_STOP>();
-    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    if (Take_UsualParagraph(stInfo.astClassInfo[stInfo.uiCurrClass])) Start_Text(stFrame);
+    stFrame.uiPlace = Find_PassedStart(pstQuibCaptionParserInfo->uiCurrClass, llFilePos);
+    if (stFrame.uiPlace == NO_SYNC_PLACE)
+        Read_From(stFrame, llFilePos);
+    else
+        Read_On_Behind(stFrame, stFrame.uiPlace);
+    if (!stFrame.bDone) pstQuibCaptionParserInfo->llCurrFilePos = llFilePos;
 }
 
-int32_t Read_Frame(void *hFile)
+void Read_Unit(SamiFrame &stFrame)
 {
-    SamiFrame stFrame = {};
-    stFrame.iEnd = OPEN_END_PTS;
-    stFrame.uiPlace = NO_SYNC_PLACE;
-    stFrame.hFile = hFile;
-    Take_UsualHead(stFrame);
-    for (;;) {
-        uint16_t usChar = 0;
-        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
-        if (iResult < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
-                                iResult);
-            return iResult;
-        }
-        if (iResult == 0) {
-            Mark_EndOfData();
-            if (stFrame.eState >= E_FRAME_TEXT) return Complete_Frame(stFrame);
-            Note_EndOfFile(stFrame);
-            return NO_CAPTION_DATA;
-        }
+    uint16_t usChar = 0;
+    const int32_t iResult = Get_CharCode(stFrame.hFile, &usChar, 0);
+    if (iResult > 0) {
         while (!Step_Frame(stFrame, usChar)) {}
-        if (stFrame.iResult != 0) return stFrame.iResult < 0 ? stFrame.iResult : Complete_Frame(stFrame);
+    } else if (iResult == 0) {
+        Mark_EndOfData();
+        if (stFrame.eState < E_FRAME_TEXT) Note_EndOfFile(stFrame);
+        End_Frame(stFrame, stFrame.eState < E_FRAME_TEXT ? NO_CAPTION_DATA : 1);
+    } else {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
+                            iResult);
+        End_Frame(stFrame, iResult);
     }
 }
 
@@ -367,7 +399,9 @@ int32_t FrameParser_SAMI(void)
 {
     if (!Is_StreamReady()) return -1;
     Clear_TagQueue();
-    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    SamiFrame stFrame = {};
+    stFrame.hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    stFrame.iEnd = OPEN_END_PTS;
     const uint32_t uiClass = pstQuibCaptionParserInfo->uiCurrClass;
     const uint32_t uiFrame = Find_NextFrame(uiClass);
     if (uiFrame >= s_uiFrameInfoNums) {
@@ -375,8 +409,9 @@ int32_t FrameParser_SAMI(void)
         return NO_CAPTION_DATA;
     }
     s_auiClassFrameCursor[uiClass] = uiFrame + 1;
-    const int32_t iResult = Go_To_Frame(hFile, s_pstFrameInfoArray[uiFrame].llFilePos);
-    return iResult < 1 ? iResult : Read_Frame(hFile);
+    Start_Frame(stFrame, s_pstFrameInfoArray[uiFrame].llFilePos);
+    while (!stFrame.bDone) Read_Unit(stFrame);
+    return stFrame.iResult == 1 ? Complete_Frame(stFrame) : stFrame.iResult;
 }
 
 int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPTS*/,

@@ -27,6 +27,7 @@ struct PlaceTree {
 uint32_t s_uiPlaceRoom = 0;     // places that the block has room for
 uint32_t s_uiPlaceNums = 0;     // SYNC tags; the end has this number
 bool s_bPlacesComplete = false; // the trees stand behind the places
+bool s_bPlacesPassed = false;   // something is known of them
 bool s_bPlacesEndFile = false;  // nothing follows the end
 uint32_t s_uiPlacesOption = 0;  // how the file's bytes were taken for characters
 PlaceTree s_stPlaceTree = {};
@@ -130,10 +131,12 @@ void Drop_SyncPlaces()
 {
     s_uiPlaceNums = 0;
     s_bPlacesComplete = false;
+    s_bPlacesPassed = false;
 }
 
 void Forget_PassedPlaces()
 {
+    s_bPlacesPassed = false;
     if (s_puiSyncPlaces != nullptr && s_bPlacesComplete)
         std::memset(Get_Tree(0), 0xFF, ZYR_CLASS_MAX * s_stPlaceTree.uiWords * sizeof(uint32_t));
 }
@@ -161,13 +164,25 @@ bool Is_SyncTagPlace(uint32_t uiPlace)
 
 void Note_PassedPlace(uint32_t uiPlace, uint32_t uiClass)
 {
+    s_bPlacesPassed = true;
     for (uint32_t uiOther = 0; uiOther < ZYR_CLASS_MAX; ++uiOther)
         if (uiOther != uiClass) Clear_Bit(Get_Tree(uiOther), uiPlace);
 }
 
-uint32_t Find_NextPlace(uint32_t uiClass, uint32_t uiPassed)
+uint32_t Find_NextStop(uint32_t uiClass, uint32_t uiPlace)
 {
-    const uint32_t uiStop = Find_SetBit(Get_Tree(uiClass), uiPassed + 1);
-    const bool bTimesMatter = uiStop < s_uiPlaceNums || !s_bPlacesEndFile;
-    return bTimesMatter && uiStop > uiPassed + 1 ? uiStop - 1 : uiStop;
+    return Find_SetBit(Get_Tree(uiClass), uiPlace);
+}
+
+uint32_t Find_PassedStart(uint32_t uiClass, int64_t llFilePos)
+{
+    if (!s_bPlacesPassed) return NO_SYNC_PLACE;
+    const uint32_t uiPlace = Find_SyncPlace(llFilePos);
+    const bool bPassed = Is_SyncTagPlace(uiPlace) && Find_NextStop(uiClass, uiPlace) > uiPlace + 1;
+    return bPassed ? uiPlace : NO_SYNC_PLACE;
+}
+
+bool Needs_TimesBefore(uint32_t uiPlace)
+{
+    return uiPlace < s_uiPlaceNums || !s_bPlacesEndFile;
 }

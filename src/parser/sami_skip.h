@@ -47,8 +47,15 @@ bool Is_SyncTagPlace(uint32_t uiPlace);
 /** Note that a SYNC tag is passed without a word by every class but uiClass (ZYR_CLASS_MAX: by all). */
 void Note_PassedPlace(uint32_t uiPlace, uint32_t uiClass);
 
+/** @return first place from uiPlace on that a class may not pass over. */
+uint32_t Find_NextStop(uint32_t uiClass, uint32_t uiPlace);
+
 /**
- * Find where the frame parser must read on behind a SYNC tag that a class has passed. The SYNC tags from
- * there on may not be passed, but for the first one, which is read for its times.
+ * @return place of a frame's SYNC tag at a file position when not only this one can be passed over; else
+ * NO_SYNC_PLACE
  */
-uint32_t Find_NextPlace(uint32_t uiClass, uint32_t uiPassed);
+uint32_t Find_PassedStart(uint32_t uiClass, int64_t llFilePos);
+
+/** @return whether a text that begins at a place without a good SYNC tag could be seen: it takes the times of
+ * the tag before. */
+bool Needs_TimesBefore(uint32_t uiPlace);
