@@ -41,17 +41,25 @@ constexpr StopUnits FIELD_STOPS = {3, {'\r', ',', ' '}, false};
 constexpr StopUnits OVERRIDE_STOPS = {3, {'\r', '{', '}'}, false};
 constexpr StopUnits TEXT_STOPS = {5, {0, '\t', '\r', '{', '\\'}, true};
 
-/** Put a unit into the tag buffer, and with it the units up to the next stop that the read buffer holds.
- * @return whether the tag buffer is full */
+/** Put the units up to the next stop that the read buffer holds into the tag buffer. One place is left, so
+ * that it is always Hold_Unit() that finds the buffer full. */
 template <StopUnits STOPS>
-bool Hold_Units(uint16_t usChar)
+void Hold_Run()
 {
+    constexpr uint32_t RUN_UNITS = TAG_BUF_UNITS - 1;
     TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength >= RUN_UNITS) return;
+    uint16_t *const pusTarget = stTag.ausTagBuf + stTag.uiTagLength;
+    stTag.uiTagLength += Take_PlainRun<STOPS>(pusTarget, RUN_UNITS - stTag.uiTagLength, false).uiUnits;
+}
+
+/** Put a unit into the tag buffer, and the run behind it. @return whether the unit has filled the buffer */
+template <StopUnits STOPS>
+bool Hold_Unit(uint16_t usChar)
+{
     Collect_TagUnit(usChar, TAG_BUF_UNITS);
-    stTag.uiTagLength +=
-        Take_PlainRun<STOPS>(stTag.ausTagBuf + stTag.uiTagLength, TAG_BUF_UNITS - stTag.uiTagLength, false)
-            .uiUnits;
-    return stTag.uiTagLength == TAG_BUF_UNITS;
+    Hold_Run<STOPS>();
+    return s_pstTagControlInfo->uiTagLength == TAG_BUF_UNITS;
 }
 
 /** Let the state that skips the line see the unit. */
@@ -220,27 +228,58 @@ void Apply_Style(const SSAStyleInfo &stStyle)
 
 // ---- States. Each function gives whether its unit is done with; if not, the next state sees it again ----
 
-bool Step_Key(FrameScan &stScan, uint16_t usChar)
+/** Take the field that the tag buffer holds. @return whether another one follows */
+bool Finish_Field(FrameScan &stScan)
 {
-    TagControlInfo &stTag = *s_pstTagControlInfo;
-    if (usChar == '\r') return Skip_Line(stScan);
-    if (usChar != ':') return Hold_Units<KEY_STOPS>(usChar) ? Skip_Line(stScan) : true;
-    Collect_TagUnit(usChar, TAG_BUF_UNITS);
-    const uint32_t eType = Get_SSALineType(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
-    stTag.uiTagLength = 0;
-    stScan.eState = eType == E_SSA_LINE_DIALOGUE ? E_SSA_FIELD : E_SSA_SKIP_LINE;
-    return true;
+    const bool bGoesOn = FieldTable[stScan.uiField](stScan.stFrame);
+    s_pstTagControlInfo->uiTagLength = 0;
+    ++stScan.uiField;
+    stScan.eState = !bGoesOn ? E_SSA_SKIP_LINE : stScan.uiField == FIELDS ? E_SSA_TEXT_START : E_SSA_FIELD;
+    return stScan.eState == E_SSA_FIELD;
 }
 
 bool Step_Field(FrameScan &stScan, uint16_t usChar)
 {
     if (usChar == ' ') return true;
     if (usChar == '\r') return Skip_Line(stScan);
-    if (usChar != ',') return Hold_Units<FIELD_STOPS>(usChar) ? Skip_Line(stScan) : true;
-    const bool bGoesOn = FieldTable[stScan.uiField](stScan.stFrame);
-    s_pstTagControlInfo->uiTagLength = 0;
-    if (!bGoesOn) return Skip_Line(stScan);
-    if (++stScan.uiField == FIELDS) stScan.eState = E_SSA_TEXT_START;
+    if (usChar == ',') {
+        if (Finish_Field(stScan)) Hold_Run<FIELD_STOPS>();
+        return true;
+    }
+    return Hold_Unit<FIELD_STOPS>(usChar) ? Skip_Line(stScan) : true;
+}
+
+/** What Step_Field() does, for the ASCII bytes that the read buffer holds: fields are short and many. */
+void Take_AsciiFields(FrameScan &stScan)
+{
+    if (s_uiTextEncoding == E_TEXT_ENCODING_UTF16LE || s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE) return;
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint8_t *pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    const uint8_t *const pucEnd = stInfo.pucStreamBuf + stInfo.iStreamDataSize;
+    while (pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES) &&
+           stTag.uiTagLength + BLOCK_BYTES < TAG_BUF_UNITS) {
+        const uint32_t uiPlain = Find_StopByte<FIELD_STOPS, false>(pucByte, false);
+        Store_Units(stTag.ausTagBuf + stTag.uiTagLength, pucByte);
+        stTag.uiTagLength += uiPlain;
+        pucByte += uiPlain;
+        if (uiPlain == BLOCK_BYTES) continue;
+        if (*pucByte != ' ' && *pucByte != ',') break;
+        if (*pucByte++ == ',' && !Finish_Field(stScan)) break;
+    }
+    stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
+}
+
+bool Step_Key(FrameScan &stScan, uint16_t usChar)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (usChar == '\r') return Skip_Line(stScan);
+    if (usChar != ':') return Hold_Unit<KEY_STOPS>(usChar) ? Skip_Line(stScan) : true;
+    Collect_TagUnit(usChar, TAG_BUF_UNITS);
+    const uint32_t eType = Get_SSALineType(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    stTag.uiTagLength = 0;
+    stScan.eState = eType == E_SSA_LINE_DIALOGUE ? E_SSA_FIELD : E_SSA_SKIP_LINE;
+    if (stScan.eState == E_SSA_FIELD) Take_AsciiFields(stScan);
     return true;
 }
 
@@ -295,7 +334,7 @@ bool Step_Override(FrameScan &stScan, uint16_t usChar)
         return true;
     }
     if (usChar == '\r' || usChar == '{') return Skip_Line(stScan);
-    return Hold_Units<OVERRIDE_STOPS>(usChar) ? Skip_Line(stScan) : true;
+    return Hold_Unit<OVERRIDE_STOPS>(usChar) ? Skip_Line(stScan) : true;
 }
 
 bool Step_Escape(FrameScan &stScan, uint16_t usChar)
@@ -407,6 +446,7 @@ int32_t FrameParser_SSA(void)
     }
     pstQuibCaptionParserInfo->llCurrFilePos = llReached;
     s_pstTagControlInfo->uiTagLength = 0;
+    Hold_Run<KEY_STOPS>();
     FrameScan stScan = {};
     for (;;) {
         uint16_t usChar = 0;

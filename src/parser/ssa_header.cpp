@@ -69,13 +69,41 @@ struct HeaderScan {
 constexpr StopUnits CR_STOP = {1, {'\r'}, false};
 constexpr StopUnits LF_STOP = {1, {'\n'}, false};
 constexpr StopUnits SECTION_STOP = {1, {'['}, false};
-constexpr StopUnits FIELD_STOPS = {2, {'\r', ','}, false};
+constexpr StopUnits KEY_STOPS = {4, {'\r', ':', ';', '['}, false};
+constexpr StopUnits MARKED_STOPS = {2, {'\r', ','}, false};
+constexpr StopUnits START_STOPS = {3, {'\r', ',', ' '}, false};
+constexpr StopUnits STYLE_STOPS = {4, {'\r', ',', ';', ' '}, false};
 
 /** Put a unit into the tag buffer. @return whether that has filled it. */
 bool Hold_Unit(uint16_t usChar)
 {
     Collect_TagUnit(usChar, TAG_BUF_UNITS);
     return s_pstTagControlInfo->uiTagLength == TAG_BUF_UNITS;
+}
+
+/** Double-byte characters, as the reader gives them in raw mode. */
+void Hide_DoubleBytes(uint16_t *pusUnits, uint32_t uiNums)
+{
+    if (s_uiTextEncoding != E_TEXT_ENCODING_ANSI) return;
+    for (uint32_t uiPos = 0; uiPos < uiNums; ++uiPos)
+        if (pusUnits[uiPos] > 0xFF) pusUnits[uiPos] = 0xFFFF;
+}
+
+/** Put the units up to the next stop that the read buffer holds into the tag buffer. One place is left, so
+ * that it is always Hold_Unit() that finds the buffer full. */
+template <StopUnits STOPS>
+void Hold_Run(HeaderScan &stScan)
+{
+    constexpr uint32_t RUN_UNITS = TAG_BUF_UNITS - 1;
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength >= RUN_UNITS) return;
+    const int32_t iBefore = stInfo.iStreamBufIndex;
+    uint16_t *const pusTarget = stTag.ausTagBuf + stTag.uiTagLength;
+    const uint32_t uiUnits = Take_PlainRun<STOPS>(pusTarget, RUN_UNITS - stTag.uiTagLength, false).uiUnits;
+    if (stScan.iRawMode != 0) Hide_DoubleBytes(pusTarget, uiUnits);
+    stScan.llLineBytes += stInfo.iStreamBufIndex - iBefore;
+    stTag.uiTagLength += uiUnits;
 }
 
 /** Let the next state see the unit again. */
@@ -228,6 +256,7 @@ bool Step_LineEnd(HeaderScan &stScan, uint16_t usChar)
     s_pstTagControlInfo->uiTagLength = 0;
     stScan.llLineBytes = 0;
     stScan.eState = E_HEADER_KEY;
+    Hold_Run<KEY_STOPS>(stScan);
     return true;
 }
 
@@ -240,6 +269,7 @@ bool Begin_Value(HeaderScan &stScan)
     case E_SSA_LINE_DIALOGUE:
         stScan.iRawMode = 1; // from here on only times and line ends are read
         stScan.eState = E_HEADER_MARKED;
+        stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
         break;
     case E_SSA_LINE_STYLE:
         stScan.stStyle = {};
@@ -279,7 +309,10 @@ bool Step_Style(HeaderScan &stScan, uint16_t usChar)
     if (usChar == ' ') return true;
     if (usChar == ',') {
         Finish_StyleField(stScan);
-        if (stScan.uiField++ == LAST_STYLE_FIELD) stScan.eState = E_HEADER_SKIP_LINE;
+        if (stScan.uiField++ == LAST_STYLE_FIELD)
+            stScan.eState = E_HEADER_SKIP_LINE;
+        else
+            Hold_Run<STYLE_STOPS>(stScan);
         return true;
     }
     if (usChar != '\r' && usChar != ';' && !Hold_Unit(usChar)) return true;
@@ -290,10 +323,12 @@ bool Step_Style(HeaderScan &stScan, uint16_t usChar)
 bool Step_Marked(HeaderScan &stScan, uint16_t usChar)
 {
     if (usChar == '\r') return Hand_On(stScan, E_HEADER_SKIP_LINE);
-    if (usChar == ',')
+    if (usChar == ',') {
         stScan.eState = E_HEADER_START;
-    else
-        stScan.llLineBytes += Skip_PlainRun<FIELD_STOPS>();
+        Hold_Run<START_STOPS>(stScan);
+    } else {
+        stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
+    }
     return true;
 }
 
@@ -303,6 +338,7 @@ bool Step_Start(HeaderScan &stScan, uint16_t usChar)
     if (usChar == ',') {
         Add_Frame(stScan);
         stScan.eState = E_HEADER_SKIP_LINE;
+        Skip_PlainRun<CR_STOP>();
         return true;
     }
     return usChar == '\r' || Hold_Unit(usChar) ? Hand_On(stScan, E_HEADER_SKIP_LINE) : true;

@@ -55,7 +55,7 @@ uint32_t Compare_StringNoCase(const void *pvA, const void *pvB, uint32_t uiLen)
     const uint8_t *const pucA = static_cast<const uint8_t *>(pvA);
     const uint8_t *const pucB = static_cast<const uint8_t *>(pvB);
     for (uint32_t uiPos = 0; uiPos < uiLen; ++uiPos)
-        if (To_Upper(pucA[uiPos]) != To_Upper(pucB[uiPos])) return 0;
+        if (pucA[uiPos] != pucB[uiPos] && To_Upper(pucA[uiPos]) != To_Upper(pucB[uiPos])) return 0;
     return 1;
 }
 
