@@ -22,7 +22,7 @@ TEST(ZyrsubPlay, TerminalIntoAPipe)
 {
     const auto stBegin = Clock::now();
     const RunResult stRun =
-        Run_Zyrsub({"play", "--terminal", "--speed", "10", "--from", "2", Sample("subrip-crlf.srt")});
+        Run_Zyrsub({"play", "--terminal", "--speed", "10", "--from", "2s", Sample("subrip-crlf.srt")});
     EXPECT_EQ(stRun.iCode, 0) << stRun.strErr;
     EXPECT_EQ(stRun.strOut,
               "0:00:02.000  The lamp is lit at dusk.\n"

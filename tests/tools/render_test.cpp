@@ -46,7 +46,7 @@ TEST(ZyrsubRender, EveryOutput)
     for (const OutputMode &stMode : List_OutputModes()) {
         SCOPED_TRACE(stMode.pszName);
         const Picture stPicture =
-            Render({Sample("subrip-cp949.srt"), "--at", "5", "--output", stMode.pszName});
+            Render({Sample("subrip-cp949.srt"), "--at", "5s", "--output", stMode.pszName});
         ASSERT_EQ(stPicture.uiWidth, stMode.uiWidth);
         ASSERT_EQ(stPicture.uiHeight, stMode.uiHeight);
         const Marks stMarks = Find_Marks(stPicture);
@@ -62,11 +62,11 @@ TEST(ZyrsubRender, EveryOutput)
 TEST(ZyrsubRender, TimesPositionAndSize)
 {
     const std::string strSample = Sample("subrip-crlf.srt");
-    EXPECT_EQ(Find_Marks(Render({strSample, "--at", "0.999"})).uiPixels, 0U);
-    EXPECT_EQ(Find_Marks(Render({strSample, "--at", "3.5"})).uiPixels, 0U);
+    EXPECT_EQ(Find_Marks(Render({strSample, "--at", "999"})).uiPixels, 0U);
+    EXPECT_EQ(Find_Marks(Render({strSample, "--at", "3.5s"})).uiPixels, 0U);
     const Marks stFirst = Find_Marks(Render({strSample}));
     EXPECT_GT(stFirst.uiPixels, 0U);
-    EXPECT_EQ(Find_Marks(Render({strSample, "--at", "1"})).uiPixels, stFirst.uiPixels);
+    EXPECT_EQ(Find_Marks(Render({strSample, "--at", "1s"})).uiPixels, stFirst.uiPixels);
     const Marks stUp = Find_Marks(Render({strSample, "--position", "116"}));
     EXPECT_EQ(stUp.uiBottom + 100, stFirst.uiBottom);
     const Marks stLarge = Find_Marks(Render({strSample, "--font-size", "40"}));

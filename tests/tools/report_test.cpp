@@ -77,15 +77,15 @@ TEST(ZyrsubFrames, FromToCount)
     } astCases[] = {
         {{"subrip-crlf.srt"}, {1000, 4000, 7000, 9500}},
         {{"subrip-crlf.srt", "--from", "0:00:05"}, {4000, 7000, 9500}},
-        {{"subrip-crlf.srt", "--from", "5", "--to", "7000ms"}, {4000, 7000}},
-        {{"subrip-crlf.srt", "--to", "6.999"}, {1000, 4000}},
+        {{"subrip-crlf.srt", "--from", "5s", "--to", "7000"}, {4000, 7000}},
+        {{"subrip-crlf.srt", "--to", "6.999s"}, {1000, 4000}},
         {{"subrip-crlf.srt", "--count", "2"}, {1000, 4000}},
-        {{"sami-interleaved.smi", "--from", "4", "--class", "ENCC"}, {4000, 6500, 7000, 9000, 9500, 12000}},
-        {{"ssa-styles.ssa", "--from", "4", "--count", "1"}, {1000}},
-        {{"ssa-unordered.ssa", "--from", "4", "--count", "2"}, {3000, 5000}},
+        {{"sami-interleaved.smi", "--from", "4s", "--class", "ENCC"}, {4000, 6500, 7000, 9000, 9500, 12000}},
+        {{"ssa-styles.ssa", "--from", "4s", "--count", "1"}, {1000}},
+        {{"ssa-unordered.ssa", "--from", "4s", "--count", "2"}, {3000, 5000}},
         {{"ssa-unordered.ssa"}, {5000, 5000, 7000, 9000}},
         {{"ssa-unordered.ssa", "--from", "0"}, {1000, 3000, 5000, 5000, 7000, 9000}},
-        {{"subviewer.sub", "--from", "8"}, {7000, 9500}},
+        {{"subviewer.sub", "--from", "8s"}, {7000, 9500}},
     };
     for (auto stCase : astCases) {
         std::string strShown;

@@ -26,15 +26,15 @@ static constexpr const char *FRAMES_FOOTER = R"(Examples:
   zyrsub frames movie.smi --together                the languages of one moment in one text
   zyrsub frames old.srt --codepage CP1252 --single-byte
 
-Times are H:MM:SS.mmm, MM:SS, seconds (90 or 1.5) or milliseconds (1500ms). --from jumps as a player does,
-and where that leads differs by format: SubRip and SubViewer go on with the caption that starts at or before
-the time, SAMI with the first one from it on. SSA looks back from its first line, and begins with the last one
-before the time or with that first line.)";
+Times are milliseconds (1500), 1.5s, 1m30s, H:MM:SS.mmm or MM:SS. --from jumps as a player does, and where
+that leads differs by format: SubRip and SubViewer go on with the caption that starts at or before the time,
+SAMI with the first one from it on. SSA looks back from its first line, and begins with the last one before
+the time or with that first line.)";
 
 static constexpr const char *RENDER_FOOTER = R"(Examples:
   zyrsub render movie.srt                                   the first caption
   zyrsub render movie.srt --at 1:30.5 -o shot.png
-  zyrsub render movie.smi --at 90 --output hdmi-720p --background still.png -o shot.png
+  zyrsub render movie.smi --at 90s --output hdmi-720p --background still.png -o shot.png
   zyrsub render movie.srt --all --sheet sheet.png           all captions on one sheet, with their times
 
 Outputs: )";
@@ -57,7 +57,7 @@ static void Set_Time(const std::string &strName, const std::string &strText, std
     uiMs = Parse_Time(strText);
     if (!uiMs)
         throw CLI::ValidationError(strName,
-                                   "'" + strText + "' is not a time (H:MM:SS.mmm, MM:SS, seconds or Nms)");
+                                   "'" + strText + "' is not a time (1500, 1.5s, 1m30s, H:MM:SS.mmm)");
 }
 
 static void Add_Time(CLI::App *pstApp, const std::string &strName, std::optional<uint32_t> &uiMs,

@@ -1,10 +1,12 @@
 #include "time_text.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
-// Digits with at most one point; std::from_chars would also take exponents, signs and names.
+// Digits with at most one point; std::from_chars alone would also take exponents, signs and names. The
+// locale has no say in it.
 static std::optional<double> Parse_Number(std::string_view strText)
 {
     std::string strPlain;
@@ -18,7 +20,9 @@ static std::optional<double> Parse_Number(std::string_view strText)
         strPlain += bIsPoint ? '.' : cChar;
     }
     if (!bDigit || strPlain.size() > 40) return std::nullopt;
-    return std::strtod(strPlain.c_str(), nullptr);
+    double dNumber = 0;
+    std::from_chars(strPlain.data(), strPlain.data() + strPlain.size(), dNumber);
+    return dNumber;
 }
 
 static std::optional<uint32_t> Round_Ms(double dMs)
@@ -52,14 +56,39 @@ static std::optional<double> Parse_Clock(std::string_view strText)
     return std::nullopt;
 }
 
+// 1h2m3.5s: each unit at most once, the larger first, a fraction only in the last.
+static std::optional<double> Parse_Units(std::string_view strText)
+{
+    static constexpr struct {
+        char cUnit;
+        int iSeconds;
+    } UNITS[] = {{'h', 3600}, {'m', 60}, {'s', 1}};
+    double dSeconds = 0;
+    for (const auto &stUnit : UNITS) {
+        const size_t uiUnit = strText.find(stUnit.cUnit);
+        if (uiUnit == std::string_view::npos) continue;
+        const std::string_view strNumber = strText.substr(0, uiUnit);
+        const std::optional<double> dNumber = Parse_Number(strNumber);
+        strText.remove_prefix(uiUnit + 1);
+        const bool bFraction = strNumber.find_first_of(".,") != std::string_view::npos;
+        if (!dNumber || (bFraction && !strText.empty())) return std::nullopt;
+        dSeconds += *dNumber * stUnit.iSeconds;
+    }
+    return strText.empty() ? std::optional(dSeconds) : std::nullopt;
+}
+
 std::optional<uint32_t> Parse_Time(std::string_view strText)
 {
-    if (Cut_Suffix(strText, "ms")) {
+    const bool bWhole = !strText.empty() && strText.find_first_not_of("0123456789") == std::string_view::npos;
+    if (bWhole || Cut_Suffix(strText, "ms")) {
         const std::optional<double> dMs = Parse_Number(strText);
         return dMs ? Round_Ms(*dMs) : std::nullopt;
     }
-    const bool bSeconds = Cut_Suffix(strText, "s");
-    const std::optional<double> dSeconds = bSeconds ? Parse_Number(strText) : Parse_Clock(strText);
+    std::optional<double> dSeconds;
+    if (strText.find(':') != std::string_view::npos)
+        dSeconds = Parse_Clock(strText);
+    else if (strText.find_first_of("hms") != std::string_view::npos)
+        dSeconds = Parse_Units(strText);
     return dSeconds ? Round_Ms(*dSeconds * 1000) : std::nullopt;
 }
 

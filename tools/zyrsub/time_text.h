@@ -10,8 +10,9 @@
 // The end of a frame whose file does not tell one.
 constexpr int32_t OPEN_END = 0x7FFFFFFF;
 
-// H:MM:SS.mmm, MM:SS.mmm, seconds (12, 1.5, 1.5s) or milliseconds (1500ms); a comma serves as the point.
-// Nothing for any other text, and for times from 0x7FFFFFFF ms on.
+// H:MM:SS.mmm, MM:SS.mmm, 1h2m3.5s with any of its units, or milliseconds (1500, 1500ms); a comma serves as
+// the point. Nothing for any other text, a fraction without a unit among them, and for times from 0x7FFFFFFF
+// ms on.
 std::optional<uint32_t> Parse_Time(std::string_view strText);
 
 // H:MM:SS.mmm
