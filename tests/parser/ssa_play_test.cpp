@@ -229,6 +229,13 @@ TEST_F(SsaTest, FailuresAreReported)
     EXPECT_EQ(zyrSubtitle_seek(0), 1u);
     EXPECT_EQ(Count_Log("Seek_SSA() - QUIBCAPTCB_FileSeek() Failed! (ERROR = -2)"), 1u);
     EXPECT_EQ(Read_Texts(), "x|");
+    // A file that can be moved anywhere gives a frame behind the last line too, and says that it is one.
+    zyr_host_setFileHook(
+        [](int iCall, uint32_t, int32_t iReal, void *) { return iCall == ZYR_HOST_SEEK ? 0 : iReal; },
+        nullptr);
+    EXPECT_EQ(FrameParser_SSA(), -6);
+    EXPECT_EQ(s_stCaptionFrameList.uiCurrNode, Get_TailNode());
+    zyr_host_setFileHook(nullptr, nullptr);
 
     std::string strMany = EVENTS;
     for (uint32_t uiLine = 0; uiLine < 100; ++uiLine) strMany += Second(9 - uiLine % 9, "x");

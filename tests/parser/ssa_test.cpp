@@ -22,7 +22,7 @@ TEST_F(SsaTest, SectionsAreKnownByTheBeginningOfTheirNames)
         {"[SCRIPT INFO and more]", 1}, {"[V4+ Styles]", 0}, {"[Event]", 0}, {"[]", 0}, {"[Ev[Events]", 1},
         {"[Events\r\n]", 0}, {"x [Events]", 1}, {"[Fonts]\r\n[Events]", 1}, {"[Events" + LONG + "]", 1},
         {"[Events" + LONG + "x]", 0}, {"[Events" + Repeat('x', 600) + "]", 0},
-        {"[Ev\xEC\x95\x88nts]", 0, 1}, {"[Script Info]\r\n;" + Repeat('k', 600) + "[Fonts]", 1},
+        {"[Ev\xEC\x95\x88nts]", 0, 1}, {"[Script Info]\r\n;[Fonts]", 1},
     };
     // clang-format on // a comment hides a section
     for (const auto &stCase : astCase) {
@@ -30,6 +30,10 @@ TEST_F(SsaTest, SectionsAreKnownByTheBeginningOfTheirNames)
         EXPECT_EQ(s_stCaptionFrameList.uiNodeNum, stCase.uiNodes) << stCase.strHead;
         EXPECT_EQ(Count_Log("Bad SSA LineType Name Character! [0xC548]"), stCase.uiLogs) << stCase.strHead;
     }
+    // Double-byte characters are not decoded once the first line has been found.
+    ASSERT_TRUE(Play("[A\xB0\xA1]" + EVENTS + Second(1, "x") + "[B\xB0\xA1]\r\n[Events]\r\n\xB0\xA1:\r\n"));
+    EXPECT_EQ(Count_Log("Bad SSA LineType Name Character! [0xB0A1]"), 1u);
+    EXPECT_EQ(Count_Log("Bad SSA LineType Name Character! [0xFFFF]"), 2u);
 }
 
 TEST_F(SsaTest, AKeyOf512UnitsHidesASectionBehindIt)
@@ -294,6 +298,7 @@ TEST_F(SsaTest, FieldsHoldLessThan512Units)
     EXPECT_EQ(Play_Line("Dialogue: 0,0:00:01.00,0:00:02.00,S\r\n"), (TestFrame{0, 1000, 2000, ""}));
     EXPECT_EQ(Play_Line("Dialogue: 0,0:00:01.00,0:00:02.00,S,,0,0,0,,cut"),
               (TestFrame{0, 1000, 2000, "cut"}));
+    EXPECT_EQ(pstQuibCaptionParserInfo->astStreamInfo[0].iStreamDataSize, NO_CAPTION_DATA);
     EXPECT_EQ(Play_Line(Line(Repeat('1', 5000), "x")).strText, "(none)");
 }
 
