@@ -55,8 +55,10 @@ ZYR_API uint32_t zyrSubtitle_close(void);
  *                             zyrSubtitle_getOutputTextCharacterSet() tells, and at least two zero bytes
  *
  * @return 0  a frame was delivered
- *         1  no frame: end of the subtitle, parse error, or nothing open; nothing is written. The end stays
- * the end until a seek 2  one of the last five pointers is NULL; nothing is parsed or written
+ *         1  no frame: end of the subtitle, parse error, or nothing open; nothing is written
+ *         2  one of the last five pointers is NULL; nothing is parsed or written
+ *
+ * The end of the subtitle stays the end until a seek.
  *
  * Ownership: *ppucText belongs to the engine. It is valid until the next zyrSubtitle_getFrame() or
  * zyrSubtitle_close(); copy it to keep it, never free it.
