@@ -39,11 +39,10 @@ calls=$(sed -n 's/^ \{4\}\([A-Za-z_0-9]*\);$/\1/p' "$source/src/exports.map" "$s
     grep -vE '^(ZYR_|__android|pmap|property|zyr_ccfb|zyr_platform)')
 for call in $calls; do
     [ -e "$man/man3/$call.3" ] || { fail "no page for $call"; continue; }
-    family=$man/man3/$(sed -n 's,^\.so man3/,,p' "$man/man3/$call.3")
-    [ ! -f "$family" ] || grep -qE "^\.SS \".*\b$call\b" "$family" || fail "$family lacks $call"
+    read -r _ family <"$man/man3/$call.3"
+    grep -qE "^\.SS \".*\b$call\b" "$man/$family" || fail "$family lacks $call"
 done
-for page in "$man"/man3/*.3 "$man/tool/zyrsub.1" "$man/zyrsubtitle.5"; do
-    faults=$(cd "$man" && groff -man -Tutf8 -ww -z "$page" 2>&1) || true
-    [ -z "$faults" ] || fail "$faults"
-done
+readarray -t whole < <(grep -L '^\.so ' "$man"/man3/*.3)
+faults=$(cd "$man" && groff -man -Tutf8 -ww -z "${whole[@]}" tool/zyrsub.1 zyrsubtitle.5 2>&1) || true
+[ -z "$faults" ] || fail "$faults"
 exit $failed
