@@ -77,17 +77,25 @@ int Compare_Names(const StyleEntry *pstA, const uint16_t *pusB, uint32_t uiUnits
     return std::memcmp(Get_Name(pstA), pusB, uiUnits * UNIT_BYTES);
 }
 
-/** Merge two sorted runs of papstFrom, [0, uiMiddle) and [uiMiddle, uiEnd); of equal names the first run's
- * come first. */
+bool Is_Before(const StyleEntry *pstA, const StyleEntry *pstB)
+{
+    return Compare_Names(pstA, Get_Name(pstB), ZYR_SSA_NAME_UNITS) < 0;
+}
+
+/** Merge two sorted runs of papstFrom, [0, uiMiddle) and [uiMiddle, uiEnd). Files often hold them in order.
+ */
 void Merge_Runs(StyleEntry *const *papstFrom, uint32_t uiMiddle, uint32_t uiEnd, StyleEntry **papstTo)
 {
+    if (uiMiddle == uiEnd || !Is_Before(papstFrom[uiMiddle], papstFrom[uiMiddle - 1])) {
+        std::memcpy(papstTo, papstFrom, size_t{uiEnd} * ENTRY_POINTER_BYTES);
+        return;
+    }
     uint32_t uiLeft = 0;
     uint32_t uiRight = uiMiddle;
     for (uint32_t uiPos = 0; uiPos < uiEnd; ++uiPos) {
-        const bool bLeft = uiRight == uiEnd || (uiLeft < uiMiddle &&
-                                                Compare_Names(papstFrom[uiLeft], Get_Name(papstFrom[uiRight]),
-                                                              ZYR_SSA_NAME_UNITS) <= 0);
-        papstTo[uiPos] = papstFrom[bLeft ? uiLeft++ : uiRight++];
+        const bool bRight =
+            uiLeft == uiMiddle || (uiRight < uiEnd && Is_Before(papstFrom[uiRight], papstFrom[uiLeft]));
+        papstTo[uiPos] = papstFrom[bRight ? uiRight++ : uiLeft++];
     }
 }
 
@@ -110,13 +118,11 @@ StyleEntry *Get_Earlier(StyleEntry *pstA, StyleEntry *pstB)
     return pstA->uiPlace < pstB->uiPlace ? pstA : pstB;
 }
 
-/** First place, in the order of names, whose beginning is above the text, or (bEqual) at least equal to it.
- */
-uint32_t Find_Bound(const uint16_t *pusText, uint32_t uiUnits, bool bEqual)
+/** First place of [uiLow, uiHigh), in the order of names, whose beginning is above the text, or (bEqual) at
+ * least equal to it; uiHigh when there is none. */
+uint32_t Find_Bound(const uint16_t *pusText, uint32_t uiUnits, bool bEqual, uint32_t uiLow, uint32_t uiHigh)
 {
     StyleEntry *const *const papstSorted = s_stStyles.papstIndex + s_stStyles.uiIndexed;
-    uint32_t uiLow = 0;
-    uint32_t uiHigh = s_stStyles.uiIndexed;
     while (uiLow < uiHigh) {
         const uint32_t uiMiddle = uiLow + (uiHigh - uiLow) / 2;
         const int iOrder = Compare_Names(papstSorted[uiMiddle], pusText, uiUnits);
@@ -131,8 +137,14 @@ uint32_t Find_Bound(const uint16_t *pusText, uint32_t uiUnits, bool bEqual)
 const SSAStyleInfo *Find_InIndex(const uint16_t *pusText, uint32_t uiUnits)
 {
     StyleEntry *const *const papstIndex = s_stStyles.papstIndex;
-    uint32_t uiFrom = Find_Bound(pusText, uiUnits, true) + s_stStyles.uiIndexed;
-    uint32_t uiTo = Find_Bound(pusText, uiUnits, false) + s_stStyles.uiIndexed;
+    const uint32_t uiNums = s_stStyles.uiIndexed;
+    const uint32_t uiStart = Find_Bound(pusText, uiUnits, true, 0, uiNums);
+    uint32_t uiEnd = uiStart; // few names begin alike: feel the way to the end of them
+    for (uint32_t uiStep = 1; uiEnd < uiNums; uiEnd += uiStep, uiStep *= 2)
+        if (Compare_Names(papstIndex[uiNums + uiEnd], pusText, uiUnits) != 0) break;
+    if (uiEnd > uiNums) uiEnd = uiNums;
+    uint32_t uiFrom = uiStart + uiNums;
+    uint32_t uiTo = Find_Bound(pusText, uiUnits, false, uiStart, uiEnd) + uiNums;
     StyleEntry *pstFirst = nullptr;
     for (; uiFrom < uiTo; uiFrom /= 2, uiTo /= 2) {
         if (uiFrom % 2 != 0) pstFirst = Get_Earlier(pstFirst, papstIndex[uiFrom++]);

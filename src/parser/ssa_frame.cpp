@@ -8,6 +8,7 @@
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
 #include "parser/html_tag.h"
+#include "parser/ssa_line.h"
 #include "parser/ssa_override.h"
 #include "parser/tag_command.h"
 #include "parser/text_helpers.h"
@@ -270,6 +271,12 @@ void Take_AsciiFields(FrameScan &stScan)
     stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
 }
 
+void Begin_Fields(FrameScan &stScan)
+{
+    stScan.eState = E_SSA_FIELD;
+    Take_AsciiFields(stScan);
+}
+
 bool Step_Key(FrameScan &stScan, uint16_t usChar)
 {
     TagControlInfo &stTag = *s_pstTagControlInfo;
@@ -278,8 +285,8 @@ bool Step_Key(FrameScan &stScan, uint16_t usChar)
     Collect_TagUnit(usChar, TAG_BUF_UNITS);
     const uint32_t eType = Get_SSALineType(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
     stTag.uiTagLength = 0;
-    stScan.eState = eType == E_SSA_LINE_DIALOGUE ? E_SSA_FIELD : E_SSA_SKIP_LINE;
-    if (stScan.eState == E_SSA_FIELD) Take_AsciiFields(stScan);
+    if (eType != E_SSA_LINE_DIALOGUE) return Skip_Line(stScan);
+    Begin_Fields(stScan);
     return true;
 }
 
@@ -446,8 +453,11 @@ int32_t FrameParser_SSA(void)
     }
     pstQuibCaptionParserInfo->llCurrFilePos = llReached;
     s_pstTagControlInfo->uiTagLength = 0;
-    Hold_Run<KEY_STOPS>();
     FrameScan stScan = {};
+    if (Take_DialogueKey() > 0)
+        Begin_Fields(stScan);
+    else
+        Hold_Run<KEY_STOPS>();
     for (;;) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);

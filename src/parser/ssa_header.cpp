@@ -7,6 +7,7 @@
 #include "caption/style_list.h"
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
+#include "parser/ssa_line.h"
 #include "parser/text_helpers.h"
 #include "zyr_log.h"
 
@@ -245,6 +246,13 @@ bool Step_SkipLine(HeaderScan &stScan, uint16_t usChar)
     return true;
 }
 
+void Begin_Dialogue(HeaderScan &stScan)
+{
+    stScan.iRawMode = 1; // from here on only times and line ends are read
+    stScan.eState = E_HEADER_MARKED;
+    stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
+}
+
 bool Step_LineEnd(HeaderScan &stScan, uint16_t usChar)
 {
     if (usChar != '\n') {
@@ -254,7 +262,11 @@ bool Step_LineEnd(HeaderScan &stScan, uint16_t usChar)
     if (stScan.eSection == E_SSA_SECTION_EVENTS && stScan.llEventsPos < 0)
         Get_Position(stScan, &stScan.llEventsPos);
     s_pstTagControlInfo->uiTagLength = 0;
-    stScan.llLineBytes = 0;
+    stScan.llLineBytes = Take_DialogueKey();
+    if (stScan.llLineBytes > 0) {
+        Begin_Dialogue(stScan);
+        return true;
+    }
     stScan.eState = E_HEADER_KEY;
     Hold_Run<KEY_STOPS>(stScan);
     return true;
@@ -266,11 +278,7 @@ bool Begin_Value(HeaderScan &stScan)
     const uint32_t eType = Get_SSALineType(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
     stTag.uiTagLength = 0;
     switch (eType) {
-    case E_SSA_LINE_DIALOGUE:
-        stScan.iRawMode = 1; // from here on only times and line ends are read
-        stScan.eState = E_HEADER_MARKED;
-        stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
-        break;
+    case E_SSA_LINE_DIALOGUE: Begin_Dialogue(stScan); break;
     case E_SSA_LINE_STYLE:
         stScan.stStyle = {};
         stScan.uiField = 0;

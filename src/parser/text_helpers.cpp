@@ -73,16 +73,15 @@ uint32_t Copy_AsciiUnits(char *pszTarget, const uint16_t *pusUnits, uint32_t uiL
 
 uint32_t Parse_SSAPts(const uint16_t *pusTime, int32_t iLen)
 {
-    // Weight of each digit in milliseconds: H MM SS CC.
-    constexpr uint32_t WEIGHTS[PTS_DIGITS] = {3600000, 600000, 60000, 10000, 1000, 100, 10};
     uint32_t uiDigits = 0;
-    uint32_t uiMs = 0;
+    uint32_t uiNumber = 0; // HMMSSCC; of more digits than that only their count matters
     for (int32_t iPos = 0; pusTime != nullptr && iPos < iLen; ++iPos) {
         if (!Is_Digit(pusTime[iPos])) continue;
-        if (uiDigits < PTS_DIGITS) uiMs += (pusTime[iPos] - '0') * WEIGHTS[uiDigits];
+        uiNumber = uiNumber * 10 + (pusTime[iPos] - '0');
         ++uiDigits;
     }
-    if (uiDigits == PTS_DIGITS) return uiMs;
+    if (uiDigits == PTS_DIGITS)
+        return uiNumber / 1000000 * 3600000 + uiNumber / 10000 % 100 * 60000 + uiNumber % 10000 * 10;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                         " [%d] SSA PTS FORMAT is BAD! Number Argument = [%d]\n", __LINE__,
                         static_cast<int32_t>(uiDigits));
