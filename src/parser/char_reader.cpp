@@ -21,6 +21,7 @@ int64_t s_llReaderPos = -1;
 constexpr uint32_t SHORT_FILL_BYTES = 512; // most frames fit
 constexpr uint32_t FILL_GROWTH = 8;        // a frame that does not fit is likely to be a long one
 constexpr int64_t NEAR_BYTES = 4096;       // a jump forward by less than this is reading on
+constexpr int64_t LOOK_AHEAD_BYTES = 12;   // so is one back over what was read to see a frame's end
 
 StreamWindow &Get_Window()
 {
@@ -236,7 +237,8 @@ int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
     }
     s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llPos, 0);
     if (s_llReaderPos < 0) return s_llReaderPos;
-    const bool bReadingOn = bKnown && llPos >= llEnd && llPos - llEnd < NEAR_BYTES;
+    const bool bReadingOn = bKnown && (llPos < stWindow.llStart ? stWindow.llStart - llPos < LOOK_AHEAD_BYTES
+                                                                : llPos - llEnd < NEAR_BYTES);
     if (eReadAhead == E_READ_AHEAD_FULL)
         stWindow.uiFillBytes = 0;
     else if (!bReadingOn) // else reads go on growing

@@ -1,0 +1,277 @@
+// What the scan of a SAMI file finds: frames with their places and times, and the language classes.
+
+#include <algorithm>
+#include <random>
+
+#include "parser/sami_kit.h"
+
+namespace
+{
+
+TEST_F(SamiTest, TagsThatCount)
+{
+    const std::string X = "<P CLASS=X>";
+    // clang-format off
+    struct {
+        std::string strFile;
+        std::string strClasses; // empty: the open fails
+    } const astCase[] = {
+        {"<SYNC Start=5>" + X, "X 1 @0-0 5-5"},
+        {"ab<sync\tsTaRt=5><p\rclass=kr>", "KR 1 @2-0 5-5"},
+        {"<SYNC  START=5 END=9>" + X, "X 1 @0-0 5-5"},
+        {"<SYNC START junk>\r\n=5>" + X, "X 1 @0-0 5-5"},
+        {"<a<<SYNC START=5>" + X, "X 1 @3-0 5-5"},
+        {"<!-- <SYNC START=5> --><SYNC START=6>" + X, "X 2 @5-5 5-6"},
+        // A SYNC tag that records nothing leaves the P tag to the frame before it.
+        {"<SYNC>" + X, "X 0 @0-0 268435455-0"},
+        {"<SYNC START=4>a<SYNC START=\"5\">" + X, "X 1 @0-0 4-4"},
+        {"<SYNC START=5\t>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=5\r\n>" + X, "X 0 @0-0 268435455-0"},
+        {"<SYNC START= 5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=>" + X, "X 0 @0-0 268435455-0"},
+        {"<SYNC START=5a>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=-5>" + X, "X 0 @0-0 268435455-0"},
+        {"<SYNC \tSTART=5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC END=9 START=5>" + X, "X 0 @0-0 268435455-0"},
+        {"<SYNCS START=5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=5", ""}, {"<SYNC START=5<b>", ""},
+        {"", ""}, {"no tags", ""},
+        {"<SYNC START=12345678901234567890><P CLASS=X>", "X 1 @0-0 -350287150-0"},
+        {"<SYNC START=4294967291>" + X, "X 1 @0-0 -5-0"},
+        // CLASS values.
+        {"<SYNC START=5><P ID=1 CLASS=X>", "- 1 @0-0 5-5"}, {"<SYNC START=5><P>", "- 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS= X>", "- 1 @0-0 5-5"}, {"<SYNC START=5><P CLASS=X<b>", "- 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS=X\tID=1>", "X 1 @0-0 5-5"}, {"<SYNC START=5><P CLASS=\"x\">", "\"X\" 1 @0-0 5-5"},
+        {"<SYNC START=5><PCLASS=X>", "- 1 @0-0 5-5"}, {"<SYNC START=5></P CLASS=X>", "- 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS=abcdefghijkl>", "ABCDEFGHIJKL 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS=abcdefghijklm>", "ABCDEFGHIJKL 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS=" + Repeat("k", 600) + "><P CLASS=KKKKKKKKKKKKx>", "KKKKKKKKKKKK 2 @0-0 5-5"},
+        // Where the scan ends.
+        {"<SYNC START=5>" + X + "</body>" + Sync(6, "Y"), "X 1 @0-0 5-5"},
+        {"<SYNC START=5>" + X + "</SAMI>" + Sync(6, "Y"), "X 1 @0-0 5-5"},
+        {"<SYNC START=5>" + X + "<BODY></BODY ></BODYX></SYNC><SYNC START=6><P CLASS=x>", "X 2 @0-54 5-6"},
+    };
+    // clang-format on
+    for (const auto &stCase : astCase)
+        for (const TestEncoding eEncoding : {E_ANSI, E_UTF8, E_UTF16LE, E_UTF16BE}) {
+            const uint32_t uiResult = Open(".smi", Encode(stCase.strFile, eEncoding));
+            ASSERT_EQ(uiResult, stCase.strClasses.empty() ? 1u : 0u) << stCase.strFile << " " << eEncoding;
+            if (uiResult != 0) continue;
+            if (eEncoding == E_ANSI) {
+                EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile;
+                continue;
+            }
+            // A mark moves every place, 16-bit units double them; the rest must be the same.
+            for (CaptionClassInfo &stClass : pstQuibCaptionParserInfo->astClassInfo) {
+                const int64_t llUnit = eEncoding == E_UTF8 ? 1 : 2;
+                const int64_t llMark = eEncoding == E_UTF8 ? 3 : 2;
+                const bool bFrame = stClass.uiFrameNums > 0;
+                const bool bLast = stClass.uiFrameNums > 1 || stClass.uiNameLength == 0;
+                if (bFrame) stClass.llFirstFramePos = (stClass.llFirstFramePos - llMark) / llUnit;
+                if (bFrame && bLast) stClass.llLastFramePos = (stClass.llLastFramePos - llMark) / llUnit;
+            }
+            EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile << " " << eEncoding;
+        }
+}
+
+TEST_F(SamiTest, PlacesAreThoseOfTheBytes)
+{
+    const std::string strSync = "<SYNC Start=1><P Class=X>";
+    struct {
+        std::string strBefore;
+        int64_t llPlace;
+        bool bAnsi;
+    } const astCase[] = {
+        {"\xEC\x95\x88", 6, false}, // a character
+        {"a\x80\x80", 4, false},    // bytes of no character belong to the one behind them
+        {"\xEC\x95", 3, false},     // so does a character cut short
+        {"<\xC0", 4, false},        // also inside a tag that "<" starts afresh
+        {Repeat("a", 65530) + "\xEC\x95\x88", 65536, false},
+        {Repeat("a", 65532) + "\xEC\x95", 65535, false},
+        {"\x81<P CLASS=Z>\xB0\xA1", 14, true}, // "<" as the second byte of a character
+    };
+    for (const auto &stCase : astCase) {
+        ASSERT_EQ(Open(".smi", (stCase.bAnsi ? "" : "\xEF\xBB\xBF") + stCase.strBefore + strSync), 0u);
+        EXPECT_EQ(Get_Classes(), "X 1 @" + std::to_string(stCase.llPlace) + "-0 1-1");
+        EXPECT_EQ(Read_Texts(), "1 ") << stCase.llPlace;
+    }
+}
+
+TEST_F(SamiTest, SeveralParagraphsInOneSync)
+{
+    struct {
+        std::string strFile;
+        std::string strClasses;
+    } const astCase[] = {
+        {"<P CLASS=X><SYNC START=5><P CLASS=Y>", "X 0 @0-0 268435455-0 | Y 1 @11-0 5-5"},
+        {"<SYNC START=5><P CLASS=X><P CLASS=Y>", "X 1 @0-0 5-5 | Y 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS=X><P CLASS=X>", "X 2 @0-0 5-5"},
+        // Each P tag takes a frame out of those without a class: two have gone, the third stays alone.
+        {"<SYNC START=5>a<SYNC START=6>b<SYNC START=7><P CLASS=X><P CLASS=X>",
+         "X 2 @30-30 7-7 | - 1 @0-15 5-6"},
+        {"<SYNC START=5>a<SYNC START=6><P CLASS=X><P CLASS=X>", "X 2 @15-15 6-6"},
+    };
+    for (const auto &stCase : astCase) {
+        ASSERT_EQ(Open(".smi", stCase.strFile), 0u);
+        // The clean-up of the open has folded the small classes; the header's own call shows them.
+        ASSERT_EQ(QuibCaptionParser_Init_CaptionStreamVariables(TRACK_GetFileHandleOfSubtitleData()), 1);
+        pstQuibCaptionParserInfo->uiCurrStream = 0;
+        ASSERT_EQ(HeaderParser_SAMI(TRACK_GetFileHandleOfSubtitleData()), 1);
+        EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile;
+    }
+}
+
+TEST_F(SamiTest, SevenClassesAtMost)
+{
+    std::string strFile;
+    for (const char *pszClass : {"A", "B", "C", "D", "E", "F", "G"}) strFile += Syncs(pszClass, 31);
+    ASSERT_EQ(Open(".smi", strFile + Syncs("H", 2) + "<SYNC START=9>x"), 0u);
+    EXPECT_EQ(Get_Counts(), "A:31 B:31 C:31 D:31 E:31 F:31 G:31");
+    EXPECT_EQ(Count_Log("Too Many Language Class! [7]"), 3u) << "twice for H, once for all without a class";
+    EXPECT_EQ(pstQuibCaptionParserInfo->uiStreamNums, 5u);
+    EXPECT_EQ(s_uiFrameInfoNums, 7u * 31 + 3);
+    ASSERT_EQ(Open(".smi", strFile.substr(0, strFile.find("<SYNC Start=0><P Class=G")) + Syncs("H", 2)), 0u);
+    EXPECT_EQ(Get_Counts(), "A+H:33 B:31 C:31 D:31 E:31 F:31");
+}
+
+TEST_F(SamiTest, IndexIsInTimeOrderForEveryOrderOfTags)
+{
+    std::mt19937 stRandom(3);
+    const auto fnRandom = [&](int iMost) {
+        return static_cast<int>(stRandom() % static_cast<uint32_t>(iMost));
+    };
+    for (int iRound = 0; iRound < 30; ++iRound) {
+        std::vector<std::pair<int, int>> vecWanted; // time, place in the file
+        std::string strFile;
+        const int iNums = iRound < 20 ? fnRandom(40) + 2 : 3000; // the index grows in blocks
+        for (int iBlock = 0; iBlock < iNums; ++iBlock) {
+            const int iTime = iRound % 3 == 0   ? iBlock ^ 1
+                              : iRound % 3 == 1 ? fnRandom(iNums)
+                                                : iNums - iBlock;
+            strFile += Sync(iTime, "X", std::to_string(iBlock)) + Repeat(" ", 20);
+            vecWanted.emplace_back(iTime, iBlock);
+        }
+        std::stable_sort(vecWanted.begin(), vecWanted.end(),
+                         [](const auto &stA, const auto &stB) { return stA.first < stB.first; });
+        ASSERT_EQ(Open(".smi", strFile), 0u);
+        const std::vector<TestFrame> vecFrames = Read_All();
+        ASSERT_EQ(vecFrames.size(), vecWanted.size());
+        for (size_t uiFrame = 0; uiFrame < vecWanted.size(); ++uiFrame) {
+            const int iEnd = uiFrame + 1 < vecWanted.size() ? vecWanted[uiFrame + 1].first : OPEN_END_PTS;
+            ASSERT_EQ(vecFrames[uiFrame], (TestFrame{0, vecWanted[uiFrame].first, iEnd,
+                                                     std::to_string(vecWanted[uiFrame].second)}));
+        }
+    }
+    // Signed: negative times come first.
+    ASSERT_EQ(Open(".smi", Sync(5, "X", "a") + Sync(4294967295, "X", "b") + Sync(2147483648, "X", "c")), 0u);
+    EXPECT_EQ(Read_Texts(), "-2147483648 c|-1 b|5 a");
+}
+
+TEST_F(SamiTest, IndexHoldsWhatTheFileSizeAllowsFor)
+{
+    const std::string strFile = Repeat("<SYNC START=1>", 300);
+    const uint32_t uiMost = static_cast<uint32_t>(strFile.size()) / 40 + 100;
+    ASSERT_EQ(Open(".smi", strFile), 0u);
+    EXPECT_EQ(s_uiFrameInfoMax, uiMost);
+    EXPECT_EQ(Count_Log(" Too Many Frame Information! [" + std::to_string(uiMost) + "]"), 300u - uiMost);
+    EXPECT_EQ(pstQuibCaptionParserInfo->astClassInfo[0].uiFrameNums, 300u) << "they are counted all the same";
+    EXPECT_EQ(s_uiFrameInfoNums, uiMost);
+    // A P tag behind such a frame must not give its class to the last one that has an entry.
+    ASSERT_EQ(Open(".smi", strFile + "<P CLASS=X>"), 0u);
+    EXPECT_EQ(s_pstFrameInfoArray[uiMost - 1].uiClassIndex, 0u);
+    EXPECT_EQ(Get_Counts(), "X:300") << "the unnamed class is large, the named one absorbs nothing";
+}
+
+TEST_F(SamiTest, AHugeFileDoesNotAskForAHugeIndex)
+{
+    // The file says that it has 2 GB: a full index would take 1.3 GB.
+    bool bTold = false;
+    zyr_host_setFileHook(
+        [](int iCall, uint32_t, int32_t iReal, void *pvTold) {
+            bool &bDone = *static_cast<bool *>(pvTold);
+            if (iCall != ZYR_HOST_TELL || bDone) return iReal;
+            bDone = true;
+            return INT32_MAX;
+        },
+        &bTold);
+    ASSERT_EQ(Open(".smi", Syncs("X", 2000)), 0u);
+    EXPECT_EQ(s_uiFrameInfoMax, INT32_MAX / 40u + 100);
+    EXPECT_LT(zyr_host_liveBytes(), 400000u);
+    EXPECT_EQ(Read_All().size(), 2000u);
+}
+
+TEST_F(SamiTest, SmallClassesAreFolded)
+{
+    const auto fnFile = [](std::vector<std::pair<const char *, int>> vecClasses) {
+        std::string strFile;
+        for (const auto &[pszClass, iNums] : vecClasses)
+            strFile += *pszClass == '\0' ? Repeat("<SYNC START=1><i>u\r\n", iNums) : Syncs(pszClass, iNums);
+        return strFile;
+    };
+    struct {
+        std::vector<std::pair<const char *, int>> vecClasses; // in file order; "" = no class
+        const char *pszCounts;
+    } const astCase[] = {
+        {{{"A", 29}, {"B", 29}}, "A:29 B:29"}, // nobody can take another in
+        {{{"A", 30}, {"B", 29}}, "A:30 B:29"},
+        {{{"A", 31}, {"B", 30}}, "A:31 B:30"},
+        {{{"A", 31}, {"B", 29}}, "A+B:60"},
+        {{{"A", 29}, {"B", 31}}, "B+A:60"}, // the well-filled one comes first
+        {{{"A", 30}, {"B", 31}}, "A:30 B:31"},
+        {{{"A", 29}, {"B", 30}, {"C", 31}}, "C+A:60 B:30"},
+        {{{"X1", 10}, {"X2", 200}, {"X3", 5}}, "X2+X1+X3:215"},
+        {{{"A", 40}, {"B", 5}, {"C", 40}, {"D", 5}, {"E", 5}}, "A+B+D+E:55 C:40"},
+        {{{"A", 30}, {"B", 5}, {"C", 40}, {"D", 5}}, "A:30 C+B+D:50"},
+        {{{"KRCC", 500}, {"ENCC", 400}, {"", 5}}, "KRCC:505 ENCC:400"},
+        {{{"ENCC", 40}, {"KOCC", 40}, {"", 29}}, "ENCC:40 KOCC:69"}, // the Korean one, wherever it stands
+        {{{"ENCC", 40}, {"FRCC", 40}, {"", 29}}, "ENCC:69 FRCC:40"},
+        {{{"ENCC", 40}, {"KOCC", 40}, {"", 30}}, "ENCC:40 KOCC:40 -:30"},
+        {{{"A", 5}, {"", 29}}, "A:34"},
+        {{{"A", 5}, {"", 31}}, "A:36"},
+        {{{"A", 5}, {"B", 5}, {"C", 5}, {"D", 5}, {"E", 5}, {"F", 5}, {"G", 31}}, "G+A+B+C+D+E+F:61"},
+    };
+    for (const auto &stCase : astCase) {
+        const std::string strFile = fnFile(stCase.vecClasses);
+        ASSERT_EQ(Open(".smi", strFile), 0u);
+        EXPECT_EQ(Get_Counts(), stCase.pszCounts);
+        EXPECT_EQ(Count_Log("Fail to merge"), 0u);
+        const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+        EXPECT_EQ(stInfo.uiStreamNums, std::min<uint32_t>(stInfo.uiClassNums, ZYR_STREAM_MAX));
+        // What was folded is read with the class that took it in; frames of the unnamed class have no P tag.
+        size_t uiFrames = 0;
+        for (const auto &[pszClass, iNums] : stCase.vecClasses) uiFrames += static_cast<size_t>(iNums);
+        EXPECT_EQ(Read_All().size(), uiFrames) << stCase.pszCounts;
+        EXPECT_EQ(Count_Log("Unregistered Clase Name!"), 0u) << stCase.pszCounts;
+    }
+}
+
+TEST_F(SamiTest, MergeCallsCheckTheirClasses)
+{
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeUndefinedLanguage(0), -4);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(0, 1), -4);
+    ASSERT_EQ(Open(".smi", Syncs("A", 31)), 0u);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeUndefinedLanguage(0), -4);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(0, 1), -4);
+    ASSERT_EQ(Open(".smi", Syncs("A", 31) + Syncs("B", 31) + Syncs("C", 31)), 0u);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeUndefinedLanguage(0), -5);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(1, 1), -2);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(3, 1), -2);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(1, 3), -2);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(0, 2), 1);
+    EXPECT_EQ(Get_Counts(), "B:31 C+A:62") << "the further names move down with their class";
+    EXPECT_EQ(s_pstFrameInfoArray[0].uiClassIndex, 1u);
+    EXPECT_EQ(s_pstFrameInfoArray[1].uiClassIndex, 0u);
+    EXPECT_EQ(QUIBCAPT_Set_ClassType(2, 7), 0) << "there is no third class any more";
+    ASSERT_EQ(Open(".smi", Syncs("A", 31) + Repeat("<SYNC START=1>", 31)), 0u);
+    for (const uint32_t uiTarget : {1u, 2u, 7u, UINT32_MAX})
+        EXPECT_EQ(CAPTIONPARS_SAMI_MergeUndefinedLanguage(uiTarget), -2);
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeUndefinedLanguage(0), 1);
+    EXPECT_EQ(Get_Counts(), "A:62");
+}
+
+TEST_F(SamiTest, FurtherNamesAreSevenAtMost)
+{
+    ASSERT_EQ(Open(".smi", Syncs("A", 31) + Syncs("B", 31)), 0u);
+    CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[0];
+    stClass.uiAltNameNums = ZYR_CLASS_MAX;
+    EXPECT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(1, 0), 1);
+    EXPECT_EQ(stClass.uiAltNameNums, static_cast<uint32_t>(ZYR_CLASS_MAX));
+    EXPECT_EQ(stClass.llFirstFramePos, 0) << "what stands behind the names is not overwritten";
+}
+
+} // namespace
