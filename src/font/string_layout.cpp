@@ -32,13 +32,14 @@ static void Record_Line(LineRecorder &stLines, uint32_t uiWidth, uint32_t uiCoun
     ++stLines.uiLineNums;
 }
 
-/* No unit beyond the length is looked at. */
+/* The length is looked at behind characters only: a newline never ends the walk, the unit that follows it
+ * decides. */
 static void Measure_Lines(const uint16_t *pusString, uint32_t uiLength, uint32_t uiRegionWidth,
                           LineRecorder &stLines)
 {
     uint32_t uiWidth = 0;
     uint32_t uiTaken = 0;
-    while (uiTaken < uiLength && pusString[uiTaken] != 0 && stLines.uiLineNums < MAX_LINE_NUMS) {
+    while (pusString[uiTaken] != 0 && stLines.uiLineNums < MAX_LINE_NUMS) {
         const uint16_t usUnit = pusString[uiTaken++];
         if (usUnit == '\n') {
             Record_Line(stLines, uiWidth, uiWidth);
@@ -49,9 +50,12 @@ static void Measure_Lines(const uint16_t *pusString, uint32_t uiLength, uint32_t
         if (uiWidth >= uiRegionWidth) {
             Record_Line(stLines, uiWidth, uiRegionWidth);
             uiWidth = 0;
-            if (uiTaken < uiLength && pusString[uiTaken] == '\n') ++uiTaken;
+            if (pusString[uiTaken] == '\n') ++uiTaken;
         }
-        if (uiTaken == uiLength && stLines.uiLineNums < MAX_LINE_NUMS) Record_Line(stLines, uiWidth, uiWidth);
+        if (uiTaken >= uiLength) {
+            if (stLines.uiLineNums < MAX_LINE_NUMS) Record_Line(stLines, uiWidth, uiWidth);
+            return;
+        }
     }
 }
 
@@ -94,12 +98,13 @@ static void Tighten_Line(StringPen &stPen, uint32_t uiMeasuredWidth)
 {
     uint32_t uiSum = 0;
     uint32_t uiLast = 0;
-    for (uint32_t uiUnit = stPen.uiTaken; uiUnit < stPen.uiLength && uiSum < uiMeasuredWidth; ++uiUnit) {
+    uint32_t uiUnit = stPen.uiTaken;
+    do {
         const uint16_t usUnit = stPen.pusString[uiUnit];
         if (usUnit == 0 || usUnit == '\n') break;
         uiLast = zyr_fontFT_measureChar(usUnit);
         uiSum += uiLast;
-    }
+    } while (++uiUnit < stPen.uiLength && uiSum < uiMeasuredWidth);
 
     const uint32_t uiSpan = uiSum - uiLast;
     stPen.bTight = uiSum > stPen.uiRegionWidth && uiSpan <= INT32_MAX;
@@ -147,15 +152,15 @@ static bool Advance_Pen(StringPen &stPen, uint32_t uiAdvance)
     return stPen.uiLineAdvance >= stPen.puiLineWidth[stPen.uiLineIndex];
 }
 
-/* @return false when the lines are used up */
+/* @return false when drawing is over */
 static bool Draw_Unit(StringPen &stPen, uint16_t usUnit)
 {
     const int32_t iAdvance = zyr_fontFT_drawChar(0, usUnit, stPen.uiX, stPen.uiY);
     const bool bFull =
         Advance_Pen(stPen, iAdvance >= 0 ? static_cast<uint32_t>(iAdvance) : zyr_fontFT_measureChar(usUnit));
-    if (!bFull) return true;
-    if (stPen.uiTaken < stPen.uiLength && stPen.pusString[stPen.uiTaken] == '\n') ++stPen.uiTaken;
-    return Next_Line(stPen);
+    if (bFull && stPen.pusString[stPen.uiTaken] == '\n') ++stPen.uiTaken;
+    if (stPen.uiTaken >= stPen.uiLength) return false;
+    return !bFull || Next_Line(stPen);
 }
 
 int32_t zyr_font_displayString(const uint16_t *pusString, int32_t iLength, const uint32_t *puiLineWidth,
@@ -175,7 +180,7 @@ int32_t zyr_font_displayString(const uint16_t *pusString, int32_t iLength, const
     stPen.uiLength = static_cast<uint32_t>(iLength);
     Start_Line(stPen);
     bool bMore = true;
-    while (bMore && stPen.uiTaken < stPen.uiLength && pusString[stPen.uiTaken] != 0) {
+    while (bMore && pusString[stPen.uiTaken] != 0) {
         const uint16_t usUnit = pusString[stPen.uiTaken++];
         bMore = usUnit == '\n' ? Next_Line(stPen) : Draw_Unit(stPen, usUnit);
     }

