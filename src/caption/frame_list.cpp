@@ -9,6 +9,8 @@ namespace
 {
 
 constexpr CaptionFrameList NO_LIST = {nullptr, 0, 0, 1}; // the cursor is on the tail
+constexpr uint32_t FIRST_NODES = 64; // a kilobyte: every format pays for it, only SSA uses it
+constexpr uint32_t SENTINELS = 2;
 
 } // namespace
 
@@ -16,9 +18,6 @@ CaptionFrameList s_stCaptionFrameList = NO_LIST;
 
 namespace
 {
-
-constexpr uint32_t FIRST_NODES = 64; // a kilobyte: every format pays for it, only SSA uses it
-constexpr uint32_t SENTINELS = 2;
 
 /** Capacity after uiCapacity, bounded by what one allocation can ask for. */
 uint32_t Get_NextCapacity(uint32_t uiCapacity)
