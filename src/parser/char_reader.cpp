@@ -1,6 +1,7 @@
 #include "parser/char_reader.h"
 
 #include "parser/encoding.h"
+#include "parser/seek_index.h"
 #include "zyr_log.h"
 
 namespace
@@ -252,6 +253,7 @@ void Forget_StreamBuffers()
 {
     for (StreamWindow &stWindow : s_astStreamWindow) stWindow = {};
     s_llReaderPos = -1;
+    Forget_SeekPlaces();
 }
 
 int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)

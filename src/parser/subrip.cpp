@@ -7,6 +7,7 @@
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
 #include "parser/html_tag.h"
+#include "parser/seek_index.h"
 #include "parser/tag_command.h"
 #include "parser/text_helpers.h"
 #include "zyr_log.h"
@@ -45,6 +46,7 @@ struct SubRipScan {
     SubRipState eReturn; // state that goes on after a line end
     uint32_t uiMatched;  // units of the line end pattern seen
     bool bEntryEnd;      // the pattern is complete
+    bool bLogged;        // something of the entry's structure has been logged
     TimeLine stTime;
 };
 
@@ -67,12 +69,13 @@ uint32_t Get_Time(const TimeLine &stTime, uint32_t uiFirst)
     return puiNumber[0] * 3600000u + puiNumber[1] * 60000u + puiNumber[2] * 1000u + puiNumber[3];
 }
 
-void Check_TimeLine(const TimeLine &stTime)
+void Check_TimeLine(SubRipScan &stScan)
 {
-    if (stTime.uiNumbers != TIME_NUMBERS)
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] SUBRIP PTS FORMAT is BAD! Number Argument = [%d]\n", __LINE__,
-                            stTime.uiNumbers);
+    if (stScan.stTime.uiNumbers == TIME_NUMBERS) return;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] SUBRIP PTS FORMAT is BAD! Number Argument = [%d]\n", __LINE__,
+                        stScan.stTime.uiNumbers);
+    stScan.bLogged = true;
 }
 
 void Start_LineEnd(SubRipScan &stScan)
@@ -96,11 +99,13 @@ bool Step_Number(SubRipScan &stScan, uint16_t usChar)
 {
     if (Is_Digit(usChar)) return true;
     stScan.eState = E_SRT_SEEK_TIME;
-    if (usChar == '\r')
+    if (usChar == '\r') {
         Start_LineEnd(stScan);
-    else
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unexpected Character! (0x%02X)\n", __LINE__,
-                            usChar);
+        return true;
+    }
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unexpected Character! (0x%02X)\n", __LINE__,
+                        usChar);
+    stScan.bLogged = true;
     return true;
 }
 
@@ -123,7 +128,7 @@ bool Step_Time(SubRipScan &stScan, uint16_t usChar)
         });
         return true;
     }
-    Check_TimeLine(stScan.stTime);
+    Check_TimeLine(stScan);
     stScan.eState = E_SRT_AFTER_TIME;
     return false;
 }
@@ -154,6 +159,7 @@ LineEndStep Step_LineEnd(SubRipScan &stScan, uint16_t usChar)
     stScan.eState = stScan.eReturn;
     if (stScan.uiMatched == 2) return E_LINE_END_CRLF;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] >>>>> CR + LF is Bad! <<<<<\n", __LINE__);
+    stScan.bLogged = true;
     return E_LINE_END_BROKEN;
 }
 
@@ -256,14 +262,10 @@ int32_t Complete_Frame(const SubRipScan &stScan)
 
 constexpr StopUnits CR_STOP = {1, {'\r'}, false};
 
-/** The seek's place between two entries. */
 struct SubRipSeek {
-    uint32_t uiTargetMs;
-    int64_t llCandidatePos;    // entry that the next frame parse would read
-    uint32_t uiCandidateTime;  // its start, ms
-    uint32_t uiRememberedTime; // start of the last entry reached, ms
-    int64_t llBoundaryPos;     // where the entry being scanned begins
-    bool bBeyond;              // an entry starts after the target
+    SeekPlace stPlace; // of its times, uiPrevTime is uiLastTime at the end of the entry before
+    SeekTrack stTrack;
+    bool bBeyond; // an entry starts after the target
 };
 
 bool Step_SeekText(SubRipScan &stScan, uint16_t usChar)
@@ -279,16 +281,20 @@ bool Step_SeekText(SubRipScan &stScan, uint16_t usChar)
 void Check_SeekTime(const SubRipScan &stScan, SubRipSeek &stSeek)
 {
     const uint32_t uiStart = Get_Time(stScan.stTime, 0);
-    stSeek.bBeyond = stSeek.uiTargetMs < uiStart;
-    if (!stSeek.bBeyond) stSeek.uiRememberedTime = uiStart;
+    stSeek.bBeyond = stSeek.stTrack.uiTargetMs < uiStart;
+    if (stSeek.bBeyond) return;
+    Note_SeekStart(stSeek.stTrack, uiStart);
+    stSeek.stPlace.uiLastTime = uiStart;
 }
 
-void Pass_Entry(SubRipScan &stScan, SubRipSeek &stSeek, void *hFile)
+int64_t Pass_Entry(SubRipScan &stScan, SubRipSeek &stSeek, void *hFile)
 {
-    stSeek.llCandidatePos = stSeek.llBoundaryPos;
-    stSeek.uiCandidateTime = stSeek.uiRememberedTime;
-    stSeek.llBoundaryPos = Get_ReadPosition(hFile);
+    SeekPlace &stPlace = stSeek.stPlace;
+    stPlace = {Get_ReadPosition(hFile), stPlace.llPos, stPlace.uiLastTime, stPlace.uiLastTime};
+    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || stScan.bLogged;
+    Note_SeekPlace(stSeek.stTrack, stPlace);
     stScan = {};
+    return Skip_SeekBlocks(stSeek.stTrack, stPlace, hFile);
 }
 
 bool Step_Seek(SubRipScan &stScan, SubRipSeek &stSeek, uint16_t usChar)
@@ -304,35 +310,41 @@ bool Step_Seek(SubRipScan &stScan, SubRipSeek &stSeek, uint16_t usChar)
     }
 }
 
-/** Scan until an entry starts after the target. @return 1, or a negative reader result. */
+int32_t Log_MoveFailed(int64_t llReached)
+{
+    Lose_SeekStep();
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] Seek_SubRip() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
+                        static_cast<int32_t>(llReached));
+    return -1;
+}
+
+/** Scan until an entry starts after the target, or the file ends. @return 1, or a negative value (logged). */
 int32_t Scan_Entries(SubRipSeek &stSeek, void *hFile)
 {
     SubRipScan stScan = {};
-    while (!stSeek.bBeyond) {
+    int64_t llReached = Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
+    while (!stSeek.bBeyond && llReached >= 0) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
         if (iResult < 0) {
+            Lose_SeekStep();
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                                 " [%d] Seek_SubRip() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
                                 iResult);
             return iResult;
         }
         while (!Step_Seek(stScan, stSeek, usChar)) {}
-        if (stScan.bEntryEnd) Pass_Entry(stScan, stSeek, hFile);
+        if (stScan.bEntryEnd) llReached = Pass_Entry(stScan, stSeek, hFile);
     }
-    return 1;
+    return llReached < 0 ? Log_MoveFailed(llReached) : 1;
 }
 
 int32_t Resume_At(void *hFile, int64_t llPos, uint32_t uiTime)
 {
     const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
-    if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Seek_SubRip() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llReached));
-        return -1;
-    }
+    if (llReached < 0) return Log_MoveFailed(llReached);
     pstQuibCaptionParserInfo->llCurrFilePos = llPos;
     pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiTime);
     return 1;
@@ -360,6 +372,7 @@ int32_t FrameParser_SubRip(void)
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
         if (iResult < 0) {
+            if (iResult != NO_CAPTION_DATA) Lose_SeekStep();
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                                 " [%d] FrameParser_SubRip() - Get_CharCode() Failed! (ERROR = %d)\n",
                                 __LINE__, iResult);
@@ -383,8 +396,9 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     if (uiTargetMs == 0) return Resume_At(hFile, stInfo.llStartFilePos, 0);
 
     const uint32_t uiCurrTime = static_cast<uint32_t>(stInfo.iCurrPTS);
-    SubRipSeek stSeek = {uiTargetMs, stInfo.llCurrFilePos, uiCurrTime, uiCurrTime, 0, false};
-    if (bBackward == 1 || bBackward == 3) {
+    const bool bFromStart = bBackward == 1 || bBackward == 3;
+    SeekPlace stPlace = {};
+    if (bFromStart) {
         const int64_t llReached = Move_ReadPosition(hFile, stInfo.llStartFilePos, E_READ_AHEAD_FULL);
         if (llReached < 0) {
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
@@ -392,10 +406,11 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
                                 __LINE__);
             return -1;
         }
-        stSeek = {uiTargetMs, llReached, 0, 0, llReached, false};
+        stPlace = {llReached, llReached, 0, 0};
     } else {
-        stSeek.llBoundaryPos = Get_ReadPosition(hFile);
+        stPlace = {Get_ReadPosition(hFile), stInfo.llCurrFilePos, uiCurrTime, uiCurrTime};
     }
+    SubRipSeek stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bFromStart), false};
     const int32_t iResult = Scan_Entries(stSeek, hFile);
-    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.llCandidatePos, stSeek.uiCandidateTime);
+    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
 }

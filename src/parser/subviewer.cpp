@@ -3,6 +3,7 @@
 
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
+#include "parser/seek_index.h"
 #include "parser/tag_command.h"
 #include "parser/text_helpers.h"
 #include "zyr_log.h"
@@ -29,6 +30,7 @@ struct SubViewerScan {
     uint32_t auiTime[2];  // start and end: 1/100 s while their digits are read, ms afterwards
     uint32_t uiTimeIndex; // 0 the start time is being read, 1 the end time
     uint32_t uiDigits;    // digits of it seen
+    bool bLogged;         // something of the frame has been logged
 };
 
 // ---- The states that the frame parser and the seek share ----
@@ -71,6 +73,13 @@ bool Add_TimeUnit(SubViewerScan &stScan, uint16_t usChar)
     }
 }
 
+void Log_BadTime(SubViewerScan &stScan)
+{
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - OOPS!! ERROR!!\n", __LINE__,
+                        stScan.pszFunction);
+    stScan.bLogged = true;
+}
+
 /** One unit of the time line. @return whether a good time line has just ended. */
 bool Step_Time(SubViewerScan &stScan, uint16_t usChar)
 {
@@ -81,9 +90,7 @@ bool Step_Time(SubViewerScan &stScan, uint16_t usChar)
     const bool bLineEnd = Is_LineEnd(usChar);
     const bool bEmptyLine = bLineEnd && stScan.uiTimeIndex == 0 && stScan.uiDigits == 0;
     stScan.bGood = bLineEnd && Finish_EndTime(stScan);
-    if (!stScan.bGood)
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - OOPS!! ERROR!!\n", __LINE__,
-                            stScan.pszFunction);
+    if (!stScan.bGood) Log_BadTime(stScan);
     if (bEmptyLine) return false;
     stScan.uiMatched = usChar == '\r' ? 1 : 0;
     stScan.eState = E_SUB_LINE_END;
@@ -104,8 +111,10 @@ bool Step_LineEnd(SubViewerScan &stScan, uint16_t usChar)
         if (stScan.uiMatched == 0) Skip_PlainRun<CR_STOP>();
         return false;
     }
-    if (stScan.uiMatched != 2)
+    if (stScan.uiMatched != 2) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] >>>>> CR + LF is Bad! <<<<<\n", __LINE__);
+        stScan.bLogged = true;
+    }
     stScan.eState = E_SUB_TEXT;
     return true;
 }
@@ -119,7 +128,7 @@ void Begin_LineEnd(SubViewerScan &stScan, uint16_t usChar)
 /** The next frame begins. */
 void Begin_Frame(SubViewerScan &stScan)
 {
-    stScan = {stScan.pszFunction, E_SUB_TIME, false, false, 0, {0, 0}, 0, 0};
+    stScan = {stScan.pszFunction, E_SUB_TIME, false, false, 0, {0, 0}, 0, 0, false};
 }
 
 // ---- Frame parser ----
@@ -206,22 +215,19 @@ int32_t Complete_Frame(const SubViewerScan &stScan)
 
 constexpr StopUnits LINE_END_STOPS = {2, {'\r', '\n'}, false};
 
-/** The seek's place between two frames. */
 struct SubViewerSeek {
-    uint32_t uiTargetMs;
-    int64_t llResumePos;  // frame that the next frame parse would read
-    int64_t llFramePos;   // frame being scanned
-    uint32_t uiPrevStart; // start of the frame before the one to resume at, ms
-    uint32_t uiLastStart; // start of the last good frame, ms
-    bool bBeyond;         // a frame starts after the target
+    SeekPlace stPlace; // of its times, uiPrevTime is the start of the frame before the last good one
+    SeekTrack stTrack;
+    bool bBeyond; // a frame starts after the target
 };
 
 void Check_SeekTime(SubViewerSeek &stSeek, uint32_t uiStart)
 {
-    stSeek.bBeyond = stSeek.uiTargetMs < uiStart;
+    stSeek.bBeyond = stSeek.stTrack.uiTargetMs < uiStart;
     if (stSeek.bBeyond) return;
-    stSeek.uiPrevStart = stSeek.uiLastStart;
-    stSeek.uiLastStart = uiStart;
+    Note_SeekStart(stSeek.stTrack, uiStart);
+    stSeek.stPlace.uiPrevTime = stSeek.stPlace.uiLastTime;
+    stSeek.stPlace.uiLastTime = uiStart;
 }
 
 void Step_Seek(SubViewerScan &stScan, SubViewerSeek &stSeek, uint16_t usChar)
@@ -240,39 +246,52 @@ void Step_Seek(SubViewerScan &stScan, SubViewerSeek &stSeek, uint16_t usChar)
     }
 }
 
-/** Scan until a frame starts after the target, or the file ends. @return 1, or a negative reader result. */
+int32_t Log_MoveFailed(int64_t llReached)
+{
+    Lose_SeekStep();
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] Seek_SubViewer() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
+                        static_cast<int32_t>(llReached));
+    return -1;
+}
+
+int64_t Pass_Frame(SubViewerScan &stScan, SubViewerSeek &stSeek, void *hFile)
+{
+    stSeek.stPlace.llPrevPos = stSeek.stPlace.llPos;
+    stSeek.stPlace.llPos = Get_ReadPosition(hFile);
+    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || stScan.bLogged;
+    Note_SeekPlace(stSeek.stTrack, stSeek.stPlace);
+    Begin_Frame(stScan);
+    return Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
+}
+
+/** Scan until a frame starts after the target, or the file ends. @return 1, or a negative value (logged). */
 int32_t Scan_Frames(void *hFile, SubViewerSeek &stSeek)
 {
     SubViewerScan stScan = {};
     stScan.pszFunction = "Seek_SubViewer";
-    while (!stSeek.bBeyond) {
+    int64_t llReached = Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
+    while (!stSeek.bBeyond && llReached >= 0) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
         if (iResult < 0) {
+            Lose_SeekStep();
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                                 " [%d] Seek_SubViewer() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
                                 iResult);
             return iResult;
         }
         Step_Seek(stScan, stSeek, usChar);
-        if (!stScan.bFrameEnd) continue;
-        stSeek.llResumePos = stSeek.llFramePos;
-        stSeek.llFramePos = Get_ReadPosition(hFile);
-        Begin_Frame(stScan);
+        if (stScan.bFrameEnd) llReached = Pass_Frame(stScan, stSeek, hFile);
     }
-    return 1;
+    return llReached < 0 ? Log_MoveFailed(llReached) : 1;
 }
 
 int32_t Resume_At(void *hFile, int64_t llPos, uint32_t uiPrevStart)
 {
     const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
-    if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Seek_SubViewer() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llReached));
-        return -1;
-    }
+    if (llReached < 0) return Log_MoveFailed(llReached);
     pstQuibCaptionParserInfo->llCurrFilePos = llPos;
     pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiPrevStart);
     return 1;
@@ -292,6 +311,7 @@ int32_t FrameParser_SubViewer(void)
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
         if (iResult < 0) {
+            if (iResult != NO_CAPTION_DATA) Lose_SeekStep();
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                                 " [%d] FrameParser_SubViewer() - Get_CharCode() Failed! (ERROR = %d)\n",
                                 __LINE__, iResult);
@@ -317,7 +337,7 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     const int64_t llStart = stInfo.llStartFilePos;
     if (uiTargetMs == 0) return Resume_At(hFile, llStart, 0);
 
-    SubViewerSeek stSeek = {uiTargetMs, llStart, llStart, 0, 0, false};
+    SeekPlace stPlace = {llStart, llStart, 0, 0};
     if (bBackward == 1) {
         if (Move_ReadPosition(hFile, llStart, E_READ_AHEAD_FULL) < 0) {
             __android_log_print(
@@ -327,9 +347,10 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
         }
     } else {
         const uint32_t uiCurrTime = static_cast<uint32_t>(stInfo.iCurrPTS);
-        stSeek = {uiTargetMs, stInfo.llCurrFilePos, Get_ReadPosition(hFile), uiCurrTime, uiCurrTime, false};
+        stPlace = {Get_ReadPosition(hFile), stInfo.llCurrFilePos, uiCurrTime, uiCurrTime};
     }
     pstQuibCaptionParserInfo->uiConvLength = 0;
+    SubViewerSeek stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
     const int32_t iResult = Scan_Frames(hFile, stSeek);
-    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.llResumePos, stSeek.uiPrevStart);
+    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
 }

@@ -1,0 +1,59 @@
+/*
+ * What the seeks of a format without an index have found out about the file. The scan of a seek leaves a
+ * place behind every few kilobytes; a later scan that comes by goes on from the last place before its target.
+ *
+ * A place is the end of an entry. Between two places lies a block; a block is passed over when nothing in it
+ * starts after the target, and when scanning it logs nothing: what is due in the log is logged every time.
+ */
+#pragma once
+
+#include <cstdint>
+
+/** Where a scan stands between two entries, and all that it remembers there. */
+struct SeekPlace {
+    int64_t llPos;       // where the next entry begins
+    int64_t llPrevPos;   // where the entry before it begins
+    uint32_t uiPrevTime; // start of an earlier entry, ms: the format says which
+    uint32_t uiLastTime; // start of the last entry, ms
+};
+
+/** A scan on its way over the index. */
+struct SeekTrack {
+    uint32_t uiTargetMs;
+    uint32_t uiBlock;    // block that is scanned from its first byte on, or NO_SEEK_BLOCK
+    uint32_t uiNext;     // first known place that lies ahead
+    uint32_t uiMaxStart; // in the block so far, ms
+    uint32_t uiStarts;   // likewise: entries with a start
+    uint32_t uiScanned;  // entries with a start since the scan began
+    bool bLogged;        // something of the block has been logged
+};
+
+constexpr uint32_t NO_SEEK_BLOCK = UINT32_MAX;
+
+/** Forget everything: another file is read. */
+void Forget_SeekPlaces();
+
+/** The reader has lost its step: where it goes on need not be the end of an entry. */
+void Lose_SeekStep();
+
+/** Begin a scan at a place. @param[in] bAtStart  the place is where the stream's first entry begins */
+SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bAtStart);
+
+/** An entry that starts at or before the target has been met. */
+inline void Note_SeekStart(SeekTrack &stTrack, uint32_t uiStart)
+{
+    if (uiStart > stTrack.uiMaxStart) stTrack.uiMaxStart = uiStart;
+    ++stTrack.uiStarts;
+    ++stTrack.uiScanned;
+}
+
+/** The scan has come to the end of an entry: learn from it. */
+void Note_SeekPlace(SeekTrack &stTrack, const SeekPlace &stPlace);
+
+/**
+ * Let a scan that stands at stPlace go on from the last known place that it would come to anyway, which
+ * stPlace then is.
+ *
+ * @return 1, or a negative value when the file could not be moved there
+ */
+int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile);
