@@ -34,7 +34,7 @@ PlaceTree s_stPlaceTree = {};
 
 uint32_t *Get_Tree(uint32_t uiClass)
 {
-    return s_puiSyncPlaces + s_uiPlaceNums + 1 + uiClass * s_stPlaceTree.uiWords;
+    return s_puiSyncPlaces + s_uiPlaceNums + 1 + size_t{uiClass} * s_stPlaceTree.uiWords;
 }
 
 /** Move the places to a block of uiWords words. */
@@ -138,7 +138,7 @@ void Forget_PassedPlaces()
 {
     s_bPlacesPassed = false;
     if (s_puiSyncPlaces != nullptr && s_bPlacesComplete)
-        std::memset(Get_Tree(0), 0xFF, ZYR_CLASS_MAX * s_stPlaceTree.uiWords * sizeof(uint32_t));
+        std::memset(Get_Tree(0), 0xFF, sizeof(uint32_t) * ZYR_CLASS_MAX * s_stPlaceTree.uiWords);
 }
 
 uint32_t Find_SyncPlace(int64_t llFilePos)

@@ -197,7 +197,7 @@ TEST_F(SamiTest, AHugeFileDoesNotAskForAHugeIndex)
 
 TEST_F(SamiTest, SmallClassesAreFolded)
 {
-    const auto fnFile = [](std::vector<std::pair<const char *, int>> vecClasses) {
+    const auto fnFile = [](const std::vector<std::pair<const char *, int>> &vecClasses) {
         std::string strFile;
         for (const auto &[pszClass, iNums] : vecClasses)
             strFile += *pszClass == '\0' ? Repeat("<SYNC START=1><i>u\r\n", iNums) : Syncs(pszClass, iNums);
