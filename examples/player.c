@@ -137,8 +137,7 @@ static bool Write_Picture(const char *pszPath)
     FILE *pstFile = fopen(pszPath, "wb");
     if (pstFile == NULL) return false;
     fprintf(pstFile, "P6 %d %d 255\n", SCREEN_WIDTH, SCREEN_HEIGHT);
-    for (size_t uiPixel = 0; uiPixel < SCREEN_WIDTH * SCREEN_HEIGHT; ++uiPixel)
-        fwrite(&s_aucRgba[uiPixel * 4], 1, 3, pstFile);
+    for (size_t uiByte = 0; uiByte < sizeof s_aucRgba; uiByte += 4) fwrite(&s_aucRgba[uiByte], 1, 3, pstFile);
     return fclose(pstFile) == 0;
 }
 
