@@ -407,7 +407,8 @@ ScanEnd Scan_File(SamiScan &stScan)
 bool Finish_Scan(const SamiScan &stScan, ScanEnd eEnd)
 {
     if (stScan.stPending.uiNums > 0) Add_UnnamedClass(stScan.stPending);
-    if (stScan.bOffStart) Begin_SyncPlaces();
+    // A list that a read error cut short would hide tags that a later read may well give.
+    if (stScan.bOffStart || eEnd == E_END_OF_READING) Begin_SyncPlaces();
     const int64_t llEndPos = eEnd == E_END_OF_BODY ? stScan.llTagBytes : stScan.llBytes;
     return Finish_FrameIndex() && Finish_SyncPlaces(llEndPos, eEnd == E_END_OF_FILE);
 }
