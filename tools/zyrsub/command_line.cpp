@@ -1,7 +1,11 @@
 #include "command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string_view>
 
+#include "closest_name.h"
+#include "report_json.h"
 #include "time_text.h"
 
 static constexpr const char *MAIN_FOOTER = R"(Examples:
@@ -9,6 +13,8 @@ static constexpr const char *MAIN_FOOTER = R"(Examples:
   zyrsub frames movie.avi            every caption of the subtitle beside movie.avi
   zyrsub render movie.srt --at 1:30  the caption on screen after a minute and a half, as a picture
   zyrsub play movie.srt              the captions in real time, in a window
+  zyrsub convert movie.smi -o movie.srt   the captions as a file of another format
+  zyrsub find movie.avi              which subtitle a player finds for the movie, and why
 
 "zyrsub COMMAND --help" tells more about each command.
 Exit codes: 0 good, 1 some inputs failed, 2 wrong use, 3 not found or not readable, 4 not a subtitle
@@ -18,6 +24,10 @@ static constexpr const char *INFO_FOOTER = R"(Examples:
   zyrsub info movie.srt              one file
   zyrsub info movie.avi              the subtitle that a player finds beside the movie
   zyrsub info --json *.smi           many files, as one JSON document)";
+
+static constexpr const char *FIND_FOOTER = R"(Examples:
+  zyrsub find movie.avi              every name that is tried, and the one that wins
+  zyrsub find --json *.avi           many movies, as one JSON document)";
 
 static constexpr const char *FRAMES_FOOTER = R"(Examples:
   zyrsub frames movie.srt                           every frame: from, until, text
@@ -168,6 +178,20 @@ static void Add_ReportCommands(CLI::App &stApp, CommandLine &stLine)
     pstFrames->footer(FRAMES_FOOTER);
 }
 
+static void Add_FindCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    CLI::App *pstFind =
+        Add_Command(stApp, stLine, "find", "Which subtitle a player finds for a movie, and why", Run_Find);
+    pstFind->add_option("MOVIE", stLine.stOptions.astrMovies, "the movie (it need not exist)")
+        ->required()
+        ->expected(1, 1000000)
+        ->type_name("");
+    pstFind->add_flag("--json", stLine.stOptions.stReport.bJson, "print one JSON document");
+    pstFind->add_flag("-v,--verbose", stLine.stOptions.iVerbose,
+                      "show the library's log of errors; -vv: all of its log");
+    pstFind->footer(FIND_FOOTER);
+}
+
 static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
 {
     RenderOptions &stRender = stLine.stOptions.stRender;
@@ -210,6 +234,73 @@ static void Add_PlayCommand(CLI::App &stApp, CommandLine &stLine)
     pstPlay->footer(PLAY_FOOTER);
 }
 
+static void Add_ConvertCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    CLI::App *pstConvert =
+        Add_Command(stApp, stLine, "convert", "Captions as a file of another format", Run_Convert);
+    Add_SourceOptions(pstConvert, stLine.stOptions, true);
+    Add_ConvertOptions(pstConvert, stLine.stOptions.stConvert);
+}
+
+static std::string Suggest_Name(const std::string &strWrong, const std::vector<std::string> &astrNames)
+{
+    const std::string strClosest = Find_ClosestName(strWrong, astrNames);
+    return "'" + strWrong + "'" + (strClosest.empty() ? "" : "; did you mean '" + strClosest + "'?");
+}
+
+static std::vector<std::string> List_OptionNames(const CLI::App &stApp)
+{
+    std::vector<std::string> astrNames;
+    for (const CLI::Option *pstOption : stApp.get_options())
+        for (const std::string &strName : pstOption->get_lnames()) astrNames.push_back("--" + strName);
+    return astrNames;
+}
+
+// The first word that is no command, else the first option that the command does not have; empty when
+// neither is what is wrong.
+static std::string Explain_Unknown(const CLI::App &stApp, int iArguments, char **ppszArguments)
+{
+    const CLI::App *pstCommand = &stApp;
+    for (int iArgument = 1; iArgument < iArguments; ++iArgument) {
+        const std::string strArgument = ppszArguments[iArgument];
+        if (strArgument == "--") break;
+        const std::string strName = strArgument.substr(0, strArgument.find('='));
+        if (strName.starts_with("--") && pstCommand->get_option_no_throw(strName) == nullptr)
+            return "there is no option " + Suggest_Name(strName, List_OptionNames(*pstCommand));
+        if (strName.starts_with("-") || pstCommand != &stApp) continue;
+        std::vector<std::string> astrNames;
+        for (const CLI::App *pstSub : stApp.get_subcommands([](const CLI::App *) { return true; })) {
+            astrNames.push_back(pstSub->get_name());
+            if (pstSub->get_name() == strName) pstCommand = pstSub;
+        }
+        if (pstCommand == &stApp) return "there is no command " + Suggest_Name(strName, astrNames);
+    }
+    return "";
+}
+
+bool Is_JsonWanted(int iArguments, char **ppszArguments)
+{
+    return std::any_of(ppszArguments, ppszArguments + iArguments,
+                       [](const char *pszArgument) { return std::string_view(pszArgument) == "--json"; });
+}
+
+static ExitCode Report_Usage(const CLI::App &stApp, const CLI::ParseError &stError, int iArguments,
+                             char **ppszArguments)
+{
+    if (stError.get_exit_code() == 0) {
+        stApp.exit(stError); // help, or the version
+        return E_EXIT_GOOD;
+    }
+    const auto eError = static_cast<CLI::ExitCodes>(stError.get_exit_code());
+    const bool bUnknown = eError == CLI::ExitCodes::ExtrasError || eError == CLI::ExitCodes::RequiredError;
+    const std::string strUnknown = bUnknown ? Explain_Unknown(stApp, iArguments, ppszArguments) : "";
+    const std::string strText = strUnknown.empty() ? stError.what() : strUnknown;
+    std::fprintf(stderr, "zyrsub: %s\n'zyrsub --help' and 'zyrsub COMMAND --help' tell more.\n",
+                 strText.c_str());
+    if (Is_JsonWanted(iArguments, ppszArguments)) Print_JsonFailure(E_EXIT_USAGE, strText);
+    return E_EXIT_USAGE;
+}
+
 CommandLine Read_CommandLine(int iArguments, char **ppszArguments)
 {
     CommandLine stLine;
@@ -219,13 +310,15 @@ CommandLine Read_CommandLine(int iArguments, char **ppszArguments)
     stApp.set_version_flag("--version", std::string("zyrsub ") + ZYRSUB_VERSION);
     stApp.footer(MAIN_FOOTER);
     Add_ReportCommands(stApp, stLine);
+    Add_FindCommand(stApp, stLine);
     Add_RenderCommand(stApp, stLine);
     Add_PlayCommand(stApp, stLine);
+    Add_ConvertCommand(stApp, stLine);
     try {
         stApp.parse(iArguments, ppszArguments);
     } catch (const CLI::ParseError &stError) {
         stLine.pfRun = nullptr;
-        stLine.eCode = stApp.exit(stError) == 0 ? E_EXIT_GOOD : E_EXIT_USAGE;
+        stLine.eCode = Report_Usage(stApp, stError, iArguments, ppszArguments);
     }
     return stLine;
 }

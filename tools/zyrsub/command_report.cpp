@@ -15,8 +15,7 @@ void Report_Problem(const std::string &strMovie, const std::string &strText)
 
 using FileStep = std::function<Outcome(const std::string &, SubtitleSource &, JsonReport &)>;
 
-// One input, or several that fail alike, give the failure's own code.
-static ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes)
+ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes)
 {
     for (const ExitCode eCode : aeCodes)
         if (eCode != aeCodes.front()) return E_EXIT_SOME_FAILED;

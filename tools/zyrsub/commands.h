@@ -7,8 +7,13 @@
 
 ExitCode Run_Info(const Options &stOptions);
 ExitCode Run_Frames(const Options &stOptions);
+ExitCode Run_Convert(const Options &stOptions);
+ExitCode Run_Find(const Options &stOptions);
 ExitCode Run_Render(const Options &stOptions);
 ExitCode Run_Play(const Options &stOptions);
+
+// One input, or several that fail alike, give the failure's own code.
+ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes);
 
 // "zyrsub: MOVIE: what is wrong" on standard error.
 void Report_Problem(const std::string &strMovie, const std::string &strText);

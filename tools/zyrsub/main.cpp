@@ -1,9 +1,11 @@
 // zyrsub: looks into subtitle files through the library, as a player would.
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <string>
 
 #include "command_line.h"
+#include "report_json.h"
 #include "zyr/zyr_host.h"
 
 static constexpr int LOG_ERROR = 6;
@@ -29,12 +31,16 @@ static int Run_Program(int iArguments, char **ppszArguments)
     return E_EXIT_SOME_FAILED;
 }
 
+// A reader that closes the pipe early has had enough: the run ends there without a word, as SIGPIPE ends it,
+// also under a parent that ignores the signal.
 int main(int iArguments, char **ppszArguments)
 {
+    std::signal(SIGPIPE, SIG_DFL);
     try {
         return Run_Program(iArguments, ppszArguments);
     } catch (const std::exception &stError) {
         std::fprintf(stderr, "zyrsub: %s\n", stError.what());
+        if (Is_JsonWanted(iArguments, ppszArguments)) Print_JsonFailure(E_EXIT_SOME_FAILED, stError.what());
         return E_EXIT_SOME_FAILED;
     }
 }

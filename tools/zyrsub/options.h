@@ -38,12 +38,26 @@ struct PlayOptions {
     bool bTerminal = false;
 };
 
+struct OutputFormat;
+
+struct ConvertOptions {
+    std::string strFile; // "-": standard output
+    std::string strTo;
+    std::string strEncoding = "UTF-8";
+    std::vector<std::string> astrClassNames;
+    const OutputFormat *pstFormat = nullptr;
+    int64_t llShift = 0; // ms
+    double dScale = 1;
+    bool bForce = false;
+};
+
 struct Options {
     SourceOptions stSource;
     ReportOptions stReport;
     ScreenOptions stScreen;
     RenderOptions stRender;
     PlayOptions stPlay;
+    ConvertOptions stConvert;
     int iVerbose = 0; // 1: the library's errors, 2: all it logs
     std::vector<std::string> astrMovies;
 };

@@ -9,8 +9,8 @@
 using nlohmann::ordered_json;
 
 JsonReport::JsonReport()
-    : m_pstDocument(
-          std::make_unique<ordered_json>(ordered_json{{"schema", 1}, {"files", ordered_json::array()}}))
+    : m_pstDocument(std::make_unique<ordered_json>(
+          ordered_json{{"schema", 1}, {"files", ordered_json::array()}, {"errors", ordered_json::array()}}))
 {
 }
 
@@ -28,8 +28,11 @@ void JsonReport::Begin_File(const std::string &strMovie)
 
 void JsonReport::Add_Failure(const Outcome &stOutcome)
 {
-    Get_Last(*m_pstDocument)["error"] = {{"code", static_cast<int>(stOutcome.eCode)},
-                                         {"message", stOutcome.strText}};
+    ordered_json &jsFile = Get_Last(*m_pstDocument);
+    jsFile["error"] = {{"code", static_cast<int>(stOutcome.eCode)}, {"message", stOutcome.strText}};
+    ordered_json jsError = {{"movie", jsFile["movie"]}};
+    jsError.update(jsFile["error"]);
+    (*m_pstDocument)["errors"].push_back(std::move(jsError));
 }
 
 static const char *Get_OutputName(const std::string &strEncoding)
@@ -141,9 +144,37 @@ void JsonReport::Add_Frame(const SubtitleSource &stSource, const Frame &stFrame)
          {"style", std::move(jsStyle)}});
 }
 
+void JsonReport::Add_Search(const MovieSearch &stSearch, const std::string &strVerdict)
+{
+    ordered_json jsTried = ordered_json::array();
+    for (const TriedName &stName : stSearch.astTried)
+        jsTried.push_back({{"name", stName.strFile}, {"opens", stName.bOpens}, {"state", stName.strState}});
+    ordered_json jsSiblings = ordered_json::array();
+    for (const Sibling &stSibling : stSearch.astSiblings)
+        jsSiblings.push_back({{"name", stSibling.strFile}, {"why", stSibling.strWhy}});
+    ordered_json &jsFile = Get_Last(*m_pstDocument);
+    jsFile["subtitle"] =
+        stSearch.uiWinner ? ordered_json(stSearch.astTried[*stSearch.uiWinner].strFile) : ordered_json();
+    jsFile["why"] = strVerdict;
+    jsFile["tried"] = std::move(jsTried);
+    jsFile["never_asked_for"] = std::move(jsSiblings);
+}
+
 // File names are bytes: what is not UTF-8 in them shows as U+FFFD and never spoils the document.
+static void Print_Document(const ordered_json &jsDocument)
+{
+    const std::string strText = jsDocument.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    std::printf("%s\n", strText.c_str());
+}
+
 void JsonReport::Print() const
 {
-    const std::string strText = m_pstDocument->dump(2, ' ', false, ordered_json::error_handler_t::replace);
-    std::printf("%s\n", strText.c_str());
+    Print_Document(*m_pstDocument);
+}
+
+void Print_JsonFailure(ExitCode eCode, const std::string &strText)
+{
+    Print_Document({{"schema", 1},
+                    {"files", ordered_json::array()},
+                    {"errors", {{{"code", static_cast<int>(eCode)}, {"message", strText}}}}});
 }

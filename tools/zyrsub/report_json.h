@@ -1,4 +1,5 @@
-// The same results as one JSON document: {"schema": 1, "files": [...]}, one element for each input in order.
+// The same results as one JSON document: {"schema": 1, "files": [...], "errors": [...]}, with one
+// element of files for each input in order.
 #ifndef ZYRSUB_REPORT_JSON_H
 #define ZYRSUB_REPORT_JSON_H
 
@@ -7,6 +8,7 @@
 #include <string>
 
 #include "exit_code.h"
+#include "movie_search.h"
 #include "subtitle_source.h"
 
 class JsonReport
@@ -21,6 +23,7 @@ public:
     void Add_Failure(const Outcome &stOutcome);
     void Add_Info(const SubtitleSource &stSource);
     void Add_Frame(const SubtitleSource &stSource, const Frame &stFrame);
+    void Add_Search(const MovieSearch &stSearch, const std::string &strVerdict);
     void Print() const;
 
     // What every successfully opened file begins with.
@@ -29,5 +32,8 @@ public:
 private:
     std::unique_ptr<nlohmann::ordered_json> m_pstDocument;
 };
+
+// The document of a run that failed before it had inputs.
+void Print_JsonFailure(ExitCode eCode, const std::string &strText);
 
 #endif

@@ -48,6 +48,24 @@ static CaptionFormat Find_Format(const std::string &strEnding)
     return E_CAPTION_FORMAT_NONE;
 }
 
+std::vector<std::string> List_NamesBeside(const std::string &strMovie)
+{
+    std::vector<std::string> astrNames;
+    const std::string strBase = strMovie.substr(0, strMovie.rfind('.'));
+    for (const EndingRow &stRow : ENDINGS) astrNames.push_back(strBase + stRow.pszEnding);
+    return astrNames;
+}
+
+std::string Lower_Case(std::string strText)
+{
+    return Fold_Case(std::move(strText), std::tolower);
+}
+
+bool Is_SubtitleName(const std::string &strFile)
+{
+    return Find_Format(Lower_Case(Get_Ending(strFile))) != E_CAPTION_FORMAT_NONE;
+}
+
 static bool Is_Folder(const std::string &strPath)
 {
     struct stat stStat = {};

@@ -99,6 +99,15 @@ private:
     std::optional<TextDecoder> m_stDecoder;
 };
 
+// The names that the engine tries for a movie's subtitle, in its order.
+std::vector<std::string> List_NamesBeside(const std::string &strMovie);
+
+// By its ending, in any letter case.
+bool Is_SubtitleName(const std::string &strFile);
+
+// Of ASCII letters alone, so that no locale has a say.
+std::string Lower_Case(std::string strText);
+
 // "(unnamed)" for the class of frames without one.
 std::string Show_ClassName(const std::string &strName);
 

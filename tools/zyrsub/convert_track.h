@@ -1,0 +1,39 @@
+// The captions that are being converted: one track for each language of each input.
+#ifndef ZYRSUB_CONVERT_TRACK_H
+#define ZYRSUB_CONVERT_TRACK_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "subtitle_source.h"
+
+struct Track {
+    std::string strClass; // empty: unnamed
+    std::string strMovie; // the input that it is from
+    std::vector<Frame> astFrames;
+};
+
+// What an output cannot hold, and how often.
+class Losses
+{
+public:
+    void Add(const std::string &strWhat, size_t uiTimes = 1)
+    {
+        if (uiTimes > 0) m_auiTimes[strWhat] += uiTimes;
+    }
+    // "3 captions: an end ..."
+    std::vector<std::string> List() const;
+
+private:
+    std::map<std::string, size_t> m_auiTimes;
+};
+
+// Every language of the input, or those that the source's options name, each read by itself.
+Outcome Read_Tracks(const SourceOptions &stOptions, const std::string &strMovie,
+                    std::vector<Track> &astTracks);
+
+// Times become time x dScale + llShift (ms); what ends before 0 then, or passes the largest time, is lost.
+void Retime_Track(Track &stTrack, double dScale, int64_t llShift, Losses &stLosses);
+
+#endif

@@ -1,0 +1,283 @@
+#include "convert_write.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "time_text.h"
+
+using nlohmann::ordered_json;
+
+static constexpr int64_t LAST_CAPTION_MS = 5000; // how long a caption without an end is left on screen
+
+static constexpr OutputFormat FORMATS[] = {
+    {"srt", "SubRip", " .srt ", false, true, Write_SubRip},
+    {"vtt", "WebVTT", " .vtt ", false, false, Write_WebVtt},
+    {"smi", "SAMI", " .smi .sami ", true, true, Write_Sami},
+    {"ssa", "SSA", " .ssa ", false, true, Write_Ssa},
+    {"json", "JSON", " .json ", true, false, Write_Json},
+    {"txt", "plain text", " .txt ", false, false, Write_Text},
+};
+
+std::span<const OutputFormat> List_OutputFormats()
+{
+    return FORMATS;
+}
+
+const OutputFormat *Find_OutputFormat(const std::string &strNameOrEnding)
+{
+    const std::string strLower = Lower_Case(strNameOrEnding);
+    for (const OutputFormat &stFormat : FORMATS) {
+        const std::string strEndings = stFormat.pszEndings;
+        const size_t uiEnding = strEndings.find(strLower + ' ');
+        const bool bEnding = strLower.starts_with('.') && uiEnding != std::string::npos;
+        if (bEnding || strLower == stFormat.pszName) return &stFormat;
+    }
+    return nullptr;
+}
+
+// One character at a time, so that one without a place in the encoding costs no other.
+static std::string Encode_Characters(const std::string &strUtf8, const Converter &stConverter)
+{
+    std::string strOut;
+    for (size_t uiByte = 0; uiByte < strUtf8.size();) {
+        size_t uiEnd = uiByte + 1;
+        while (uiEnd < strUtf8.size() && (static_cast<uint8_t>(strUtf8[uiEnd]) & 0xC0) == 0x80) ++uiEnd;
+        const std::string strOne =
+            stConverter.Convert({strUtf8.data() + uiByte, uiEnd - uiByte}, uiEnd - uiByte, "");
+        strOut += strOne.empty() ? "?" : strOne;
+        uiByte = uiEnd;
+    }
+    return strOut;
+}
+
+std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding, bool bMark,
+                        Losses &stLosses, std::span<const Track> astTracks)
+{
+    const std::string strName = Lower_Case(strEncoding);
+    const std::string strMark = "\xEF\xBB\xBF";
+    const bool bUtf16 = strName == "utf-16le" || strName == "utf-16be";
+    const bool bUtf8 = strName == "utf-8" || strName == "utf8";
+    const Converter stConverter(strEncoding, "UTF-8");
+    for (const Track &stTrack : astTracks)
+        for (const Frame &stFrame : stTrack.astFrames) {
+            const std::string strText = Join_Lines(stFrame.astrLines, "\n");
+            const bool bHigh = std::any_of(strText.begin(), strText.end(), [](char cChar) {
+                return static_cast<uint8_t>(cChar) >= 0xF0; // leads a character above U+FFFF
+            });
+            if (bUtf8 && bMark && bHigh)
+                stLosses.Add(
+                    "players read no character above U+FFFF from UTF-8; --encoding UTF-16LE keeps it");
+            if (!bUtf8 && !bUtf16 &&
+                stConverter.Convert(strText, 1, "\x01") != Encode_Characters(strText, stConverter))
+                stLosses.Add("characters that the encoding does not have are written as '?'");
+        }
+    if (bUtf8) return bMark ? strMark + strUtf8 : strUtf8;
+    if (bUtf16) return stConverter.Convert(strMark + strUtf8, 1, "");
+    return Encode_Characters(strUtf8, stConverter);
+}
+
+static std::string Format_Clock(int64_t llMs, int iHourDigits, char cPoint)
+{
+    char szTime[40];
+    std::snprintf(szTime, sizeof szTime, "%0*d:%02d:%02d%c%03d", iHourDigits,
+                  static_cast<int>(llMs / 3600000), static_cast<int>(llMs / 60000 % 60),
+                  static_cast<int>(llMs / 1000 % 60), cPoint, static_cast<int>(llMs % 1000));
+    return szTime;
+}
+
+static bool Is_EntityStart(const std::string &strLine, size_t uiAmpersand)
+{
+    if (uiAmpersand + 1 >= strLine.size()) return false;
+    const char cNext = strLine[uiAmpersand + 1];
+    return cNext == '#' || (cNext >= '0' && cNext <= '9') || (cNext >= 'a' && cNext <= 'z') ||
+           (cNext >= 'A' && cNext <= 'Z');
+}
+
+// Markup text: what would be read as a tag, an entity or a foldable blank is written as an entity. Plain "&"
+// and ">" stay in SubRip, where most players know no entities.
+static std::string Escape_Markup(const std::string &strLine, bool bAll)
+{
+    std::string strOut;
+    for (size_t uiByte = 0; uiByte < strLine.size(); ++uiByte) {
+        const char cChar = strLine[uiByte];
+        const bool bEdge = uiByte == 0 || uiByte + 1 == strLine.size() || strLine[uiByte - 1] == ' ';
+        if (cChar == '<')
+            strOut += "&lt;";
+        else if (cChar == '>' && bAll)
+            strOut += "&gt;";
+        else if (cChar == '&' && (bAll || Is_EntityStart(strLine, uiByte)))
+            strOut += "&amp;";
+        else if ((cChar == ' ' && bEdge) || cChar == '\t' || cChar == '\r')
+            strOut += "&#" + std::to_string(static_cast<int>(cChar)) + ";";
+        else
+            strOut += cChar;
+    }
+    return strOut;
+}
+
+static std::string Join_Escaped(const Frame &stFrame, const char *pszBreak, bool bAll)
+{
+    std::string strOut;
+    for (const std::string &strLine : stFrame.astrLines) {
+        if (!strOut.empty() && !strLine.empty()) strOut += pszBreak;
+        strOut += Escape_Markup(strLine, bAll);
+    }
+    return strOut;
+}
+
+// Bold, colours and the like.
+static void Note_Styles(const Track &stTrack, Losses &stLosses)
+{
+    static constexpr uint16_t WHITE = 0xFFFF;
+    for (const Frame &stFrame : stTrack.astFrames)
+        if (stFrame.stStyle.uiDisplayMode != 0 || stFrame.stStyle.usColor != WHITE)
+            stLosses.Add("its style (colour, bold, place and so on) is not written");
+}
+
+std::string Write_SubRip(std::span<const Track> astTracks, Losses &stLosses)
+{
+    std::string strOut;
+    size_t uiNumber = 0;
+    const Track &stTrack = astTracks.front();
+    Note_Styles(stTrack, stLosses);
+    for (const Frame &stFrame : stTrack.astFrames) {
+        if (stFrame.iEnd == OPEN_END)
+            stLosses.Add("it has no end, and gets the last time there is, 596:31:23,647");
+        const std::string strText = Join_Escaped(stFrame, "\r\n", false);
+        strOut += std::to_string(++uiNumber) + "\r\n" + Format_Clock(stFrame.iStart, 2, ',') + " --> " +
+                  Format_Clock(stFrame.iEnd, 2, ',') + "\r\n" + strText + (strText.empty() ? "" : "\r\n") +
+                  "\r\n";
+    }
+    return strOut;
+}
+
+// In order of their starts, with an end for each.
+static std::vector<Frame> Close_Ends(const Track &stTrack, Losses &stLosses)
+{
+    std::vector<Frame> astFrames = stTrack.astFrames;
+    std::stable_sort(astFrames.begin(), astFrames.end(),
+                     [](const Frame &stA, const Frame &stB) { return stA.iStart < stB.iStart; });
+    for (size_t uiFrame = 0; uiFrame < astFrames.size(); ++uiFrame) {
+        Frame &stFrame = astFrames[uiFrame];
+        if (stFrame.iEnd != OPEN_END) continue;
+        const bool bLast = uiFrame + 1 == astFrames.size();
+        const int64_t llEnd = bLast ? stFrame.iStart + LAST_CAPTION_MS : astFrames[uiFrame + 1].iStart;
+        stFrame.iEnd = static_cast<int32_t>(std::min<int64_t>(llEnd, OPEN_END - 1));
+        if (!stFrame.astrLines.empty())
+            stLosses.Add("it has no end, and gets the next start, or 5 seconds as the last one");
+    }
+    return astFrames;
+}
+
+std::string Write_WebVtt(std::span<const Track> astTracks, Losses &stLosses)
+{
+    std::string strOut = "WEBVTT\n";
+    Note_Styles(astTracks.front(), stLosses);
+    for (const Frame &stFrame : Close_Ends(astTracks.front(), stLosses)) {
+        if (stFrame.astrLines.empty()) continue; // nothing is on screen without a cue
+        if (stFrame.iEnd <= stFrame.iStart) {
+            stLosses.Add("left out, as it ends before it begins");
+            continue;
+        }
+        strOut.append("\n").append(Format_Clock(stFrame.iStart, 2, '.')).append(" --> ");
+        strOut.append(Format_Clock(stFrame.iEnd, 2, '.')).append("\n");
+        strOut.append(Join_Escaped(stFrame, "\n", true)).append("\n");
+    }
+    return strOut;
+}
+
+std::string Write_Text(std::span<const Track> astTracks, Losses & /*stLosses*/)
+{
+    std::string strOut;
+    for (const Frame &stFrame : astTracks.front().astFrames)
+        if (!stFrame.astrLines.empty())
+            strOut.append(strOut.empty() ? "" : "\n")
+                .append(Join_Lines(stFrame.astrLines, "\n"))
+                .append("\n");
+    return strOut;
+}
+
+// A caption whose text would be read as an override or a line break.
+static std::string Write_SsaLine(const std::string &strLine, Losses &stLosses)
+{
+    std::string strOut = strLine;
+    bool bChanged = false;
+    for (char &cChar : strOut) {
+        const char cBefore = cChar;
+        if (cChar == '{') cChar = '(';
+        if (cChar == '}') cChar = ')';
+        if (cChar == '\\') cChar = '/';
+        if (cChar == '\r') cChar = ' ';
+        bChanged = bChanged || cChar != cBefore;
+    }
+    if (bChanged) stLosses.Add("SSA has no { } or backslash in text; they become ( ) and /");
+    return strOut;
+}
+
+static std::string Format_SsaTime(int64_t llHundredths)
+{
+    std::string strTime = Format_Clock(llHundredths * 10, 1, '.');
+    strTime.pop_back();
+    return strTime;
+}
+
+// H:MM:SS.hh with one digit of hours.
+static std::string Write_SsaTimes(const Frame &stFrame, Losses &stLosses)
+{
+    static constexpr int64_t LAST = 3599999; // 9:59:59.99
+    if (stFrame.iEnd == OPEN_END) stLosses.Add("it has no end, and gets the last time of SSA, 9:59:59.99");
+    const bool bRounded = stFrame.iStart % 10 != 0 || (stFrame.iEnd != OPEN_END && stFrame.iEnd % 10 != 0);
+    if (bRounded) stLosses.Add("SSA counts in hundredths of a second; its times are rounded");
+    const int64_t llStart = (int64_t{stFrame.iStart} + 5) / 10;
+    const int64_t llEnd = (int64_t{stFrame.iEnd} + 5) / 10;
+    if (stFrame.iEnd < stFrame.iStart) stLosses.Add("it ends before it begins, and loses its text in SSA");
+    if (llStart == 0) stLosses.Add("SSA captions that start at 0 are never shown; it starts at 10 ms");
+    if (llStart > LAST) stLosses.Add("SSA ends at ten hours; it is written as 9:59:59.99");
+    std::string strTimes = Format_SsaTime(std::clamp<int64_t>(llStart, 1, LAST));
+    return strTimes.append(",").append(Format_SsaTime(std::min(llEnd, LAST)));
+}
+
+std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses)
+{
+    std::string strOut =
+        "[Script Info]\r\nScriptType: v4.00\r\n\r\n[V4 Styles]\r\n"
+        "Format: Name, Fontname, Fontsize, PrimaryColour, SecondaryColour, TertiaryColour, BackColour, Bold, "
+        "Italic, BorderStyle, Outline, Shadow, Alignment, MarginL, MarginR, MarginV, AlphaLevel, Encoding\r\n"
+        "Style: Default,Arial,20,16777215,16777215,16777215,0,0,0,1,2,0,2,20,20,20,0,0\r\n\r\n[Events]\r\n"
+        "Format: Marked, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\r\n";
+    Note_Styles(astTracks.front(), stLosses);
+    std::vector<Frame> astFrames = astTracks.front().astFrames;
+    std::stable_sort(astFrames.begin(), astFrames.end(),
+                     [](const Frame &stA, const Frame &stB) { return stA.iStart < stB.iStart; });
+    for (const Frame &stFrame : astFrames) {
+        strOut.append("Dialogue: Marked=0,").append(Write_SsaTimes(stFrame, stLosses));
+        strOut += ",Default,,0,0,0,,";
+        for (size_t uiLine = 0; uiLine < stFrame.astrLines.size(); ++uiLine)
+            strOut.append(uiLine > 0 ? "\\N" : "").append(Write_SsaLine(stFrame.astrLines[uiLine], stLosses));
+        strOut += "\r\n";
+    }
+    return strOut;
+}
+
+std::string Write_Json(std::span<const Track> astTracks, Losses & /*stLosses*/)
+{
+    ordered_json jsTracks = ordered_json::array();
+    for (const Track &stTrack : astTracks) {
+        ordered_json jsFrames = ordered_json::array();
+        for (const Frame &stFrame : stTrack.astFrames)
+            jsFrames.push_back(
+                {{"start", stFrame.iStart},
+                 {"end", stFrame.iEnd == OPEN_END ? ordered_json() : ordered_json(stFrame.iEnd)},
+                 {"lines", stFrame.astrLines}});
+        jsTracks.push_back(
+            {{"movie", stTrack.strMovie}, {"class", stTrack.strClass}, {"frames", std::move(jsFrames)}});
+    }
+    const ordered_json jsDocument = {{"schema", 1}, {"tracks", std::move(jsTracks)}};
+    return jsDocument.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string Escape_SamiText(const Frame &stFrame)
+{
+    return stFrame.astrLines.empty() ? "&nbsp;" : Join_Escaped(stFrame, "<br>", true);
+}

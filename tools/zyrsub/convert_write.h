@@ -1,0 +1,40 @@
+// Captions written as files of other formats.
+#ifndef ZYRSUB_CONVERT_WRITE_H
+#define ZYRSUB_CONVERT_WRITE_H
+
+#include <span>
+#include <string>
+
+#include "convert_track.h"
+
+struct OutputFormat {
+    const char *pszName;    // for --to
+    const char *pszTitle;   // for people
+    const char *pszEndings; // in lower case, each between blanks
+    bool bSeveral;          // holds several languages
+    bool bMark;             // a byte order mark makes its readers see UTF-8
+    std::string (*pfWrite)(std::span<const Track>, Losses &);
+};
+
+std::span<const OutputFormat> List_OutputFormats();
+
+// By its name for --to, or by a file's ending (".srt"), in any letter case; NULL for any other text.
+const OutputFormat *Find_OutputFormat(const std::string &strNameOrEnding);
+
+// The text, which is UTF-8, in an encoding that iconv knows; what it cannot hold becomes "?"; the tracks
+// tell in how many captions.
+std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding, bool bMark,
+                        Losses &stLosses, std::span<const Track> astTracks);
+
+// The writers. All but SAMI and JSON take one track. Style is not written: frames carry only how it ended.
+std::string Write_SubRip(std::span<const Track> astTracks, Losses &stLosses);
+std::string Write_WebVtt(std::span<const Track> astTracks, Losses &stLosses);
+std::string Write_Sami(std::span<const Track> astTracks, Losses &stLosses);
+std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses);
+std::string Write_Json(std::span<const Track> astTracks, Losses &stLosses);
+std::string Write_Text(std::span<const Track> astTracks, Losses &stLosses);
+
+// The text of a SAMI paragraph.
+std::string Escape_SamiText(const Frame &stFrame);
+
+#endif
