@@ -5,7 +5,7 @@
 namespace
 {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 int32_t Fail_Reads(int iCall, uint32_t /*uiAsked*/, int32_t iReal, void * /*pContext*/)
 {
@@ -33,7 +33,7 @@ protected:
     {
         std::string strFrames;
         for (std::string strFrame = Next_Frame(); strFrame != "none"; strFrame = Next_Frame())
-            strFrames += strFrame + ";";
+            strFrames.append(strFrame).append(";");
         return strFrames;
     }
 };
@@ -260,7 +260,7 @@ TEST_F(SubViewer, BracketsAtTheConvertBuffersEnd)
         SCOPED_TRACE(uiPlain);
         std::string strText = "[";
         strText.append(uiPlain, 'a').append("[[[B[bR[BRx[");
-        ASSERT_EQ(Open(HEADER + TIMES + strText + "\r\n\r\n"), 0u);
+        ASSERT_EQ(Open(std::string(HEADER).append(TIMES).append(strText).append(END)), 0u);
         std::string strFrame = All_Frames();
         std::erase(strFrame, '|');
         EXPECT_EQ(strFrame, "1000-2500 " + strText + ";");
@@ -304,7 +304,7 @@ TEST_F(SubViewer, FaultsWhileOpening)
 TEST_F(SubViewer, FaultsWhilePlaying)
 {
     std::string strFrames = HEADER;
-    while (strFrames.size() < 100000) strFrames += TIMES + "a\r\n\r\n";
+    while (strFrames.size() < 100000) strFrames.append(TIMES).append("a\r\n\r\n");
     ASSERT_EQ(Open(strFrames), 0u);
     zyr_host_setFileHook(Fail_Reads, nullptr);
     All_Frames();
