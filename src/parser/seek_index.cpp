@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "parser/char_reader.h"
+#include "zyr_log.h"
 
 namespace
 {
@@ -146,4 +147,30 @@ int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
     // The frame parser is likely to go on from one of these two: one read then serves the scan and the frame.
     const int64_t llReached = Move_ReadPosition(hFile, stPlace.llPrevPos, E_READ_AHEAD_FULL);
     return llReached < 0 ? llReached : Move_ReadPosition(hFile, stPlace.llPos, E_READ_AHEAD_FULL);
+}
+
+int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)
+{
+    Lose_SeekStep();
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] %s() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__, pszSeek,
+                        static_cast<int32_t>(llReached));
+    return -1;
+}
+
+int32_t Fail_SeekRead(const char *pszSeek, int32_t iResult)
+{
+    Lose_SeekStep();
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Get_CharCode() Failed! (ERROR = %d)\n",
+                        __LINE__, pszSeek, iResult);
+    return iResult;
+}
+
+int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t uiTime)
+{
+    const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
+    if (llReached < 0) return Fail_SeekMove(pszSeek, llReached);
+    pstQuibCaptionParserInfo->llCurrFilePos = llPos;
+    pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiTime);
+    return 1;
 }

@@ -260,6 +260,8 @@ int32_t Complete_Frame(const SubRipScan &stScan)
 
 // ---- Seek ----
 
+constexpr const char *SEEK_NAME = "Seek_SubRip";
+
 constexpr StopUnits CR_STOP = {1, {'\r'}, false};
 
 struct SubRipSeek {
@@ -310,15 +312,6 @@ bool Step_Seek(SubRipScan &stScan, SubRipSeek &stSeek, uint16_t usChar)
     }
 }
 
-int32_t Log_MoveFailed(int64_t llReached)
-{
-    Lose_SeekStep();
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] Seek_SubRip() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
-                        static_cast<int32_t>(llReached));
-    return -1;
-}
-
 /** Scan until an entry starts after the target, or the file ends. @return 1, or a negative value (logged). */
 int32_t Scan_Entries(SubRipSeek &stSeek, void *hFile)
 {
@@ -328,26 +321,11 @@ int32_t Scan_Entries(SubRipSeek &stSeek, void *hFile)
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
-        if (iResult < 0) {
-            Lose_SeekStep();
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] Seek_SubRip() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
-                                iResult);
-            return iResult;
-        }
+        if (iResult < 0) return Fail_SeekRead(SEEK_NAME, iResult);
         while (!Step_Seek(stScan, stSeek, usChar)) {}
         if (stScan.bEntryEnd) llReached = Pass_Entry(stScan, stSeek, hFile);
     }
-    return llReached < 0 ? Log_MoveFailed(llReached) : 1;
-}
-
-int32_t Resume_At(void *hFile, int64_t llPos, uint32_t uiTime)
-{
-    const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
-    if (llReached < 0) return Log_MoveFailed(llReached);
-    pstQuibCaptionParserInfo->llCurrFilePos = llPos;
-    pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiTime);
-    return 1;
+    return llReached < 0 ? Fail_SeekMove(SEEK_NAME, llReached) : 1;
 }
 
 } // namespace
@@ -393,7 +371,7 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     if (!Is_StreamReady()) return -1;
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
-    if (uiTargetMs == 0) return Resume_At(hFile, stInfo.llStartFilePos, 0);
+    if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, stInfo.llStartFilePos, 0);
 
     const uint32_t uiCurrTime = static_cast<uint32_t>(stInfo.iCurrPTS);
     const bool bFromStart = bBackward == 1 || bBackward == 3;
@@ -412,5 +390,7 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     }
     SubRipSeek stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bFromStart), false};
     const int32_t iResult = Scan_Entries(stSeek, hFile);
-    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
+    return iResult < 0
+               ? iResult
+               : Resume_Reading(SEEK_NAME, hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
 }

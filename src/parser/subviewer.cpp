@@ -213,6 +213,8 @@ int32_t Complete_Frame(const SubViewerScan &stScan)
 
 // ---- Seek ----
 
+constexpr const char *SEEK_NAME = "Seek_SubViewer";
+
 constexpr StopUnits LINE_END_STOPS = {2, {'\r', '\n'}, false};
 
 struct SubViewerSeek {
@@ -246,15 +248,6 @@ void Step_Seek(SubViewerScan &stScan, SubViewerSeek &stSeek, uint16_t usChar)
     }
 }
 
-int32_t Log_MoveFailed(int64_t llReached)
-{
-    Lose_SeekStep();
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] Seek_SubViewer() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
-                        static_cast<int32_t>(llReached));
-    return -1;
-}
-
 int64_t Pass_Frame(SubViewerScan &stScan, SubViewerSeek &stSeek, void *hFile)
 {
     stSeek.stPlace.llPrevPos = stSeek.stPlace.llPos;
@@ -269,32 +262,17 @@ int64_t Pass_Frame(SubViewerScan &stScan, SubViewerSeek &stSeek, void *hFile)
 int32_t Scan_Frames(void *hFile, SubViewerSeek &stSeek)
 {
     SubViewerScan stScan = {};
-    stScan.pszFunction = "Seek_SubViewer";
+    stScan.pszFunction = SEEK_NAME;
     int64_t llReached = Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
     while (!stSeek.bBeyond && llReached >= 0) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
-        if (iResult < 0) {
-            Lose_SeekStep();
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] Seek_SubViewer() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
-                                iResult);
-            return iResult;
-        }
+        if (iResult < 0) return Fail_SeekRead(SEEK_NAME, iResult);
         Step_Seek(stScan, stSeek, usChar);
         if (stScan.bFrameEnd) llReached = Pass_Frame(stScan, stSeek, hFile);
     }
-    return llReached < 0 ? Log_MoveFailed(llReached) : 1;
-}
-
-int32_t Resume_At(void *hFile, int64_t llPos, uint32_t uiPrevStart)
-{
-    const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
-    if (llReached < 0) return Log_MoveFailed(llReached);
-    pstQuibCaptionParserInfo->llCurrFilePos = llPos;
-    pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiPrevStart);
-    return 1;
+    return llReached < 0 ? Fail_SeekMove(SEEK_NAME, llReached) : 1;
 }
 
 } // namespace
@@ -335,7 +313,7 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     const int64_t llStart = stInfo.llStartFilePos;
-    if (uiTargetMs == 0) return Resume_At(hFile, llStart, 0);
+    if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, llStart, 0);
 
     SeekPlace stPlace = {llStart, llStart, 0, 0};
     if (bBackward == 1) {
@@ -352,5 +330,7 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     pstQuibCaptionParserInfo->uiConvLength = 0;
     SubViewerSeek stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
     const int32_t iResult = Scan_Frames(hFile, stSeek);
-    return iResult < 0 ? iResult : Resume_At(hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
+    return iResult < 0
+               ? iResult
+               : Resume_Reading(SEEK_NAME, hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
 }
