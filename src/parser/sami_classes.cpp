@@ -48,13 +48,6 @@ void Note_ChangedClasses()
     Forget_PassedPlaces();
 }
 
-/** Take the last class out. Its place is cleared, so that nothing takes it for a class with frames. */
-void Drop_LastClass()
-{
-    --pstQuibCaptionParserInfo->uiClassNums;
-    Get_Class(pstQuibCaptionParserInfo->uiClassNums) = {};
-}
-
 void Add_AltName(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
 {
     if (stFrom.uiNameLength == 0 || stTo.uiAltNameNums >= ZYR_CLASS_MAX) return;
@@ -135,7 +128,7 @@ int32_t CAPTIONPARS_SAMI_MergeUndefinedLanguage(uint32_t uiTargetClass)
             s_pstFrameInfoArray[uiFrame].uiClassIndex = uiTargetClass;
     Note_ChangedClasses();
     Combine_Frames(Get_Class(uiTargetClass), Get_Class(uiLast));
-    Drop_LastClass();
+    --pstQuibCaptionParserInfo->uiClassNums;
     return 1;
 }
 
@@ -157,7 +150,7 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
     Combine_Frames(Get_Class(uiTo), Get_Class(uiFrom));
     for (uint32_t uiClass = uiFrom; uiClass + 1 < uiNums; ++uiClass)
         Get_Class(uiClass) = Get_Class(uiClass + 1);
-    Drop_LastClass();
+    --pstQuibCaptionParserInfo->uiClassNums;
     return 1;
 }
 

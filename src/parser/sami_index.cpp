@@ -129,7 +129,6 @@ void Order_FramesByClass()
 
 uint32_t Find_ClassFrame(uint32_t uiClass, uint32_t uiFrom)
 {
-    if (uiClass >= ZYR_CLASS_MAX) return s_uiFrameInfoNums;
     for (uint32_t uiFrame = uiFrom; uiFrame < s_uiFrameInfoNums; ++uiFrame) {
         if (s_pstFrameInfoArray[uiFrame].uiClassIndex == uiClass) return uiFrame;
         if (uiFrame - uiFrom < NEAR_FRAMES) continue;

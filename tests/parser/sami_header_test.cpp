@@ -29,12 +29,13 @@ TEST_F(SamiTest, TagsThatCount)
         {"<SYNC START= 5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=>" + X, "X 0 @0-0 268435455-0"},
         {"<SYNC START=5a>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=-5>" + X, "X 0 @0-0 268435455-0"},
         {"<SYNC \tSTART=5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC END=9 START=5>" + X, "X 0 @0-0 268435455-0"},
-        {"<SYNCS START=5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=5", ""}, {"<SYNC START=5<b>", ""},
+        {"<SYNCS START=5>" + X, "X 0 @0-0 268435455-0"}, {"<SYNC START=5\r", ""}, {"<SYNC START=5<b>", ""},
         {"", ""}, {"no tags", ""},
         {"<SYNC START=12345678901234567890><P CLASS=X>", "X 1 @0-0 -350287150-0"},
         {"<SYNC START=4294967291>" + X, "X 1 @0-0 -5-0"},
         // CLASS values.
         {"<SYNC START=5><P ID=1 CLASS=X>", "- 1 @0-0 5-5"}, {"<SYNC START=5><P>", "- 1 @0-0 5-5"},
+        {"<SYNC START=5><P CLASS=>", "- 1 @0-0 5-5"},
         {"<SYNC START=5><P CLASS= X>", "- 1 @0-0 5-5"}, {"<SYNC START=5><P CLASS=X<b>", "- 1 @0-0 5-5"},
         {"<SYNC START=5><P CLASS=X\tID=1>", "X 1 @0-0 5-5"}, {"<SYNC START=5><P CLASS=\"x\">", "\"X\" 1 @0-0 5-5"},
         {"<SYNC START=5><PCLASS=X>", "- 1 @0-0 5-5"}, {"<SYNC START=5></P CLASS=X>", "- 1 @0-0 5-5"},
@@ -47,26 +48,30 @@ TEST_F(SamiTest, TagsThatCount)
         {"<SYNC START=5>" + X + "<BODY></BODY ></BODYX></SYNC><SYNC START=6><P CLASS=x>", "X 2 @0-54 5-6"},
     };
     // clang-format on
-    for (const auto &stCase : astCase)
-        for (const TestEncoding eEncoding : {E_ANSI, E_UTF8, E_UTF16LE, E_UTF16BE}) {
-            const uint32_t uiResult = Open(".smi", Encode(stCase.strFile, eEncoding));
-            ASSERT_EQ(uiResult, stCase.strClasses.empty() ? 1u : 0u) << stCase.strFile << " " << eEncoding;
-            if (uiResult != 0) continue;
-            if (eEncoding == E_ANSI) {
-                EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile;
-                continue;
-            }
-            // A mark moves every place, 16-bit units double them; the rest must be the same.
-            for (CaptionClassInfo &stClass : pstQuibCaptionParserInfo->astClassInfo) {
-                const int64_t llUnit = eEncoding == E_UTF8 ? 1 : 2;
-                const int64_t llMark = eEncoding == E_UTF8 ? 3 : 2;
-                const bool bFrame = stClass.uiFrameNums > 0;
-                const bool bLast = stClass.uiFrameNums > 1 || stClass.uiNameLength == 0;
-                if (bFrame) stClass.llFirstFramePos = (stClass.llFirstFramePos - llMark) / llUnit;
-                if (bFrame && bLast) stClass.llLastFramePos = (stClass.llLastFramePos - llMark) / llUnit;
-            }
-            EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile << " " << eEncoding;
+    for (uint32_t uiRun = 0; uiRun < 8 * std::size(astCase); ++uiRun) {
+        const auto &stCase = astCase[uiRun / 8];
+        const auto eEncoding = static_cast<TestEncoding>(uiRun % 4);
+        const bool bPadded = uiRun % 8 >= 4;
+        // With enough text behind it a tag is read at once, at the end of the file unit by unit.
+        const std::string strFile = stCase.strFile + (bPadded ? Repeat(" ", 40) : "");
+        const uint32_t uiResult = Open(".smi", Encode(strFile, eEncoding));
+        ASSERT_EQ(uiResult, stCase.strClasses.empty() ? 1u : 0u) << stCase.strFile << " " << eEncoding;
+        if (uiResult != 0) continue;
+        if (eEncoding == E_ANSI) {
+            EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile;
+            continue;
         }
+        // A mark moves every place, 16-bit units double them; the rest must be the same.
+        for (CaptionClassInfo &stClass : pstQuibCaptionParserInfo->astClassInfo) {
+            const int64_t llUnit = eEncoding == E_UTF8 ? 1 : 2;
+            const int64_t llMark = eEncoding == E_UTF8 ? 3 : 2;
+            const bool bFrame = stClass.uiFrameNums > 0;
+            const bool bLast = stClass.uiFrameNums > 1 || stClass.uiNameLength == 0;
+            if (bFrame) stClass.llFirstFramePos = (stClass.llFirstFramePos - llMark) / llUnit;
+            if (bFrame && bLast) stClass.llLastFramePos = (stClass.llLastFramePos - llMark) / llUnit;
+        }
+        EXPECT_EQ(Get_Classes(), stCase.strClasses) << stCase.strFile << " " << eEncoding;
+    }
 }
 
 TEST_F(SamiTest, PlacesAreThoseOfTheBytes)
@@ -90,6 +95,10 @@ TEST_F(SamiTest, PlacesAreThoseOfTheBytes)
         EXPECT_EQ(Get_Classes(), "X 1 @" + std::to_string(stCase.llPlace) + "-0 1-1");
         EXPECT_EQ(Read_Texts(), "1 ") << stCase.llPlace;
     }
+    // A byte that is dropped may also stand inside a tag's name.
+    ASSERT_EQ(Open(".smi", "\xEF\xBB\xBF<\xC0SYNC Start=1><\x80P Class=X>" + Repeat(" ", 40)), 0u);
+    EXPECT_EQ(Get_Classes(), "X 1 @3-0 1-1");
+    EXPECT_EQ(Read_Texts(), "1 ");
 }
 
 TEST_F(SamiTest, SeveralParagraphsInOneSync)
@@ -172,26 +181,31 @@ TEST_F(SamiTest, IndexHoldsWhatTheFileSizeAllowsFor)
     EXPECT_EQ(pstQuibCaptionParserInfo->astClassInfo[0].uiFrameNums, 300u) << "they are counted all the same";
     EXPECT_EQ(s_uiFrameInfoNums, uiMost);
     // A P tag behind such a frame must not give its class to the last one that has an entry.
-    ASSERT_EQ(Open(".smi", strFile + "<P CLASS=X>"), 0u);
-    EXPECT_EQ(s_pstFrameInfoArray[uiMost - 1].uiClassIndex, 0u);
-    EXPECT_EQ(Get_Counts(), "X:300") << "the unnamed class is large, the named one absorbs nothing";
+    ASSERT_EQ(
+        Open(".smi", Repeat("<SYNC START=1><P CLASS=A>", 400) + Repeat("<SYNC START=2><P CLASS=B>", 40)), 0u);
+    EXPECT_EQ(Get_Counts(), "A:400 B:40");
+    EXPECT_EQ(s_pstFrameInfoArray[s_uiFrameInfoNums - 1].uiClassIndex, 0u);
 }
 
 TEST_F(SamiTest, AHugeFileDoesNotAskForAHugeIndex)
 {
     // The file says that it has 2 GB: a full index would take 1.3 GB.
-    bool bTold = false;
+    struct Told {
+        bool bSize;
+        uint64_t ullMostBytes;
+    } stTold = {};
     zyr_host_setFileHook(
         [](int iCall, uint32_t, int32_t iReal, void *pvTold) {
-            bool &bDone = *static_cast<bool *>(pvTold);
-            if (iCall != ZYR_HOST_TELL || bDone) return iReal;
-            bDone = true;
+            Told &stNow = *static_cast<Told *>(pvTold);
+            stNow.ullMostBytes = std::max(stNow.ullMostBytes, zyr_host_liveBytes());
+            if (iCall != ZYR_HOST_TELL || stNow.bSize) return iReal;
+            stNow.bSize = true;
             return INT32_MAX;
         },
-        &bTold);
+        &stTold);
     ASSERT_EQ(Open(".smi", Syncs("X", 2000)), 0u);
     EXPECT_EQ(s_uiFrameInfoMax, INT32_MAX / 40u + 100);
-    EXPECT_LT(zyr_host_liveBytes(), 400000u);
+    EXPECT_LT(stTold.ullMostBytes, 400000u);
     EXPECT_EQ(Read_All().size(), 2000u);
 }
 

@@ -167,26 +167,36 @@ TEST_F(SamiTest, WhatWasLearntIsForgottenWithItsReason)
 {
     const std::string strFar = Repeat("<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", 50);
     // The classes change: what was another class's text is now this one's.
-    ASSERT_EQ(Open(".smi", strFar + Syncs("K", 5) + "<SYNC Start=9><P Class=E>end"), 0u);
+    ASSERT_EQ(Open(".smi", Syncs("K", 31) + Syncs("A", 31) + "<SYNC Start=4><P Class=K>first<P Class=E>\r\n" +
+                               strFar + "<SYNC Start=9><P Class=E>end"),
+              0u);
     Call_Often(60);
-    ASSERT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(0, 1), 1);
-    zyrSubtitle_seek(0);
-    EXPECT_EQ(Read_Texts().substr(0, 11), "0 K0|5 ke|5");
+    ASSERT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(0, 2), 1); // K into E, which is the second class now
+    const uint32_t uiSecond = 1;
+    ASSERT_EQ(zyrSubtitle_selectClass(1, &uiSecond), 0u);
+    EXPECT_EQ(Read_Texts().substr(0, 13), "0 K0|4 first|");
+    // The host has other bytes taken for characters: a tag comes out from behind a lead byte.
+    ASSERT_EQ(Open(".smi", strFar + "\xB0<SYNC Start=7><P Class=E>near" + Sync(9, "E", "end")), 0u);
+    const uint32_t uiE = Get_Counts().front() == 'E' ? 0 : 1;
+    ASSERT_EQ(zyrSubtitle_selectClass(1, &uiE), 0u);
+    for (const TestFrame &stFrame : Call_Often(20)) EXPECT_EQ(stFrame.strText, "end");
+    QUIBCAPTPARS_Set_ParsingOption(2);
+    for (const TestFrame &stFrame : Call_Often(20)) EXPECT_EQ(stFrame.strText, "near");
     // Text without a SYNC tag of its own has the times of the last good one that was passed.
     ASSERT_EQ(Open(".smi", strFar + "<SYNC Start=77><P Class=K>k<P Class=E><SYNC Start=8 End=x></BODY>end"),
               0u);
-    const uint32_t uiE = 1;
-    ASSERT_EQ(zyrSubtitle_selectClass(1, &uiE), 0u);
+    ASSERT_EQ(zyrSubtitle_selectClass(1, &uiSecond), 0u);
     for (const TestFrame &stFrame : Call_Often(40)) EXPECT_EQ(stFrame.iStart, 77);
     EXPECT_EQ(Count_Log("Failed to parse the caption tag!"), 40u) << "the bad tag is told of every time";
     // A scan that does not begin at the file's start counts other places than the file does.
-    const std::string strShifted = "12345" + strFar + Syncs("K", 1) + "<SYNC Start=9><P Class=E>end";
+    const std::string strShifted =
+        Repeat(" ", 100) + strFar + Syncs("K", 1) + "<SYNC Start=9><P Class=E>end" + Repeat("\r\n", 100);
     ASSERT_EQ(Open(".smi", strShifted), 0u);
     pstQuibCaptionParserInfo->uiCurrStream = 0;
     ASSERT_EQ(QuibCaptionParser_Init_CaptionStreamVariables(TRACK_GetFileHandleOfSubtitleData()), 1);
-    pstQuibCaptionParserInfo->astStreamInfo[0].iStreamBufIndex = 5;
+    pstQuibCaptionParserInfo->astStreamInfo[0].iStreamBufIndex = 100;
     ASSERT_EQ(HeaderParser_SAMI(TRACK_GetFileHandleOfSubtitleData()), 1);
-    ASSERT_EQ(zyrSubtitle_selectClass(1, &uiE), 0u);
+    ASSERT_EQ(zyrSubtitle_selectClass(1, &uiSecond), 0u);
     for (const TestFrame &stFrame : Call_Often(51)) EXPECT_EQ(stFrame.strText, "end");
 }
 
@@ -194,17 +204,18 @@ TEST_F(SamiTest, FramesThatLeadFarAreReadInLinearTime)
 {
     struct {
         const char *pszBlock; // its entry is class E's, but its text is not
-        const char *pszEnd;
+        std::string strEnd;
         size_t uiFrames;
     } const astCase[] = {
         {"<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", "<SYNC Start=9><P Class=E>end", 3001},
         {"<SYNC Start=5 End=8><P Class=K>k<P Class=E>e\r\n", "</BODY>end", 3000},
         {"<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", "", 0},
+        {"<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", "<SYNC Start=6>" + Repeat(" ", 200000), 0},
         {"<SYNC Start=5><SYNC \n><P Class=K>k<P Class=E>\r\n", "", 0},
         {"<SYNC Start=5><SYNC <P Class=E>padding\r\n", "<SYNC Start=9><P Class=E>end", 3001},
     };
     for (const auto &stCase : astCase) {
-        ASSERT_EQ(Open(".smi", Repeat(stCase.pszBlock, 3000) + Syncs("K", 40) + stCase.pszEnd), 0u);
+        ASSERT_EQ(Open(".smi", Repeat(stCase.pszBlock, 3000) + Syncs("K", 40) + stCase.strEnd), 0u);
         const uint32_t uiE = pstQuibCaptionParserInfo->astClassInfo[0].ausName[0] == 'E' ? 0 : 1;
         ASSERT_EQ(zyrSubtitle_selectClass(1, &uiE), 0u);
         Count_Reads();
@@ -411,7 +422,8 @@ TEST_F(SamiTest, OddSelections)
     }
     // Streams that QUIBCAPT_Set_ClassType() leaves out show nothing of their last frame later on.
     EXPECT_EQ(QUIBCAPT_Set_ClassType(0, 7), 1);
-    ASSERT_EQ(zyrSubtitle_selectClass(4, auiTwice), 0u);
+    const uint32_t auiBoth[] = {0, 1};
+    ASSERT_EQ(zyrSubtitle_selectClass(2, auiBoth), 0u);
     ASSERT_EQ(QUIB_CAPTION_ParsingProcessEx(), 2);
     EXPECT_STREQ(reinterpret_cast<const char *>(stInfo.aucOutText), "A0");
 }
