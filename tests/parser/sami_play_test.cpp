@@ -294,8 +294,8 @@ TEST_F(SamiTest, SeekPicksTheFrameOnScreen)
     EXPECT_EQ(CAPTIONPARS_SAMI_GetNextFramePTS(2), 500);
     // A target like the walk over the class's frames would find it, for every time.
     std::string strMany;
-    for (int iBlock = 0; iBlock < 100; ++iBlock)
-        strMany += Sync(3 * iBlock, iBlock % 3 == 0 ? "A" : "B", "t") + Sync(3 * iBlock, "B", "t");
+    for (int64_t llTime = 0; llTime < 300; llTime += 3)
+        strMany += Sync(llTime, llTime % 9 == 0 ? "A" : "B", "t") + Sync(llTime, "B", "t");
     ASSERT_EQ(Open(".smi", strMany), 0u);
     for (uint32_t uiTarget = 0; uiTarget < 310; ++uiTarget) {
         uint32_t uiPick = 0;
