@@ -157,6 +157,7 @@ static pid_t Start_Program(const std::vector<std::string> &astrArguments, int iK
     if (iKeptOpen >= 0) fcntl(iKeptOpen, F_SETFD, 0);
     const int iNull = open("/dev/null", O_RDWR);
     dup2(iNull, 2);
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // the window system's libraries keep memory until the exit
     execvp(apszArguments[0], apszArguments.data());
     _exit(127);
 }
