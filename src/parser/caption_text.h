@@ -68,6 +68,26 @@ struct MarkupStep {
  */
 void Begin_Markup(uint16_t usFirst);
 
+/**
+ * One unit of markup text. STOPS must hold every unit that is neither text nor markup in the format, such as
+ * its line ends; those are dropped.
+ */
+template <StopUnits STOPS>
+inline MarkupState Step_MarkupText(uint16_t usChar)
+{
+    if (usChar == ' ' || usChar == '\t') {
+        Append_FoldedBlank();
+        return E_MARKUP_TEXT;
+    }
+    pstQuibCaptionParserInfo->ucPrevBlank = 0;
+    if (usChar == '<' || usChar == '&') {
+        Begin_Markup(usChar);
+        return usChar == '<' ? E_MARKUP_TAG : E_MARKUP_ENTITY;
+    }
+    if (!STOPS.Holds(usChar)) Append_PlainText<STOPS>(usChar);
+    return E_MARKUP_TEXT;
+}
+
 /** One more unit of a tag. @param[in] pszParser  name of the frame parser, for the log */
 MarkupStep Step_Tag(uint16_t usChar, const char *pszParser);
 

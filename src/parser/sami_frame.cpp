@@ -264,37 +264,18 @@ bool Is_SyncAhead()
     return stUnits.bEnough && Begins_With(stUnits, SYNC_NAME);
 }
 
-bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
-{
-    if (usChar == ' ' || usChar == '\t') {
-        Append_FoldedBlank();
-        return true;
-    }
-    pstQuibCaptionParserInfo->ucPrevBlank = 0;
-    switch (usChar) {
-    case '<':
-        if (Is_SyncAhead()) {
-            End_Frame(stFrame, 1);
-        } else {
-            Begin_Markup(usChar);
-            stFrame.eState = E_FRAME_TAG;
-        }
-        break;
-    case '&':
-        Begin_Markup(usChar);
-        stFrame.eState = E_FRAME_ENTITY;
-        break;
-    case '\r':
-    case '\n':
-    case 0: break; // line ends in the file are none in the caption
-    default: Append_PlainText<TEXT_STOPS>(usChar); break;
-    }
-    return true;
-}
-
 SamiFrameState Get_MarkupState(MarkupState eState)
 {
     return static_cast<SamiFrameState>(E_FRAME_TEXT + static_cast<uint32_t>(eState));
+}
+
+bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<' && Is_SyncAhead())
+        End_Frame(stFrame, 1);
+    else
+        stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
+    return true;
 }
 
 bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)

@@ -158,11 +158,11 @@ int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)
     return -1;
 }
 
-int32_t Fail_SeekRead(const char *pszSeek, int32_t iResult)
+int32_t Fail_Read(const char *pszParser, int32_t iResult)
 {
-    Lose_SeekStep();
+    if (iResult != NO_CAPTION_DATA) Lose_SeekStep(); // the end of the data is a place like any other
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Get_CharCode() Failed! (ERROR = %d)\n",
-                        __LINE__, pszSeek, iResult);
+                        __LINE__, pszParser, iResult);
     return iResult;
 }
 

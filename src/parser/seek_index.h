@@ -61,8 +61,8 @@ int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile);
 /** Report that a seek could not move the file. @param[in] pszSeek  the seek's name @return -1 */
 int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached);
 
-/** Report that a seek could not read the file. @return iResult */
-int32_t Fail_SeekRead(const char *pszSeek, int32_t iResult);
+/** Report that a frame parser or a seek could not read the file. @return iResult */
+int32_t Fail_Read(const char *pszParser, int32_t iResult);
 
 /** End a seek: let reading go on from a position, with a time as the last handled one. @return 1, or -1
  * (logged) */

@@ -183,33 +183,17 @@ bool Is_HeaderState(SubRipState eState)
 
 constexpr StopUnits TEXT_STOPS = {5, {0, '\t', '\r', '<', '&'}, true};
 
-bool Step_Text(SubRipScan &stScan, uint16_t usChar)
-{
-    if (usChar == ' ' || usChar == '\t') {
-        Append_FoldedBlank();
-        return true;
-    }
-    pstQuibCaptionParserInfo->ucPrevBlank = 0;
-    switch (usChar) {
-    case '<':
-        Begin_Markup(usChar);
-        stScan.eState = E_SRT_TAG;
-        break;
-    case '&':
-        Begin_Markup(usChar);
-        stScan.eState = E_SRT_ENTITY;
-        break;
-    case '\r': Start_LineEnd(stScan); break;
-    case 0: break;
-    default: Append_PlainText<TEXT_STOPS>(usChar); break;
-    }
-    return true;
-}
-
 /** The text states stand in the order of MarkupState. */
 SubRipState Get_MarkupState(MarkupState eState)
 {
     return static_cast<SubRipState>(E_SRT_TEXT + static_cast<uint32_t>(eState));
+}
+
+bool Step_Text(SubRipScan &stScan, uint16_t usChar)
+{
+    stScan.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
+    if (usChar == '\r') Start_LineEnd(stScan);
+    return true;
 }
 
 bool Step_FrameTag(SubRipScan &stScan, uint16_t usChar)
@@ -321,7 +305,7 @@ int32_t Scan_Entries(SubRipSeek &stSeek, void *hFile)
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
-        if (iResult < 0) return Fail_SeekRead(SEEK_NAME, iResult);
+        if (iResult < 0) return Fail_Read(SEEK_NAME, iResult);
         while (!Step_Seek(stScan, stSeek, usChar)) {}
         if (stScan.bEntryEnd) llReached = Pass_Entry(stScan, stSeek, hFile);
     }
@@ -349,13 +333,7 @@ int32_t FrameParser_SubRip(void)
     for (;;) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
-        if (iResult < 0) {
-            if (iResult != NO_CAPTION_DATA) Lose_SeekStep();
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] FrameParser_SubRip() - Get_CharCode() Failed! (ERROR = %d)\n",
-                                __LINE__, iResult);
-            return iResult;
-        }
+        if (iResult < 0) return Fail_Read(FRAME_PARSER_NAME, iResult);
         if (iResult == 0) {
             Mark_EndOfData();
             return Is_HeaderState(stScan.eState) ? NO_CAPTION_DATA : Complete_Frame(stScan);

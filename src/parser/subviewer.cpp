@@ -268,7 +268,7 @@ int32_t Scan_Frames(void *hFile, SubViewerSeek &stSeek)
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
-        if (iResult < 0) return Fail_SeekRead(SEEK_NAME, iResult);
+        if (iResult < 0) return Fail_Read(SEEK_NAME, iResult);
         Step_Seek(stScan, stSeek, usChar);
         if (stScan.bFrameEnd) llReached = Pass_Frame(stScan, stSeek, hFile);
     }
@@ -288,13 +288,7 @@ int32_t FrameParser_SubViewer(void)
     for (;;) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
-        if (iResult < 0) {
-            if (iResult != NO_CAPTION_DATA) Lose_SeekStep();
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] FrameParser_SubViewer() - Get_CharCode() Failed! (ERROR = %d)\n",
-                                __LINE__, iResult);
-            return iResult;
-        }
+        if (iResult < 0) return Fail_Read(stScan.pszFunction, iResult);
         if (iResult == 0) {
             Mark_EndOfData();
             return stScan.eState == E_SUB_TIME ? NO_CAPTION_DATA : Complete_Frame(stScan);
