@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "run_program.h"
+#include "text_convert.h"
 
 using nlohmann::json;
 
@@ -200,6 +201,80 @@ TEST(ZyrsubOpen, MovieOrFile)
     EXPECT_EQ(List_Starts({stFolder.Path("Film.mkv")}).size(), 8U);
     const json jsInfo = json::parse(Run_Zyrsub({"info", "--json", stFolder.Path("Film.mkv")}).strOut);
     EXPECT_EQ(jsInfo["files"][0]["subtitle"], stFolder.Path("Film.smi"));
+}
+
+// A caption in SubRip, in one code page or another.
+static std::string Make_Caption(const std::string &strText)
+{
+    return "1\r\n00:00:01,000 --> 00:00:02,000\r\n" + strText + "\r\n\r\n";
+}
+
+TEST(ZyrsubInfo, TellsWhyTheEncoding)
+{
+    const struct {
+        std::string strBytes;
+        const char *pszEncoding;
+        json jsScan;        // rule, UTF-8 characters, invalid bytes, place and value of the first
+        json jsUndecodable; // place and value
+    } astCases[] = {
+        {"\xEF\xBB\xBF" + Make_Caption("caf\xC3\xA9 \xFF"), "UTF-8", {"mark"}, {43, 0xFF}},
+        {Make_Caption("plain"), "ANSI", {"fallback", 0, 0, nullptr}, nullptr},
+        {Make_Caption("caf\xC3\xA9"), "UTF-8", {"scan", 1, 0, nullptr}, nullptr},
+        {Make_Caption("caf\xC3\xA9 \xFF"), "ANSI", {"fallback", 1, 1, {40, 0xFF}}, {40, 0xFF}},
+        {Make_Caption(std::string(30, '\xFF')), "ANSI", {"scan", 0, 21, {34, 0xFF}}, {34, 0xFF}},
+    };
+    const TestFolder stFolder;
+    for (const auto &stCase : astCases) {
+        stFolder.Write("x.srt", stCase.strBytes);
+        const json jsInfo = json::parse(Run_Zyrsub({"info", "--json", stFolder.Path("x.srt")}).strOut);
+        const json &jsFile = jsInfo["files"][0];
+        const json &jsDetails = jsFile["encoding_details"];
+        const auto pfPlace = [](const json &jsByte) {
+            return jsByte.is_null() ? jsByte : json{jsByte["offset"], jsByte["byte"]};
+        };
+        json jsScan = {jsDetails["decided_by"]};
+        if (const json &js = jsDetails["scan"]; !js.is_null())
+            jsScan.insert(jsScan.end(),
+                          {js["utf8_characters"], js["invalid_bytes"], pfPlace(js["first_invalid"])});
+        EXPECT_EQ(jsFile["encoding"], stCase.pszEncoding) << stCase.strBytes;
+        EXPECT_EQ(jsScan, stCase.jsScan) << stCase.strBytes;
+        EXPECT_EQ(pfPlace(jsDetails["first_undecodable"]), stCase.jsUndecodable) << stCase.strBytes;
+    }
+}
+
+TEST(ZyrsubCodePage, AutoTakesTheLikeliest)
+{
+    const struct {
+        const char *pszIconv; // how the file is written
+        const char *pszReadAs;
+        std::string strText;
+        bool bSingleByte;
+    } astCases[] = {
+        {"EUC-KR", "CP949", "해가 지면 등을 켭니다. 바다는 고요하고 바람은 잔잔합니다.", false},
+        {"GBK", "GB18030", "宇宙守护神保护我们远离邪恶,今天天气很好,我们去海边散步。", false},
+        {"SHIFT_JIS", "CP932", "日が沈むと明かりがつきます。海は静かで、風は穏やかです。", false},
+        {"CP1251", "WINDOWS-1251", "Когда солнце садится, зажигается свет. Море спокойно.", true},
+    };
+    const TestFolder stFolder;
+    for (const auto &stCase : astCases) {
+        const Converter stConverter(stCase.pszIconv, "UTF-8");
+        stFolder.Write("x.srt", stConverter.Convert(Make_Caption(stCase.strText), 1, "?"));
+        const std::string strFile = stFolder.Path("x.srt");
+        for (const std::string strAsked : {"auto", stCase.pszIconv}) {
+            std::vector<std::string> astrArguments = {"frames", "--json", "--codepage", strAsked, strFile};
+            if (strAsked != "auto" && stCase.bSingleByte) astrArguments.emplace_back("--single-byte");
+            const json jsFile = json::parse(Run_Zyrsub(astrArguments).strOut)["files"][0];
+            std::string strRead;
+            for (const std::string strLine : jsFile["frames"][0]["lines"]) strRead += strLine;
+            EXPECT_EQ(strRead, stCase.strText) << strAsked;
+            const bool bAsked = strAsked != "auto" && stCase.bSingleByte; // CP1251 stays what it is called
+            EXPECT_EQ(jsFile["code_page"], bAsked ? stCase.pszIconv : stCase.pszReadAs);
+        }
+        const json jsInfo = json::parse(Run_Zyrsub({"info", "--json", strFile}).strOut);
+        const json &jsBest = jsInfo["files"][0]["encoding_details"]["likely_code_pages"][0];
+        EXPECT_EQ(jsBest["name"], stCase.pszReadAs);
+        EXPECT_EQ(std::string(jsBest["preview"]).substr(0, 6), stCase.strText.substr(0, 6));
+    }
 }
 
 TEST(ZyrsubExit, Codes)

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "closest_name.h"
+#include "code_page.h"
 #include "report_json.h"
 #include "time_text.h"
 
@@ -23,7 +24,8 @@ that can be read.)";
 static constexpr const char *INFO_FOOTER = R"(Examples:
   zyrsub info movie.srt              one file
   zyrsub info movie.avi              the subtitle that a player finds beside the movie
-  zyrsub info --json *.smi           many files, as one JSON document)";
+  zyrsub info --json *.smi           many files, as one JSON document
+  zyrsub info --codepage auto old.smi   read in the code page that its bytes look like)";
 
 static constexpr const char *FIND_FOOTER = R"(Examples:
   zyrsub find movie.avi              every name that is tried, and the one that wins
@@ -34,6 +36,7 @@ static constexpr const char *FRAMES_FOOTER = R"(Examples:
   zyrsub frames movie.srt --from 1:00:00 --count 3  what a player shows after a jump to one hour
   zyrsub frames movie.smi --class KRCC --json       one language, as JSON
   zyrsub frames movie.smi --together                the languages of one moment in one text
+  zyrsub frames old.srt --codepage auto             text of an unknown code page
   zyrsub frames old.srt --codepage CP1252 --single-byte
 
 Times are milliseconds (1500), 1.5s, 1m30s, H:MM:SS.mmm or MM:SS. --from jumps as a player does, and where
@@ -89,11 +92,13 @@ static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSevera
         ->required()
         ->expected(1, bSeveral ? 1000000 : 1)
         ->type_name("");
-    pstApp->add_option("--codepage", stSource.strCodePage, "code page of text without a Unicode encoding")
+    pstApp
+        ->add_option("--codepage", stSource.strCodePage,
+                     "code page of text without a Unicode encoding; auto: what it looks like")
         ->capture_default_str()
         ->type_name("NAME")
         ->check([](const std::string &strName) {
-            return Is_CodePageKnown(strName)
+            return Lower_Case(strName) == AUTO_CODE_PAGE || Is_CodePageKnown(strName)
                        ? ""
                        : "there is no code page '" + strName + "' ('iconv -l' lists them)";
         });

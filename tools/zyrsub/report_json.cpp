@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "encoding_report.h"
 #include "format_details.h"
 #include "time_text.h"
 
@@ -113,10 +114,36 @@ static ordered_json Describe_SubViewer(const TextDecoder &stDecoder)
             {"font", stHeader.strFont}};
 }
 
+static ordered_json Describe_BadByte(const std::optional<BadByte> &stBad)
+{
+    return stBad ? ordered_json{{"offset", stBad->uiOffset}, {"byte", stBad->ucByte}} : ordered_json();
+}
+
+static ordered_json Describe_Encoding(const SubtitleSource &stSource)
+{
+    const EncodingReport stReport = Explain_Encoding(stSource);
+    ordered_json jsGuesses = ordered_json::array();
+    for (const CodePageGuess &stGuess : stReport.astGuesses)
+        jsGuesses.push_back(
+            {{"name", stGuess.strName}, {"preview", stGuess.strPreview}, {"in_use", stGuess.bInUse}});
+    ordered_json jsScan;
+    if (stReport.eRule != E_RULE_MARK)
+        jsScan = {{"bytes", stReport.uiScanned},
+                  {"utf8_characters", stReport.stCount.uiSequences},
+                  {"invalid_bytes", stReport.stCount.uiInvalid},
+                  {"first_invalid", Describe_BadByte(stReport.stNotUtf8)}};
+    return {{"decided_by", Get_RuleName(stReport.eRule)},
+            {"scan", jsScan},
+            {"first_undecodable", Describe_BadByte(stReport.stUndecodable)},
+            {"single_byte", stSource.Is_SingleByteRead()},
+            {"likely_code_pages", jsGuesses}};
+}
+
 void JsonReport::Add_Info(const SubtitleSource &stSource)
 {
     Add_Source(stSource, false);
     ordered_json &jsFile = Get_Last(*m_pstDocument);
+    jsFile["encoding_details"] = Describe_Encoding(stSource);
     if (stSource.Get_Format() == E_CAPTION_FORMAT_SSA) jsFile["ssa"] = Describe_Ssa(stSource.Get_Decoder());
     if (stSource.Get_Format() == E_CAPTION_FORMAT_SUBVIEWER)
         jsFile["subviewer"] = Describe_SubViewer(stSource.Get_Decoder());

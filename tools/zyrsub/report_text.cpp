@@ -3,6 +3,7 @@
 #include <cinttypes>
 #include <cstdio>
 
+#include "encoding_report.h"
 #include "format_details.h"
 #include "time_text.h"
 
@@ -13,9 +14,41 @@ static void Print_Row(const char *pszLabel, const std::string &strValue)
 
 static std::string Describe_Encoding(const SubtitleSource &stSource)
 {
+    std::string strEncoding = stSource.Get_Encoding();
+    if (strEncoding != "ANSI") return strEncoding;
+    return "ANSI, read as " + stSource.Get_CodePage() +
+           (stSource.Is_SingleByteRead() ? ", a byte for each character" : "");
+}
+
+static std::string Describe_Rule(const EncodingReport &stReport)
+{
+    const std::string strRule = Get_RuleName(stReport.eRule);
+    const Utf8Count &stCount = stReport.stCount;
+    if (stReport.eRule == E_RULE_MARK) return strRule + ": it begins with a byte order mark";
+    if (stCount.uiSequences + stCount.uiInvalid == 0) return strRule + ": no mark, and no byte from 0x80 on";
+    return strRule + ": no mark; UTF-8 characters " + std::to_string(stCount.uiSequences) +
+           ", invalid bytes " + std::to_string(stCount.uiInvalid) + ", after " +
+           std::to_string(stReport.uiScanned) + " bytes";
+}
+
+static void Print_BadByte(const std::string &strEncoding, const std::optional<BadByte> &stBad)
+{
+    char szWhere[64];
+    if (!stBad) return;
+    std::snprintf(szWhere, sizeof szWhere, ", first the 0x%02X at byte %zu", stBad->ucByte, stBad->uiOffset);
+    Print_Row("invalid", "as " + strEncoding + szWhere);
+}
+
+static void Print_Encoding(const SubtitleSource &stSource)
+{
+    const EncodingReport stReport = Explain_Encoding(stSource);
     const std::string strEncoding = stSource.Get_Encoding();
-    if (strEncoding == "ANSI") return "ANSI, read as " + stSource.Get_CodePage();
-    return strEncoding + (stSource.Has_Mark() ? ", by its byte order mark" : ", found by its bytes");
+    Print_Row("encoding", Describe_Encoding(stSource));
+    Print_Row("decided by", Describe_Rule(stReport));
+    if (strEncoding != "UTF-8") Print_BadByte("UTF-8", stReport.stNotUtf8);
+    Print_BadByte(strEncoding == "ANSI" ? stSource.Get_CodePage() : strEncoding, stReport.stUndecodable);
+    for (const CodePageGuess &stGuess : stReport.astGuesses)
+        Print_Row("perhaps", stGuess.strName + (stGuess.bInUse ? " (in use): " : ": ") + stGuess.strPreview);
 }
 
 static const char *Describe_Output(const SubtitleSource &stSource)
@@ -75,7 +108,7 @@ void Print_Info(const std::string &strMovie, const SubtitleSource &stSource)
     std::printf("%s\n", strMovie.c_str());
     if (stSource.Get_FileName() != strMovie) Print_Row("subtitle", stSource.Get_FileName());
     Print_Row("format", Get_FormatName(stSource.Get_Format()));
-    Print_Row("encoding", Describe_Encoding(stSource));
+    Print_Encoding(stSource);
     Print_Row("delivers", Describe_Output(stSource));
     if (stSource.Get_Format() == E_CAPTION_FORMAT_SSA) Print_SsaHeader(stSource);
     if (stSource.Get_Format() == E_CAPTION_FORMAT_SUBVIEWER) Print_SubViewerHeader(stSource);

@@ -1,14 +1,11 @@
 #include "subtitle_source.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-#include <sys/stat.h>
 #include <utility>
 
+#include "code_page.h"
+#include "file_bytes.h"
 #include "time_text.h"
 #include "zyr/zyr_host.h"
 #include "zyr/zyr_subtitle.h"
@@ -66,24 +63,6 @@ bool Is_SubtitleName(const std::string &strFile)
     return Find_Format(Lower_Case(Get_Ending(strFile))) != E_CAPTION_FORMAT_NONE;
 }
 
-static bool Is_Folder(const std::string &strPath)
-{
-    struct stat stStat = {};
-    return stat(strPath.c_str(), &stStat) == 0 && S_ISDIR(stStat.st_mode);
-}
-
-// The file's first bytes, short at its end; nothing when it cannot be read.
-static std::optional<std::string> Read_Head(const std::string &strPath)
-{
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(std::fopen(strPath.c_str(), "rb"),
-                                                                   std::fclose);
-    if (!pstFile) return std::nullopt;
-    std::array<char, 3> acHead = {};
-    const size_t uiBytes = std::fread(acHead.data(), 1, acHead.size(), pstFile.get());
-    if (std::ferror(pstFile.get()) != 0) return std::nullopt;
-    return std::string(acHead.data(), uiBytes);
-}
-
 std::string Show_ClassName(const std::string &strName)
 {
     return strName.empty() ? "(unnamed)" : strName;
@@ -122,7 +101,7 @@ Outcome SubtitleSource::Open_Beside(const std::string &strMovie)
     const std::string strBase = strMovie.substr(0, strMovie.rfind('.'));
     for (const EndingRow &stRow : ENDINGS) {
         m_strFile = strBase + stRow.pszEnding;
-        if (!Is_Folder(m_strFile) && Read_Head(m_strFile)) return Open_Engine(strMovie);
+        if (Read_Bytes(m_strFile, 3)) return Open_Engine(strMovie);
     }
     m_strFile.clear();
     return {E_EXIT_NOT_FOUND,
@@ -131,18 +110,29 @@ Outcome SubtitleSource::Open_Beside(const std::string &strMovie)
 
 Outcome SubtitleSource::Open_Engine(const std::string &strName)
 {
-    const std::optional<std::string> strHead = Is_Folder(m_strFile) ? std::nullopt : Read_Head(m_strFile);
+    const std::optional<std::string> strHead = Read_Bytes(m_strFile, 3);
     if (!strHead) return {E_EXIT_NOT_FOUND, "not found or not readable"};
     if (strHead->empty()) return {E_EXIT_NOT_SUBTITLE, "the file is empty"};
-    if (zyrSubtitle_open(strName.c_str(), m_stOptions.bSingleByte ? 1 : 0) != 0)
+    Choose_CodePage();
+    if (zyrSubtitle_open(strName.c_str(), m_bSingleByte ? 1 : 0) != 0)
         return {E_EXIT_NOT_SUBTITLE, "not a subtitle that can be read as its name says (-v tells why)"};
     m_eFormat = Find_Format(Fold_Case(Get_Ending(m_strFile), std::tolower));
     m_bMark =
         *strHead == "\xEF\xBB\xBF" || strHead->starts_with("\xFF\xFE") || strHead->starts_with("\xFE\xFF");
     m_bBigEndian = strHead->starts_with("\xFE\xFF");
-    m_stDecoder.emplace(zyrSubtitle_getOutputTextCharacterSet(), m_stOptions.strCodePage,
-                        m_stOptions.bSingleByte);
+    m_stDecoder.emplace(zyrSubtitle_getOutputTextCharacterSet(), m_strCodePage, m_bSingleByte);
     return {};
+}
+
+// How many bytes a character takes must be known before the engine opens the file; a guess tells that, too.
+void SubtitleSource::Choose_CodePage()
+{
+    m_strCodePage = Widen_CodePage(m_stOptions.strCodePage);
+    m_bSingleByte = m_stOptions.bSingleByte;
+    if (Lower_Case(m_strCodePage) != AUTO_CODE_PAGE) return;
+    const std::vector<std::string> astrGuesses = Guess_CodePages(Read_Bytes(m_strFile).value_or(""));
+    m_strCodePage = astrGuesses.empty() ? SourceOptions().strCodePage : astrGuesses.front();
+    m_bSingleByte = m_bSingleByte || Is_SingleByte(m_strCodePage);
 }
 
 std::string SubtitleSource::Get_Encoding() const
@@ -268,9 +258,8 @@ static FrameStyle Get_Style()
 }
 
 // The joined texts come through the engine's lower call; its length counts the two closing zero bytes.
-std::optional<Frame> SubtitleSource::Read(bool bTogether) const
+std::optional<std::span<const uint8_t>> SubtitleSource::Read_Block(bool bTogether, Frame &stFrame)
 {
-    Frame stFrame;
     uint32_t uiLines = 0;
     uint32_t uiBytes = 0;
     uint8_t *pucText = nullptr;
@@ -285,10 +274,28 @@ std::optional<Frame> SubtitleSource::Read(bool bTogether) const
                                     &pucText) != 0) {
         return std::nullopt;
     }
+    return std::span<const uint8_t>(pucText, uiBytes);
+}
+
+std::optional<Frame> SubtitleSource::Read(bool bTogether) const
+{
+    Frame stFrame;
+    const std::optional<std::span<const uint8_t>> aucText = Read_Block(bTogether, stFrame);
+    if (!aucText) return std::nullopt;
     stFrame.uiClass = Get_StreamClass(stFrame.uiStream);
-    stFrame.astrLines = Split_Lines(m_stDecoder->Decode({pucText, uiBytes}));
+    stFrame.astrLines = Split_Lines(m_stDecoder->Decode(*aucText));
     stFrame.stStyle = Get_Style();
     return stFrame;
+}
+
+std::vector<uint8_t> SubtitleSource::Read_HighText() const
+{
+    Frame stFrame;
+    if (!Seek(0)) return {};
+    while (const std::optional<std::span<const uint8_t>> aucText = Read_Block(false, stFrame))
+        if (std::any_of(aucText->begin(), aucText->end(), [](uint8_t ucByte) { return ucByte >= 0x80; }))
+            return {aucText->begin(), aucText->end()};
+    return {};
 }
 
 std::vector<Frame> SubtitleSource::Read_All() const

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@
 
 // How to open a file; the same for every command.
 struct SourceOptions {
-    std::string strCodePage = "CP949";
+    std::string strCodePage = "CP949"; // or AUTO_CODE_PAGE
     bool bSingleByte = false;
     bool bRawLineEnds = false;
     std::vector<std::string> astrClasses; // names or indexes, in order; empty: the engine's own choice
@@ -66,12 +67,16 @@ public:
     // The next frame, or nothing at the end.
     std::optional<Frame> Read(bool bTogether) const;
 
+    // The output block of the first frame with a byte from 0x80 on, as it came.
+    std::vector<uint8_t> Read_HighText() const;
+
     // Every frame, in the order of a player that starts at 0.
     std::vector<Frame> Read_All() const;
 
     const std::string &Get_FileName() const { return m_strFile; }
     CaptionFormat Get_Format() const { return m_eFormat; }
-    const std::string &Get_CodePage() const { return m_stOptions.strCodePage; }
+    const std::string &Get_CodePage() const { return m_strCodePage; } // of this file, where it is ANSI
+    bool Is_SingleByteRead() const { return m_bSingleByte; }
     const TextDecoder &Get_Decoder() const { return *m_stDecoder; }
     bool Has_Mark() const { return m_bMark; }
     std::string Get_Encoding() const;
@@ -85,7 +90,9 @@ private:
     Outcome Open_File(const std::string &strFile, const std::string &strEnding);
     Outcome Open_Beside(const std::string &strMovie);
     Outcome Open_Engine(const std::string &strName);
+    void Choose_CodePage();
     Outcome Select_Classes();
+    static std::optional<std::span<const uint8_t>> Read_Block(bool bTogether, Frame &stFrame);
     std::optional<uint32_t> Find_Class(const std::string &strWanted) const;
     Outcome Refuse_Class(const std::string &strWanted) const;
     std::string Decode_Name(const uint16_t *pusName, uint32_t uiUnits) const;
@@ -93,6 +100,8 @@ private:
 
     SourceOptions m_stOptions;
     std::string m_strFile;
+    std::string m_strCodePage;
+    bool m_bSingleByte = false;
     CaptionFormat m_eFormat = E_CAPTION_FORMAT_NONE;
     bool m_bMark = false;
     bool m_bBigEndian = false;

@@ -1,5 +1,6 @@
 #include "text_convert.h"
 
+#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <cstring>
@@ -20,28 +21,63 @@ Converter::~Converter()
     if (IsKnown()) iconv_close(m_hIconv);
 }
 
-std::string Converter::Convert(std::string_view strText, size_t uiStep, std::string_view strReplacement) const
+// iconv() over the whole text, piece by piece: pfPiece(converted) takes what was read, pfBad(offset) tells
+// how many bytes to pass over where nothing could be; errno says why then.
+template <typename PieceStep, typename BadStep>
+static void Convert_Pieces(iconv_t hIconv, std::string_view strText, const PieceStep &pfPiece,
+                           const BadStep &pfBad)
 {
     std::string strIn(strText);
-    std::string strOut;
     char *pcIn = strIn.data();
     size_t uiLeft = strIn.size();
-    iconv(m_hIconv, nullptr, nullptr, nullptr, nullptr);
+    iconv(hIconv, nullptr, nullptr, nullptr, nullptr);
     while (uiLeft > 0) {
         char acOut[1024];
         char *pcOut = acOut;
         size_t uiRoom = sizeof acOut;
-        const size_t uiResult = iconv(m_hIconv, &pcIn, &uiLeft, &pcOut, &uiRoom);
+        const size_t uiResult = iconv(hIconv, &pcIn, &uiLeft, &pcOut, &uiRoom);
         const bool bUnreadable = uiResult == static_cast<size_t>(-1) && errno != E2BIG;
-        strOut.append(acOut, sizeof acOut - uiRoom);
+        pfPiece(std::string_view(acOut, sizeof acOut - uiRoom));
         if (!bUnreadable) continue;
-        const size_t uiSkip = std::min(uiLeft, uiStep);
-        strOut += strReplacement;
+        const size_t uiSkip = std::min(uiLeft, pfBad(strIn.size() - uiLeft));
         pcIn += uiSkip;
         uiLeft -= uiSkip;
-        iconv(m_hIconv, nullptr, nullptr, nullptr, nullptr);
+        iconv(hIconv, nullptr, nullptr, nullptr, nullptr);
     }
+}
+
+std::string Converter::Convert(std::string_view strText, size_t uiStep, std::string_view strReplacement) const
+{
+    std::string strOut;
+    Convert_Pieces(
+        m_hIconv, strText, [&](std::string_view strPiece) { strOut += strPiece; },
+        [&](size_t /*uiOffset*/) {
+            strOut += strReplacement;
+            return uiStep;
+        });
     return strOut;
+}
+
+static constexpr auto IGNORE_PIECE = [](std::string_view /*strPiece*/) {};
+
+std::optional<size_t> Converter::Find_Unreadable(std::string_view strText) const
+{
+    std::optional<size_t> uiFound;
+    Convert_Pieces(m_hIconv, strText, IGNORE_PIECE, [&](size_t uiOffset) {
+        uiFound = uiOffset;
+        return SIZE_MAX;
+    });
+    return uiFound;
+}
+
+bool Converter::Is_CutShort(std::string_view strText) const
+{
+    bool bCutShort = false;
+    Convert_Pieces(m_hIconv, strText, IGNORE_PIECE, [&](size_t uiOffset) {
+        bCutShort = uiOffset == 0 && errno == EINVAL;
+        return SIZE_MAX;
+    });
+    return bCutShort;
 }
 
 static std::string Get_CharsetName(uint32_t uiCharset, const std::string &strCodePage)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <iconv.h>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,6 +23,12 @@ public:
 
     // strReplacement stands for each run of uiStep bytes that cannot be read.
     std::string Convert(std::string_view strText, size_t uiStep, std::string_view strReplacement) const;
+
+    // Where the first byte stands that cannot be read; a character that the end cuts short counts.
+    std::optional<size_t> Find_Unreadable(std::string_view strText) const;
+
+    // The text is the beginning of one character, and not all of it.
+    bool Is_CutShort(std::string_view strText) const;
 
 private:
     iconv_t m_hIconv;
