@@ -1,14 +1,9 @@
-#include <gtest/gtest.h>
+#include "platform/host_test.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <string>
 
 #include "zyr/zyr_display.h"
-#include "zyr/zyr_host.h"
 #include "zyr_ccfb.h"
 #include "zyr_pmap.h"
 
@@ -18,7 +13,9 @@ int pmap_get_info(const char *, void *)
     return -1;
 }
 
-TEST(TargetDevice, WithoutTheDeviceTheDisplayStaysClosed)
+using TargetDevice = HostTest;
+
+TEST_F(TargetDevice, WithoutTheDeviceTheDisplayStaysClosed)
 {
     ASSERT_NE(access("/dev/ccfb", F_OK), 0) << "this machine has a caption device";
     zyr_host_setProperty("ro.board.platform", "zyr72xx");
@@ -26,39 +23,30 @@ TEST(TargetDevice, WithoutTheDeviceTheDisplayStaysClosed)
     EXPECT_EQ(zyr_display_clearString(), -7);
     EXPECT_EQ(zyr_ccfb_open(nullptr), -1);
     EXPECT_STREQ(zyr_platform_fontPath(), "/system/fonts/DroidSansFallback.ttf");
-    zyr_host_reset();
 }
 
 /* A sparse file stands in for the device: what is written to the mapping is found at the physical address,
  * also beyond 2 GiB. It knows no requests. */
-TEST(TargetDevice, MapsAFileAtAPhysicalAddress)
+TEST_F(TargetDevice, MapsAFileAtAPhysicalAddress)
 {
     constexpr uint32_t BYTES = 65536;
-    constexpr uint32_t BASE = 0x9C000000;
-    const std::string strName = testing::TempDir() + "target_device_" + std::to_string(getpid());
-    const int iFile = open(strName.c_str(), O_RDWR | O_CREAT, 0600);
-    ASSERT_GE(iFile, 0);
-    ASSERT_EQ(ftruncate(iFile, off_t{BASE} + BYTES), 0);
-
-    const int32_t iDevice = zyr_ccfb_open(strName.c_str());
+    const TempFile stFile("");
+    ASSERT_EQ(truncate(stFile.Path(), off_t{PLANE_PHYS} + BYTES), 0);
+    const int32_t iDevice = zyr_ccfb_open(stFile.Path());
     ASSERT_GT(iDevice, 0);
-    char *pcMemory = static_cast<char *>(zyr_ccfb_map(iDevice, BYTES, BASE));
+    char *pcMemory = static_cast<char *>(zyr_ccfb_map(iDevice, BYTES, PLANE_PHYS));
     ASSERT_NE(pcMemory, nullptr);
     pcMemory[BYTES - 1] = 'z';
     char cRead = 0;
-    EXPECT_EQ(pread(iFile, &cRead, 1, off_t{BASE} + BYTES - 1), 1);
+    EXPECT_EQ(pread(iDevice, &cRead, 1, off_t{PLANE_PHYS} + BYTES - 1), 1);
     EXPECT_EQ(cRead, 'z');
-    EXPECT_EQ(zyr_ccfb_map(iDevice, BYTES, BASE + 1), nullptr); // not on a page
+    EXPECT_EQ(zyr_ccfb_map(iDevice, BYTES, PLANE_PHYS + 1), nullptr); // not on a page
     EXPECT_EQ(zyr_ccfb_request(iDevice, ZYR_CCFB_ENABLE, nullptr, 0), -1);
     zyr_ccfb_unmap(pcMemory, BYTES);
     zyr_ccfb_close(iDevice);
-    EXPECT_EQ(fcntl(iDevice, F_GETFD), -1);
-
-    close(iFile);
-    unlink(strName.c_str());
 }
 
-TEST(TargetDevice, DescriptorZeroMovesUp)
+TEST_F(TargetDevice, DescriptorZeroMovesUp)
 {
     const int iInput = dup(0);
     close(0);
@@ -74,8 +62,7 @@ TEST(TargetDevice, DescriptorZeroMovesUp)
     EXPECT_EQ(zyr_ccfb_open("/dev/null"), -1); // no number above 0 is left
     setrlimit(RLIMIT_NOFILE, &stLimit);
     EXPECT_EQ(fcntl(0, F_GETFD), -1);
-    if (iInput >= 0) {
-        dup2(iInput, 0);
-        close(iInput);
-    }
+    if (iInput < 0) return;
+    dup2(iInput, 0);
+    close(iInput);
 }

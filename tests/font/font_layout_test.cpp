@@ -1,27 +1,16 @@
 #include "renderer_kit.h"
 
-#include <cmath>
-
 #include "font/font_layout.h"
-#include "zyr/zyr_host.h"
 
-class FontLayout : public testing::Test
+class FontLayout : public FontTest
 {
 protected:
     FontLayout()
     {
-        zyr_host_setFontFile(FONT_FILE);
         EXPECT_EQ(zyr_font_init(), 0) << "no font " << FONT_FILE;
         zyr_font_setDirection(0, 0);
     }
-    ~FontLayout() override
-    {
-        zyr_font_close();
-        zyr_host_reset();
-    }
-
-    LogCapture stLog;
-    JudgeFont stFont;
+    ~FontLayout() override { zyr_font_close(); }
 };
 
 struct JudgeLine {
@@ -35,7 +24,8 @@ static std::vector<JudgeLine> Split_Lines(JudgeFont &stFont, const std::vector<u
 {
     std::vector<JudgeLine> vstLines;
     JudgeLine stLine = {};
-    for (size_t uiUnit = 0; vusText[uiUnit] != 0 && vstLines.size() < 60; ++uiUnit) {
+    bool bEnd = false; // the length counts behind characters, a newline goes on to the next one
+    for (size_t uiUnit = 0; !bEnd && vusText[uiUnit] != 0; ++uiUnit) {
         const bool bBreak = vusText[uiUnit] == '\n';
         if (!bBreak) {
             stLine.vusUnits.push_back(vusText[uiUnit]);
@@ -44,11 +34,10 @@ static std::vector<JudgeLine> Split_Lines(JudgeFont &stFont, const std::vector<u
         const bool bFull = !bBreak && stLine.uiWidth >= uiRegionWidth;
         if (bBreak || bFull) vstLines.push_back(std::exchange(stLine, {}));
         if (bFull && vusText[uiUnit + 1] == '\n') ++uiUnit;
-        if (!bBreak && uiUnit + 1 >= uiLength) {
-            if (vstLines.size() < 60) vstLines.push_back(std::exchange(stLine, {}));
-            break; // the length counts behind characters, a newline goes on to the next one
-        }
+        bEnd = !bBreak && uiUnit + 1 >= uiLength;
     }
+    if (bEnd) vstLines.push_back(stLine);
+    if (vstLines.size() > 60) vstLines.resize(60);
     return vstLines;
 }
 
@@ -66,29 +55,33 @@ static void Judge_Line(JudgeFont &stFont, Picture &stPicture, const JudgeLine &s
     }
 }
 
-/* Strings of narrow, wide, overhanging and missing characters, blanks and newlines, in regions from less than
- * a character up to several lines, then drawn into the measured box as the display does it. */
-TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
+/* Narrow, wide, overhanging and missing characters, blanks and newlines. None of these is the last of the
+ * length, though units may stand behind it: a newline does not end the walk, see the worked examples. */
+static std::vector<uint16_t> Make_Text(Random &stRandom, size_t uiLength, size_t uiBehind)
 {
     static constexpr char16_t Alphabet[] = u"iWfjJ \n\n한글뷁A.\xE123";
+    std::u16string strText(uiLength + uiBehind, u'A');
+    for (char16_t &cUnit : strText) cUnit = Alphabet[stRandom() % (std::size(Alphabet) - 1)];
+    if (strText[uiLength - 1] == '\n') strText[uiLength - 1] = 'A';
+    return To_Units(strText);
+}
+
+/* Regions from less than a character up to several lines; then drawn into the measured box as the display
+ * does it. */
+TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
+{
     Random stRandom(3);
     for (uint32_t uiRound = 0; uiRound < 1500; ++uiRound) {
         SCOPED_TRACE(uiRound);
-        const uint32_t uiSize = 12 + stRandom() % 30;
-        std::vector<uint16_t> vusText(1 + stRandom() % 90);
-        for (uint16_t &usUnit : vusText) usUnit = Alphabet[stRandom() % (std::size(Alphabet) - 1)];
-        const int32_t iLength =
-            static_cast<int32_t>(vusText.size() - size_t{stRandom() % 2} * stRandom() % vusText.size());
-        uint16_t &usLast = vusText[static_cast<size_t>(iLength) - 1];
-        if (usLast == '\n') usLast = 'A'; // a newline does not end the walk: see the worked examples
-        if (uiRound % 2 == 0) vusText.resize(static_cast<size_t>(iLength));
-        vusText.push_back(0);
+        const uint32_t uiSize = 12 + stRandom() % 30, uiLength = 1 + stRandom() % 90;
+        const auto vusText = Make_Text(stRandom, uiLength, uiRound % 2 * stRandom() % 50);
+        const auto iLength = static_cast<int32_t>(uiLength);
         ASSERT_EQ(zyr_font_setFontSize(0, uiSize, uiSize, 0, 0), stFont.Set_Size(uiSize, uiSize));
         zyr_font_setFontColor(0x8410, 0x8410, 0, 0);
 
         Picture stRegion(1 + stRandom() % 300, 1, 300);
         stRegion.Make_Destination();
-        const auto vstLines = Split_Lines(stFont, vusText, static_cast<size_t>(iLength), stRegion.uiWidth);
+        const auto vstLines = Split_Lines(stFont, vusText, uiLength, stRegion.uiWidth);
         uint32_t auiLineWidth[60] = {}, uiWidth = 0, uiHeight = 0, uiWidest = 0;
         ASSERT_EQ(zyr_font_calcRegion(vusText.data(), iLength, uiSize, &uiWidth, &uiHeight, auiLineWidth), 0);
         for (size_t uiLine = 0; uiLine < 60; ++uiLine) {
@@ -138,13 +131,12 @@ TEST_F(FontLayout, LinesOfWorkedExamples)
     stRegion.Make_Destination();
     for (const auto &stCase : astCases) {
         uint32_t auiLineWidth[60] = {}, uiHeight = 9;
-        const auto vusText = To_Units(stCase.pszText);
-        EXPECT_EQ(zyr_font_calcRegion(vusText.data(), stCase.iLength, 1, nullptr, &uiHeight, auiLineWidth),
-                  0);
+        zyr_font_calcRegion(To_Units(stCase.pszText).data(), stCase.iLength, 1, nullptr, &uiHeight,
+                            auiLineWidth);
         std::string strWidths;
         for (uint32_t uiLine = 0; uiLine < uiHeight; ++uiLine)
             strWidths += std::to_string(auiLineWidth[uiLine]) + " ";
-        EXPECT_EQ(strWidths, stCase.pszWidths) << vusText.size() << " " << stCase.iLength;
+        EXPECT_EQ(strWidths, stCase.pszWidths) << "case " << &stCase - astCases;
     }
 }
 
@@ -158,7 +150,7 @@ static constexpr uint32_t CellCases[12][6] = {
 TEST_F(FontLayout, CellsOfEveryModeDirectionAndAnchor)
 {
     static constexpr uint32_t auiAttributes[] = {0, 0x0F, 0x20, 0x2A, 0x10, 0x35};
-    static constexpr uint32_t aauiPlaces[][2] = {{60, 90}, {5, 7}, {240, 170}};
+    static constexpr std::pair<uint32_t, uint32_t> astPlaces[] = {{60, 90}, {5, 7}, {240, 170}};
     zyr_font_setFontColor(0xFFFF, 1, 0x0F0F, 2);
     for (uint32_t uiCase = 0; uiCase < 12 * 4 * 6 * 3; ++uiCase) {
         SCOPED_TRACE(uiCase);
@@ -166,7 +158,7 @@ TEST_F(FontLayout, CellsOfEveryModeDirectionAndAnchor)
             CellCases[uiCase % 12];
         const uint32_t uiDirection = uiCase % 12 / 6 * 5, uiAlign = uiCase / 12 % 4;
         const uint32_t uiAttr = auiAttributes[uiCase / 48 % 6];
-        uint32_t uiX = aauiPlaces[uiCase / 288][0], uiY = aauiPlaces[uiCase / 288][1];
+        auto [uiX, uiY] = astPlaces[uiCase / 288];
         const int32_t iAdvance = static_cast<int32_t>(uiDirection != 0 ? uiHeight : uiWidth);
         zyr_font_setDirection(uiDirection, uiAlign);
         ASSERT_EQ(zyr_font_setFontSize(uiCase % 6, 20, 24, 8, 12), 0);
@@ -175,22 +167,20 @@ TEST_F(FontLayout, CellsOfEveryModeDirectionAndAnchor)
         ASSERT_EQ(zyr_font_clearChar(uiAttr, 100, 5), iAdvance);
         const int32_t iResult = zyr_font_displayChar(uiAttr, 0x300, 0xD55C, uiX, uiY);
 
-        stJudge.Make_Destination();
         const uint32_t uiHalf = uiCellWidth / 2;
         stJudge.Fill(uiAlign == 1 ? 100 - uiHalf : 100, uiAlign == 2 ? 0 : 5, uiCellWidth, uiCellHeight,
                      0x0F0F);
         if (uiAlign == 1) uiX = std::max(uiX, uiHalf) - uiHalf;
         if (uiAlign == 2) uiY = std::max(uiY, uiCellHeight) - uiCellHeight;
         stJudge.Fill(uiX, uiY, uiCellWidth, uiCellHeight, 0x0F0F);
+        stJudge.Make_Destination();
         zyr_fontFT_setFontSize(uiWidth, uiHeight);
         zyr_fontFT_drawChar(uiAttr, 0x300, uiX + uiOffsetX, uiY + uiOffsetY);
         const int32_t iDrawn = zyr_fontFT_drawChar(uiAttr, 0xD55C, uiX + uiOffsetX, uiY + uiOffsetY);
         ASSERT_EQ(iResult, iDrawn < 0 ? iDrawn : iAdvance);
-        if (iDrawn >= 0) {
-            zyr_fontDraw_drawHighlighting(uiX, uiY + uiOffsetY, uiCellWidth, uiHeight, uiAttr);
-            if ((uiAttr & 0x20) != 0)
-                stJudge.Fill(uiX, uiY + uiOffsetY + uiHeight - 1, uiCellWidth, 1, 0xFFFF);
-        }
+        if (iDrawn >= 0) zyr_fontDraw_drawHighlighting(uiX, uiY + uiOffsetY, uiCellWidth, uiHeight, uiAttr);
+        if (iDrawn >= 0 && (uiAttr & 0x20) != 0)
+            stJudge.Fill(uiX, uiY + uiOffsetY + uiHeight - 1, uiCellWidth, 1, 0xFFFF);
         ASSERT_TRUE(stPicture == stJudge);
     }
 }
@@ -213,28 +203,27 @@ TEST_F(FontLayout, RefusedSizes)
         {0, 20, 20, 0, ""},
     };
     for (const auto &stCase : astCases) {
-        EXPECT_EQ(
-            zyr_font_setFontSize(stCase.uiMode, stCase.uiWidth, stCase.uiHeight, 0xFFFFFFFF, 0xFFFFFFFF),
-            stCase.iResult);
-        EXPECT_EQ(stLog.Take(), stCase.pszLog);
+        EXPECT_EQ(zyr_font_setFontSize(stCase.uiMode, stCase.uiWidth, stCase.uiHeight, ~0U, ~0U),
+                  stCase.iResult);
+        EXPECT_EQ(m_stLog.Take(), stCase.pszLog);
     }
 }
 
 TEST_F(FontLayout, MistakesDoNoHarm)
 {
     static constexpr char szNoArea[] = "6:Error Invalid Area(puiDestBuf:0x00000000, W:0, H:0, P:0)\n|";
-    const auto vusLong = std::vector<uint16_t>(10000, 0xD55C);
+    const std::vector<uint16_t> vusLong(10000, 0xD55C);
     uint32_t auiLineWidth[60] = {}, uiWidth = 0, uiHeight = 0;
     zyr_font_setFontSize(0, 20, 20, 8, 8);
     EXPECT_EQ(zyr_font_displayChar(0x2F, 'x', 'A', 0, 0), -3); // no buffer
-    EXPECT_EQ(stLog.Take(), std::string("6:Error zyr_fontDraw_clearFontBG(-2)\n|") + szNoArea +
-                                "6:Error zyr_fontFT_drawChar(non-space character -3)\n|" + szNoArea +
-                                "6:Error zyr_fontFT_drawChar(-3)\n|");
-    EXPECT_EQ(zyr_font_calcRegion(vusLong.data(), 9999, 20, &uiWidth, &uiHeight, auiLineWidth), 0);
+    EXPECT_EQ(m_stLog.Take(), std::string("6:Error zyr_fontDraw_clearFontBG(-2)\n|") + szNoArea +
+                                  "6:Error zyr_fontFT_drawChar(non-space character -3)\n|" + szNoArea +
+                                  "6:Error zyr_fontFT_drawChar(-3)\n|");
+    zyr_font_calcRegion(vusLong.data(), 9999, 20, &uiWidth, &uiHeight, auiLineWidth);
     EXPECT_EQ(uiWidth, 0U); // a region without width: every character fills a line
     EXPECT_EQ(uiHeight, 60 * 20U);
     EXPECT_EQ(zyr_font_displayString(vusLong.data(), 9999, auiLineWidth, 20), 0);
-    EXPECT_EQ(stLog.Take(60), "");
+    EXPECT_EQ(m_stLog.Take(60), "");
 
     Picture stPicture(300, 100, 300), stUntouched(300, 100, 300);
     stPicture.Make_Destination();
@@ -244,7 +233,7 @@ TEST_F(FontLayout, MistakesDoNoHarm)
     EXPECT_EQ(zyr_font_getDestRegion(nullptr, &uiWidth, &uiHeight), -3);
     EXPECT_EQ(zyr_font_calcRegion(nullptr, 5, 20, &uiWidth, &uiHeight, auiLineWidth), -2);
     EXPECT_EQ(zyr_font_displayString(nullptr, 5, auiLineWidth, 20), -2);
-    EXPECT_EQ(stLog.Take(),
+    EXPECT_EQ(m_stLog.Take(),
               "6:Error zyr_fontDraw_getDestRegion(err:-2)\n|6:Error Invalid Param(pusString:0)\n|"
               "6:Error Invalid Param(pusString:0)\n|");
     EXPECT_TRUE(stPicture == stUntouched);
