@@ -161,6 +161,7 @@ TEST_F(DisplayDevice, TheTallestCaptionEndsInsideItsBuffer)
         const uint32_t uiRow = uiChar / 64 * 2 + uiChar % 64 / 40, uiColumn = uiChar % 64 % 40;
         stFont.Draw(stJudge, u'뷁', uiColumn * 48 + uiRow % 2 * 384, int64_t{uiRow} * 48, 0x8410);
     }
+    std::fill_n(zyr_host_captionMemory(nullptr), 2 * BUFFER_PIXELS, 0x1111); // what was shown before goes
     for (uint32_t uiBuffer = 0; uiBuffer < 2; ++uiBuffer) {
         EXPECT_EQ(Show(strText), 0);
         EXPECT_TRUE(stJudge.Has_Pixels(Get_Buffer(uiBuffer)));

@@ -118,11 +118,24 @@ TEST_F(FontFT, GreyIsMeasuredButNotDrawn)
     EXPECT_TRUE(stPicture == stUntouched);
     zyr_fontFT_drawChar(0, 0xD55C, 0, 0);
     EXPECT_FALSE(stPicture == stUntouched);
+}
+
+TEST_F(FontFT, SizesAndMistakes)
+{
     uint32_t uiWidth = 0, uiHeight = 0;
-    EXPECT_EQ(zyr_FontFT_getRealFontSize('A', &uiWidth, &uiHeight), 0);
-    EXPECT_EQ(uiWidth * 100 + uiHeight, 3232U);
-    EXPECT_EQ(zyr_FontFT_getRealFontSize('A', nullptr, nullptr), 0);
-    EXPECT_EQ(zyr_FontFT_getRealFontSize(0xE123, &uiWidth, &uiHeight), -1);
+    for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // before the first open, and after a close
+        EXPECT_EQ(zyr_FontFT_getRealFontSize('A', &uiWidth, &uiHeight), -1);
+        EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0), -4);
+        EXPECT_EQ(zyr_font_close(), -1);
+        EXPECT_EQ(m_stLog.Take(), "6:Error zyr_fontFT_close(-1)\n|");
+        EXPECT_EQ(zyr_font_init() + zyr_font_init(), 0); // opening twice keeps one font
+        EXPECT_EQ(zyr_fontFT_setFontSize(32, 33), 0);
+        EXPECT_EQ(zyr_FontFT_getRealFontSize('A', &uiWidth, &uiHeight), 0);
+        EXPECT_EQ(std::exchange(uiWidth, 0) * 100 + uiHeight, 3233U);
+        EXPECT_EQ(zyr_FontFT_getRealFontSize('A', nullptr, nullptr), 0);
+        EXPECT_EQ(zyr_FontFT_getRealFontSize(0xE123, &uiWidth, &uiHeight), -1);
+        EXPECT_EQ(zyr_font_close(), 0);
+    }
 }
 
 /* Each FreeType call failing: what open, size, advance and drawing then give. */
@@ -152,21 +165,6 @@ TEST_F(FontFT, FailingCallsGiveTheirCodes)
         s_strFailing.clear();
         EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), stCase.iInit);
         EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0) > 0, stCase.iInit == 0);
-    }
-}
-
-TEST_F(FontFT, CallsWithoutAFontAreRefused)
-{
-    for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // before the first open, and after a close
-        EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), -1);
-        EXPECT_EQ(zyr_FontFT_getAdvanceX('A'), -1);
-        EXPECT_EQ(zyr_FontFT_getRealFontSize('A', nullptr, nullptr), -1);
-        EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0), -4);
-        EXPECT_EQ(zyr_font_close(), -1);
-        EXPECT_EQ(m_stLog.Take(), "6:Error zyr_fontFT_close(-1)\n|");
-        EXPECT_EQ(zyr_font_init(), 0);
-        EXPECT_EQ(zyr_font_init(), 0); // opening twice keeps one font
-        EXPECT_EQ(zyr_font_close(), 0);
     }
 }
 
