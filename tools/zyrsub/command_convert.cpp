@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "convert_write.h"
+#include "report_json.h"
 #include "safe_file.h"
 
 static constexpr size_t SAMI_CLASSES = 7; // more are not read
@@ -57,24 +58,35 @@ static std::string Make_OutputName(const std::string &strFile, const Track &stTr
     return strFile.substr(0, uiEnd) + "." + strClass + strFile.substr(uiEnd);
 }
 
-static Outcome Write_Output(const ConvertOptions &stConvert, const std::string &strFile,
-                            std::span<const Track> astTracks)
+static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::string &strFile,
+                                  std::span<const Track> astTracks)
 {
     const OutputFormat &stFormat = *stConvert.pstFormat;
-    Losses stLosses;
-    std::string strText = stFormat.pfWrite(astTracks, stLosses);
-    strText = Encode_Text(strText, stConvert.strEncoding, stFormat.bMark, stLosses, astTracks);
-    if (strFile == "-") {
-        std::fwrite(strText.data(), 1, strText.size(), stdout);
-    } else {
-        Outcome stWritten = Write_Safely(strFile, strText, stConvert.bForce);
-        if (!stWritten.IsGood()) return stWritten;
-        size_t uiFrames = 0;
-        for (const Track &stTrack : astTracks) uiFrames += stTrack.astFrames.size();
-        std::printf("%s  %s  %zu captions\n", strFile.c_str(), stFormat.pszTitle, uiFrames);
+    ConvertedFile stOutput;
+    stOutput.strFile = strFile;
+    stOutput.pszFormat = stFormat.pszTitle;
+    for (const Track &stTrack : astTracks) {
+        stOutput.uiFrames += stTrack.astFrames.size();
+        stOutput.stLosses.Add_All(stTrack.stLosses);
     }
-    for (const std::string &strLoss : stLosses.List()) Report_Problem(strFile, strLoss);
-    return {};
+    const std::string strUtf8 = stFormat.pfWrite(astTracks, stOutput.stLosses);
+    const std::string strText =
+        Encode_Text(strUtf8, stConvert.strEncoding, stFormat.bMark, stOutput.stLosses, astTracks);
+    if (strFile == "-")
+        std::fwrite(strText.data(), 1, strText.size(), stdout);
+    else
+        stOutput.stOutcome = Write_Safely(strFile, strText, stConvert.bForce);
+    return stOutput;
+}
+
+static void Report_Output(const ConvertedFile &stOutput, bool bJson)
+{
+    const bool bGood = stOutput.stOutcome.IsGood();
+    if (bGood && !bJson && stOutput.strFile != "-")
+        std::printf("%s  %s  %zu captions\n", stOutput.strFile.c_str(), stOutput.pszFormat,
+                    stOutput.uiFrames);
+    if (!bGood) return Report_Problem(stOutput.strFile, stOutput.stOutcome.strText);
+    for (const std::string &strLoss : stOutput.stLosses.List()) Report_Problem(stOutput.strFile, strLoss);
 }
 
 static Outcome Check_Tracks(const Options &stOptions, const std::vector<Track> &astTracks)
@@ -86,17 +98,21 @@ static Outcome Check_Tracks(const Options &stOptions, const std::vector<Track> &
         return {E_EXIT_USAGE, "SAMI holds at most 7 languages"};
     if (stConvert.strFile == "-" && !stConvert.pstFormat->bSeveral && astTracks.size() > 1)
         return {E_EXIT_USAGE, "there are several languages; choose one with --class"};
+    if (stConvert.strFile == "-" && stOptions.stReport.bJson)
+        return {E_EXIT_USAGE, "standard output is for the captions or for the report, not for both"};
     return {};
 }
 
-static std::vector<ExitCode> Write_Outputs(const Options &stOptions, std::vector<Track> &astTracks)
+static std::vector<ExitCode> Write_Outputs(const Options &stOptions, std::vector<Track> &astTracks,
+                                           JsonReport &stJson)
 {
     const ConvertOptions &stConvert = stOptions.stConvert;
     std::vector<ExitCode> aeCodes;
     const auto pfWrite = [&](const std::string &strFile, std::span<const Track> astSome) {
-        const Outcome stOutcome = Write_Output(stConvert, strFile, astSome);
-        if (!stOutcome.IsGood()) Report_Problem(stOptions.astrMovies.front(), stOutcome.strText);
-        aeCodes.push_back(stOutcome.eCode);
+        const ConvertedFile stOutput = Write_Output(stConvert, strFile, astSome);
+        Report_Output(stOutput, stOptions.stReport.bJson);
+        stJson.Add_Output(stOutput);
+        aeCodes.push_back(stOutput.stOutcome.eCode);
     };
     if (stConvert.pstFormat->pfWrite == Write_Sami) Name_Classes(astTracks, stConvert.astrClassNames);
     if (stConvert.pstFormat->bSeveral || astTracks.size() == 1) {
@@ -108,26 +124,44 @@ static std::vector<ExitCode> Write_Outputs(const Options &stOptions, std::vector
     return aeCodes;
 }
 
-ExitCode Run_Convert(const Options &stOptions)
+static std::vector<ExitCode> Read_Inputs(const Options &stOptions, std::vector<Track> &astTracks,
+                                         JsonReport &stJson)
 {
-    std::vector<Track> astTracks;
     std::vector<ExitCode> aeCodes;
     for (const std::string &strMovie : stOptions.astrMovies) {
         const Outcome stRead = Read_Tracks(stOptions.stSource, strMovie, astTracks);
-        if (!stRead.IsGood()) Report_Problem(strMovie, stRead.strText);
+        stJson.Begin_File(strMovie);
+        if (!stRead.IsGood()) {
+            Report_Problem(strMovie, stRead.strText);
+            stJson.Add_Failure(stRead);
+        }
         aeCodes.push_back(stRead.eCode);
     }
+    return aeCodes;
+}
+
+static ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
+{
+    std::vector<Track> astTracks;
+    std::vector<ExitCode> aeCodes = Read_Inputs(stOptions, astTracks, stJson);
     if (astTracks.empty()) return Combine_Codes(aeCodes);
     const Outcome stFits = Check_Tracks(stOptions, astTracks);
     if (!stFits.IsGood()) {
         Report_Problem(stOptions.stConvert.strFile, stFits.strText);
+        stJson.Add_Error(stFits);
         return stFits.eCode;
     }
-    Losses stLosses;
     for (Track &stTrack : astTracks)
-        Retime_Track(stTrack, stOptions.stConvert.dScale, stOptions.stConvert.llShift, stLosses);
-    for (const std::string &strLoss : stLosses.List()) Report_Problem(stOptions.stConvert.strFile, strLoss);
-    const std::vector<ExitCode> aeWritten = Write_Outputs(stOptions, astTracks);
+        Retime_Track(stTrack, stOptions.stConvert.dScale, stOptions.stConvert.llShift);
+    const std::vector<ExitCode> aeWritten = Write_Outputs(stOptions, astTracks, stJson);
     aeCodes.insert(aeCodes.end(), aeWritten.begin(), aeWritten.end());
     return Combine_Codes(aeCodes);
+}
+
+ExitCode Run_Convert(const Options &stOptions)
+{
+    JsonReport stJson;
+    const ExitCode eCode = Convert_Inputs(stOptions, stJson);
+    if (stOptions.stReport.bJson) stJson.Print();
+    return eCode;
 }

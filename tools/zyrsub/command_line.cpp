@@ -245,6 +245,8 @@ static void Add_ConvertCommand(CLI::App &stApp, CommandLine &stLine)
         Add_Command(stApp, stLine, "convert", "Captions as a file of another format", Run_Convert);
     Add_SourceOptions(pstConvert, stLine.stOptions, true);
     Add_ConvertOptions(pstConvert, stLine.stOptions.stConvert);
+    pstConvert->add_flag("--json", stLine.stOptions.stReport.bJson,
+                         "report what was written, and what was lost, as one JSON document");
 }
 
 static std::string Suggest_Name(const std::string &strWrong, const std::vector<std::string> &astrNames)

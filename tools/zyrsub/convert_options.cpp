@@ -13,7 +13,8 @@ static constexpr const char *CONVERT_FOOTER = R"(Examples:
   zyrsub convert movie.srt --shift -1.5s --scale 25/23.976 -o fixed.srt
   zyrsub convert movie.srt --to vtt -o -                     to standard output
 
-An existing file is replaced only with --force. What the format cannot hold is told on standard error.)";
+An existing file is replaced only with --force. Texts and times are written, styles (colour, bold, place) are
+not. What else the format cannot hold is told on standard error.)";
 
 static bool Read_Shift(const std::string &strText, int64_t &llShift)
 {

@@ -39,7 +39,7 @@ Outcome Read_Tracks(const SourceOptions &stOptions, const std::string &strMovie,
     return {};
 }
 
-void Retime_Track(Track &stTrack, double dScale, int64_t llShift, Losses &stLosses)
+void Retime_Track(Track &stTrack, double dScale, int64_t llShift)
 {
     std::vector<Frame> astKept;
     for (Frame &stFrame : stTrack.astFrames) {
@@ -47,10 +47,10 @@ void Retime_Track(Track &stTrack, double dScale, int64_t llShift, Losses &stLoss
         const double dStart = std::round(stFrame.iStart * dScale) + static_cast<double>(llShift);
         const double dEnd = std::round(stFrame.iEnd * dScale) + static_cast<double>(llShift);
         if ((!bOpen && dEnd < 0) || dStart >= OPEN_END || (!bOpen && dEnd >= OPEN_END)) {
-            stLosses.Add("left out, as --shift and --scale move it out of the movie");
+            stTrack.stLosses.Add("left out, as --shift and --scale move it out of the movie");
             continue;
         }
-        if (dStart < 0) stLosses.Add("--shift and --scale move its start before 0; it starts at 0");
+        if (dStart < 0) stTrack.stLosses.Add("--shift and --scale move its start before 0; it starts at 0");
         stFrame.iStart = static_cast<int32_t>(std::max(dStart, 0.0));
         if (!bOpen) stFrame.iEnd = static_cast<int32_t>(dEnd);
         astKept.push_back(std::move(stFrame));

@@ -8,12 +8,6 @@
 
 #include "subtitle_source.h"
 
-struct Track {
-    std::string strClass; // empty: unnamed
-    std::string strMovie; // the input that it is from
-    std::vector<Frame> astFrames;
-};
-
 // What an output cannot hold, and how often.
 class Losses
 {
@@ -22,6 +16,11 @@ public:
     {
         if (uiTimes > 0) m_auiTimes[strWhat] += uiTimes;
     }
+    void Add_All(const Losses &stOther)
+    {
+        for (const auto &[strWhat, uiTimes] : stOther.m_auiTimes) Add(strWhat, uiTimes);
+    }
+    const std::map<std::string, size_t> &Get() const { return m_auiTimes; }
     // "3 captions: an end ..."
     std::vector<std::string> List() const;
 
@@ -29,11 +28,18 @@ private:
     std::map<std::string, size_t> m_auiTimes;
 };
 
+struct Track {
+    std::string strClass; // empty: unnamed
+    std::string strMovie; // the input that it is from
+    std::vector<Frame> astFrames;
+    Losses stLosses = {}; // by new times
+};
+
 // Every language of the input, or those that the source's options name, each read by itself.
 Outcome Read_Tracks(const SourceOptions &stOptions, const std::string &strMovie,
                     std::vector<Track> &astTracks);
 
 // Times become time x dScale + llShift (ms); what ends before 0 then, or passes the largest time, is lost.
-void Retime_Track(Track &stTrack, double dScale, int64_t llShift, Losses &stLosses);
+void Retime_Track(Track &stTrack, double dScale, int64_t llShift);
 
 #endif

@@ -211,7 +211,8 @@ static std::string Write_SsaLine(const std::string &strLine, Losses &stLosses)
         if (cChar == '\r') cChar = ' ';
         bChanged = bChanged || cChar != cBefore;
     }
-    if (bChanged) stLosses.Add("SSA has no { } or backslash in text; they become ( ) and /");
+    if (bChanged)
+        stLosses.Add("SSA has no { } backslash or line end inside a line; they become ( ) / and a blank");
     return strOut;
 }
 

@@ -22,6 +22,11 @@ static ordered_json &Get_Last(ordered_json &jsDocument)
     return jsDocument["files"].back();
 }
 
+static ordered_json Describe_Error(const Outcome &stOutcome)
+{
+    return {{"code", static_cast<int>(stOutcome.eCode)}, {"message", stOutcome.strText}};
+}
+
 void JsonReport::Begin_File(const std::string &strMovie)
 {
     (*m_pstDocument)["files"].push_back({{"movie", strMovie}});
@@ -30,10 +35,31 @@ void JsonReport::Begin_File(const std::string &strMovie)
 void JsonReport::Add_Failure(const Outcome &stOutcome)
 {
     ordered_json &jsFile = Get_Last(*m_pstDocument);
-    jsFile["error"] = {{"code", static_cast<int>(stOutcome.eCode)}, {"message", stOutcome.strText}};
+    jsFile["error"] = Describe_Error(stOutcome);
     ordered_json jsError = {{"movie", jsFile["movie"]}};
     jsError.update(jsFile["error"]);
     (*m_pstDocument)["errors"].push_back(std::move(jsError));
+}
+
+void JsonReport::Add_Error(const Outcome &stOutcome)
+{
+    (*m_pstDocument)["errors"].push_back(Describe_Error(stOutcome));
+}
+
+void JsonReport::Add_Output(const ConvertedFile &stOutput)
+{
+    ordered_json jsLosses = ordered_json::array();
+    for (const auto &[strWhat, uiTimes] : stOutput.stLosses.Get())
+        jsLosses.push_back({{"what", strWhat}, {"captions", uiTimes}});
+    ordered_json jsOutput = {{"file", stOutput.strFile},
+                             {"format", stOutput.pszFormat},
+                             {"captions", stOutput.uiFrames},
+                             {"losses", std::move(jsLosses)}};
+    if (!stOutput.stOutcome.IsGood()) {
+        jsOutput["error"] = Describe_Error(stOutput.stOutcome);
+        Add_Error(stOutput.stOutcome);
+    }
+    (*m_pstDocument)["outputs"].push_back(std::move(jsOutput));
 }
 
 static const char *Get_OutputName(const std::string &strEncoding)

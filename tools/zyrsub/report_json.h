@@ -1,5 +1,5 @@
 // The same results as one JSON document: {"schema": 1, "files": [...], "errors": [...]}, with one
-// element of files for each input in order.
+// element of files for each input in order; convert adds "outputs".
 #ifndef ZYRSUB_REPORT_JSON_H
 #define ZYRSUB_REPORT_JSON_H
 
@@ -7,9 +7,18 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "convert_track.h"
 #include "exit_code.h"
 #include "movie_search.h"
 #include "subtitle_source.h"
+
+struct ConvertedFile {
+    std::string strFile;
+    const char *pszFormat = "";
+    size_t uiFrames = 0;
+    Losses stLosses;
+    Outcome stOutcome;
+};
 
 class JsonReport
 {
@@ -21,8 +30,10 @@ public:
 
     void Begin_File(const std::string &strMovie);
     void Add_Failure(const Outcome &stOutcome);
+    void Add_Error(const Outcome &stOutcome); // of no one input
     void Add_Info(const SubtitleSource &stSource);
     void Add_Frame(const SubtitleSource &stSource, const Frame &stFrame);
+    void Add_Output(const ConvertedFile &stOutput);
     void Add_Search(const MovieSearch &stSearch, const std::string &strVerdict);
     void Print() const;
 
