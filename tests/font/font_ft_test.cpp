@@ -141,30 +141,27 @@ TEST_F(FontFT, SizesAndMistakes)
 /* Each FreeType call failing: what open, size, advance and drawing then give. */
 TEST_F(FontFT, FailingCallsGiveTheirCodes)
 {
-    static constexpr struct {
-        const char *pszCall;
-        int32_t iInit, iSize, iAdvance, iDraw;
-    } astCases[] = {
+    static constexpr std::tuple<const char *, int32_t, int32_t, int32_t, int32_t> astCases[] = {
         {"FT_Init_FreeType", -1, -1, -1, -4}, {"FT_New_Face", -1, -1, -1, -4},
         {"FT_Set_Char_Size", 0, -1, 0, 0},    {"FT_Set_Pixel_Sizes", 0, -1, 0, 0},
         {"FT_Load_Glyph", 0, 0, -1, -4},      {"FT_Render_Glyph", 0, 0, 0, -4},
         {"no call at all", 0, 0, 0, 0},
     };
     Picture stPicture(50, 50, 50);
-    for (const auto &stCase : astCases) {
-        SCOPED_TRACE(stCase.pszCall);
-        s_strFailing = stCase.pszCall;
-        EXPECT_EQ(zyr_font_init(), stCase.iInit);
-        EXPECT_EQ(m_stLog.Take(), stCase.iInit == 0 ? "" : "6:Error zyr_fontFT_init(-1)\n|");
+    for (const auto &[pszCall, iInit, iSize, iAdvance, iDraw] : astCases) {
+        SCOPED_TRACE(pszCall);
+        s_strFailing = pszCall;
+        EXPECT_EQ(zyr_font_init(), iInit);
+        EXPECT_EQ(m_stLog.Take(), iInit == 0 ? "" : "6:Error zyr_fontFT_init(-1)\n|");
         stPicture.Make_Destination();
         for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // a failure is not kept, nor is it forgotten
-            EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), stCase.iSize);
-            EXPECT_EQ(std::min(zyr_FontFT_getAdvanceX('A'), 0), stCase.iAdvance);
-            EXPECT_EQ(std::min(zyr_fontFT_drawChar(0, 'A', 0, 0), 0), stCase.iDraw);
+            EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), iSize);
+            EXPECT_EQ(std::min(zyr_FontFT_getAdvanceX('A'), 0), iAdvance);
+            EXPECT_EQ(std::min(zyr_fontFT_drawChar(0, 'A', 0, 0), 0), iDraw);
         }
         s_strFailing.clear();
-        EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), stCase.iInit);
-        EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0) > 0, stCase.iInit == 0);
+        EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), iInit);
+        EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0) > 0, iInit == 0);
     }
 }
 

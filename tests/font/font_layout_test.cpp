@@ -93,8 +93,7 @@ TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
         ASSERT_EQ(uiHeight, vstLines.size() * uiSize);
         if (uiWidth == 0) continue;
 
-        const uint32_t uiRows =
-            std::max(1U, uiHeight - stRandom() % 2 * uiSize / 2); // the last line may be cut
+        const uint32_t uiRows = uiHeight - stRandom() % 2 * uiSize / 2; // the last line may be cut
         Picture stPicture(uiWidth, uiRows, uiWidth), stJudge(uiWidth, uiRows, uiWidth);
         stPicture.Make_Destination();
         ASSERT_EQ(zyr_font_displayString(vusText.data(), iLength, auiLineWidth, uiSize), 0);
@@ -107,11 +106,7 @@ TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
 /* Characters of 20 pixels in a region of 100. */
 TEST_F(FontLayout, LinesOfWorkedExamples)
 {
-    static constexpr struct {
-        const char16_t *pszText;
-        int32_t iLength;
-        const char *pszWidths;
-    } astCases[] = {
+    static constexpr std::tuple<const char16_t *, int32_t, const char *> astCases[] = {
         {u"한한\n", 3, "40 "},
         {u"한한\n글글", 3, "40 20 "}, // a newline does not end the walk
         {u"한한", 0, ""},
@@ -123,14 +118,13 @@ TEST_F(FontLayout, LinesOfWorkedExamples)
     zyr_font_setFontSize(0, 20, 20, 0, 0);
     Picture stRegion(100, 1, 100);
     stRegion.Make_Destination();
-    for (const auto &stCase : astCases) {
+    for (const auto &[pszText, iLength, pszWidths] : astCases) {
         uint32_t auiLineWidth[60] = {}, uiHeight = 9;
-        zyr_font_calcRegion(To_Units(stCase.pszText).data(), stCase.iLength, 1, nullptr, &uiHeight,
-                            auiLineWidth);
+        zyr_font_calcRegion(To_Units(pszText).data(), iLength, 1, nullptr, &uiHeight, auiLineWidth);
         std::string strWidths;
         for (uint32_t uiLine = 0; uiLine < uiHeight; ++uiLine)
             strWidths += std::to_string(auiLineWidth[uiLine]) + " ";
-        EXPECT_EQ(strWidths, stCase.pszWidths) << "case " << &stCase - astCases;
+        EXPECT_EQ(strWidths, pszWidths) << "length " << iLength;
     }
 }
 
@@ -181,11 +175,7 @@ TEST_F(FontLayout, CellsOfEveryModeDirectionAndAnchor)
 
 TEST_F(FontLayout, RefusedSizes)
 {
-    static constexpr struct {
-        uint32_t uiMode, uiWidth, uiHeight;
-        int32_t iResult;
-        const char *pszLog;
-    } astCases[] = {
+    static constexpr std::tuple<uint32_t, uint32_t, uint32_t, int32_t, const char *> astCases[] = {
         {0, 0, 5, -2, "6:Error Invalid Param(uiWidth:0, uiHeight:5)\n|"},
         {9, 5, 0, -2, "6:Error Invalid Param(uiWidth:5, uiHeight:0)\n|"},
         {6, 20, 20, -2, "6:Error Invalid Param(Size:6)\n|"},
@@ -196,10 +186,9 @@ TEST_F(FontLayout, RefusedSizes)
         {0, 4, 4, -1, ""},
         {0, 20, 20, 0, ""},
     };
-    for (const auto &stCase : astCases) {
-        EXPECT_EQ(zyr_font_setFontSize(stCase.uiMode, stCase.uiWidth, stCase.uiHeight, ~0U, ~0U),
-                  stCase.iResult);
-        EXPECT_EQ(m_stLog.Take(), stCase.pszLog);
+    for (const auto &[uiMode, uiWidth, uiHeight, iResult, pszLog] : astCases) {
+        EXPECT_EQ(zyr_font_setFontSize(uiMode, uiWidth, uiHeight, ~0U, ~0U), iResult);
+        EXPECT_EQ(m_stLog.Take(), pszLog);
     }
 }
 

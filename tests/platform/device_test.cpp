@@ -39,20 +39,16 @@ TEST_F(Device, RefusesWhatItDoesNotHave)
         EXPECT_EQ(zyr_ccfb_open(pszName), -1);
     }
     EXPECT_EQ(stRecord.uiBase, 77u);
-    static constexpr struct {
-        uint32_t uiBytes, uiPhysBase;
-        bool bMapped;
-    } astMaps[] = {
+    static constexpr std::tuple<uint32_t, uint32_t, bool> astMaps[] = {
         {PLANE_BYTES, PLANE_PHYS, true},        {PLANE_BYTES + 1, PLANE_PHYS, false},
         {4096, PLANE_PHYS + 4096, true},        {PLANE_BYTES, PLANE_PHYS + 4096, false},
         {4096, PLANE_PHYS + 1, false},          {0, PLANE_PHYS, false},
         {4096, PLANE_PHYS - 4096, false},       {4096, PLANE_PHYS + PLANE_BYTES, false},
         {0xFFFFFFFF, PLANE_PHYS + 4096, false}, {4096, 0, false},
     };
-    for (const auto &stMap : astMaps) {
-        EXPECT_EQ(zyr_ccfb_map(m_iDevice, stMap.uiBytes, stMap.uiPhysBase) != nullptr, stMap.bMapped)
-            << std::hex << stMap.uiBytes << " at " << stMap.uiPhysBase;
-    }
+    for (const auto &[uiBytes, uiPhysBase, bMapped] : astMaps)
+        EXPECT_EQ(zyr_ccfb_map(m_iDevice, uiBytes, uiPhysBase) != nullptr, bMapped)
+            << std::hex << uiBytes << " at " << uiPhysBase;
     for (const int32_t iDevice : {m_iDevice + 1, 0, -1, 1000}) {
         EXPECT_EQ(zyr_ccfb_map(iDevice, 4096, PLANE_PHYS), nullptr) << iDevice;
         EXPECT_LT(zyr_ccfb_request(iDevice, ZYR_CCFB_ENABLE, nullptr, 0), 0) << iDevice;
@@ -105,12 +101,12 @@ TEST_F(Device, ComposeClipsToPictureAndMemory)
     static constexpr uint16_t ausStart[] = {R, G, B, 0, B, B, R, 0}, ausEnd[] = {G, R};
     std::copy(std::begin(ausStart), std::end(ausStart), pusMemory);
     std::copy(std::begin(ausEnd), std::end(ausEnd), pusMemory + PLANE_BYTES / 2 - 2);
-    for (const auto &stCase : astCases) {
-        SCOPED_TRACE(&stCase - astCases);
-        Show(stCase.iX, stCase.iY, stCase.uiWidth, stCase.uiHeight, stCase.uiPitch, stCase.uiAddress);
+    for (const auto &[iX, iY, uiWidth, uiHeight, uiPitch, uiAddress, pszPicture] : astCases) {
+        Show(iX, iY, uiWidth, uiHeight, uiPitch, uiAddress);
         std::vector<uint8_t> aucRgba(48, 9);
         EXPECT_EQ(zyr_host_composeCaption(aucRgba.data(), 4, 3), 0);
-        EXPECT_EQ(Describe_Picture(aucRgba), stCase.pszPicture);
+        EXPECT_EQ(Describe_Picture(aucRgba), pszPicture) << uiWidth << " x " << uiHeight << " at " << iX
+                                                         << ", " << iY << " from " << std::hex << uiAddress;
     }
     EXPECT_EQ(zyr_host_composeCaption(nullptr, 4, 3), -1);
 }

@@ -40,10 +40,9 @@ protected:
     void Set_Hook()
     {
         const auto pfAnswer = [](int iCall, uint32_t uiAsked, int32_t iReal, void *pvTest) {
-            Fault *pstTest = static_cast<Fault *>(pvTest);
-            pstTest->m_stLog.Add(std::to_string(iCall) + " " + std::to_string(uiAsked) + " " +
-                                 std::to_string(iReal));
-            return pstTest->m_iAnswer;
+            const std::string strAsked = std::to_string(iCall) + " " + std::to_string(uiAsked) + " ";
+            static_cast<Fault *>(pvTest)->m_stLog.Add(strAsked + std::to_string(iReal));
+            return static_cast<Fault *>(pvTest)->m_iAnswer;
         };
         zyr_host_setFileHook(pfAnswer, this);
     }
@@ -69,17 +68,14 @@ bool Allocate()
 
 TEST_F(Fault, NthCall)
 {
-    static constexpr struct {
-        uint32_t uiNth;
-        int iFromThenOn;
-        const char *pszExpected;
-    } astCases[] = {{0, 0, "++++++"}, {0, 1, "++++++"}, {1, 0, "-+++++"}, {1, 1, "------"},
-                    {3, 0, "++-+++"}, {3, 1, "++----"}, {7, 1, "++++++"}};
-    for (const auto &stCase : astCases) {
-        zyr_host_failAllocation(stCase.uiNth, stCase.iFromThenOn);
-        EXPECT_EQ(Try_SixTimes(Allocate), stCase.pszExpected);
-        zyr_host_failFile(ZYR_HOST_OPEN, stCase.uiNth, 1, stCase.iFromThenOn);
-        EXPECT_EQ(Try_SixTimes([] { return Read_Name("zyrhost:ten") != "(none)"; }), stCase.pszExpected);
+    static constexpr std::tuple<uint32_t, int, const char *> astCases[] = {
+        {0, 0, "++++++"}, {0, 1, "++++++"}, {1, 0, "-+++++"}, {1, 1, "------"},
+        {3, 0, "++-+++"}, {3, 1, "++----"}, {7, 1, "++++++"}};
+    for (const auto &[uiNth, iFromThenOn, pszExpected] : astCases) {
+        zyr_host_failAllocation(uiNth, iFromThenOn);
+        EXPECT_EQ(Try_SixTimes(Allocate), pszExpected);
+        zyr_host_failFile(ZYR_HOST_OPEN, uiNth, 1, iFromThenOn);
+        EXPECT_EQ(Try_SixTimes([] { return Read_Name("zyrhost:ten") != "(none)"; }), pszExpected);
     }
     EXPECT_EQ(zyr_host_allocations(), 42u);
     EXPECT_EQ(zyr_host_fileCalls(ZYR_HOST_OPEN), 43u);
@@ -97,11 +93,10 @@ TEST_F(Fault, LiveBytesAreExact)
     std::vector<void *> apvBlocks;
     uint64_t ullExpected = 0;
     for (const uint32_t uiBytes : {0u, 1u, 15u, 16u, 17u, 65536u, 1000000u}) {
-        apvBlocks.push_back(ZYR_malloc(uiBytes));
-        EXPECT_EQ(reinterpret_cast<uintptr_t>(apvBlocks.back()) % alignof(std::max_align_t), 0u);
-        memset(apvBlocks.back(), 0xA5, uiBytes);
-        ullExpected += uiBytes;
-        EXPECT_EQ(zyr_host_liveBytes(), ullExpected);
+        void *pvBlock = apvBlocks.emplace_back(ZYR_malloc(uiBytes));
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(pvBlock) % alignof(std::max_align_t), 0u);
+        memset(pvBlock, 0xA5, uiBytes);
+        EXPECT_EQ(zyr_host_liveBytes(), ullExpected += uiBytes);
     }
     zyr_host_failAllocation(1, 0);
     EXPECT_EQ(ZYR_malloc(99), nullptr);
@@ -111,8 +106,7 @@ TEST_F(Fault, LiveBytesAreExact)
     for (void *pvBlock : apvBlocks) ZYR_free(pvBlock);
 }
 
-// Reads of four bytes. A set result that is positive shortens the read; a hook may also lie about a whole
-// one.
+// A set result that is positive shortens the read; a hook may also lie about a whole one.
 TEST_F(Fault, ReadsGiveTheResultOrAreShort)
 {
     static constexpr struct {
@@ -125,20 +119,17 @@ TEST_F(Fault, ReadsGiveTheResultOrAreShort)
                     {true, 2, 2, 2, 4, "23......"},    {true, 0, 2, 0, 2, "........"},
                     {true, -3, 2, -3, 6, "2345...."},  {true, 50, 2, 50, 6, "2345...."},
                     {true, 4, 8, 2, 10, "89......"}};
-    for (const auto &stCase : astCases) {
-        SCOPED_TRACE(&stCase - astCases);
-        ZYR_fseek(m_hFile, stCase.iFrom, 0);
-        m_iAnswer = stCase.iAnswer;
-        if (stCase.bHook)
-            Set_Hook();
-        else
-            zyr_host_failFile(ZYR_HOST_READ, 1, stCase.iAnswer, 0);
+    for (const auto &[bHook, iAnswer, iFrom, iTold, iPosition, pszBuffer] : astCases) {
         char acBuffer[] = "........";
-        EXPECT_EQ(ZYR_fread(acBuffer, 1, 4, m_hFile), stCase.iTold);
-        EXPECT_STREQ(acBuffer, stCase.pszBuffer);
+        ZYR_fseek(m_hFile, iFrom, 0);
+        m_iAnswer = iAnswer;
+        if (bHook) Set_Hook();
+        zyr_host_failFile(ZYR_HOST_READ, bHook ? 0 : 1, iAnswer, 0);
+        EXPECT_EQ(ZYR_fread(acBuffer, 1, 4, m_hFile), iTold);
+        EXPECT_STREQ(acBuffer, pszBuffer);
+        EXPECT_EQ(m_stLog.Take(), bHook ? "1 4 4|" : "");
         zyr_host_setFileHook(nullptr, nullptr);
-        EXPECT_EQ(m_stLog.Take(), stCase.bHook ? "1 4 4|" : "");
-        EXPECT_EQ(ZYR_ftell(m_hFile), stCase.iPosition);
+        EXPECT_EQ(ZYR_ftell(m_hFile), iPosition) << iAnswer;
     }
 }
 

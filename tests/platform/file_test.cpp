@@ -22,20 +22,18 @@ TEST_F(HostFile, SeeksTellsAndReads)
 {
     const TempFile stFile("0123456789");
     void *hFile = ZYR_fopen(stFile.Path(), "rb");
-    static constexpr struct {
-        int32_t iOffset, iOrigin, iResult, iPosition; // position afterwards
-        const char *pszNext;                          // what a read of 3 gives there
-    } astSteps[] = {
+    // Offset, origin, result, position afterwards, what a read of 3 gives there.
+    static constexpr std::tuple<int32_t, int32_t, int32_t, int32_t, const char *> astSteps[] = {
         {4, 0, 0, 4, "456"},          {-2, 1, 0, 5, "567"},  {-3, 2, 0, 7, "789"},      {0, 2, 0, 10, ""},
         {-1, 0, -1, 10, ""},          {-11, 2, -1, 10, ""},  {5, 2, 0, 15, ""},         {0, 3, -1, 15, ""},
         {0, -1, -1, 15, ""},          {-13, 1, 0, 2, "234"}, {-6, 1, -1, 5, "567"},     {-8, 1, 0, 0, "012"},
         {INT_MAX, 0, 0, INT_MAX, ""}, {1, 1, 0, -1, ""},     {INT_MIN, 1, 0, 0, "012"},
     };
-    for (const auto &stStep : astSteps) {
-        SCOPED_TRACE(testing::Message() << stStep.iOffset << " from " << stStep.iOrigin);
-        EXPECT_EQ(ZYR_fseek(hFile, stStep.iOffset, stStep.iOrigin), stStep.iResult);
-        EXPECT_EQ(ZYR_ftell(hFile), stStep.iPosition);
-        EXPECT_EQ(Read_Text(hFile, 3), stStep.pszNext);
+    for (const auto &[iOffset, iOrigin, iResult, iPosition, pszNext] : astSteps) {
+        SCOPED_TRACE(testing::Message() << iOffset << " from " << iOrigin);
+        EXPECT_EQ(ZYR_fseek(hFile, iOffset, iOrigin), iResult);
+        EXPECT_EQ(ZYR_ftell(hFile), iPosition);
+        EXPECT_EQ(Read_Text(hFile, 3), pszNext);
     }
     char acBuffer[16] = {};
     ZYR_fseek(hFile, 0, 0);

@@ -13,6 +13,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -49,11 +50,12 @@ public:
         static std::map<uint32_t, std::string> s_astrNames = {
             {1, "open"},    {2, "region "},  {3, "map"},    {4, "unmap"},  {5, "close"},
             {0x103, "set"}, {0x104, "show"}, {0x105, "on"}, {0x106, "off"}};
+        const std::string_view strArgument(static_cast<const char *>(pvArgument), uiBytes);
         std::string strStep = s_astrNames[uiStep];
-        if (uiStep == 2) strStep.append(static_cast<const char *>(pvArgument), uiBytes);
+        if (uiStep == 2) strStep += strArgument;
         for (uint32_t uiByte = 0; uiStep != 2 && uiByte < uiBytes; uiByte += 4) {
             uint32_t uiWord = 0;
-            memcpy(&uiWord, static_cast<const char *>(pvArgument) + uiByte, sizeof(uiWord));
+            memcpy(&uiWord, &strArgument[uiByte], sizeof(uiWord));
             if (uiWord - PLANE_PHYS < PLANE_BYTES) uiWord -= PLANE_PHYS;
             strStep += " " + std::to_string(static_cast<int32_t>(uiWord));
         }

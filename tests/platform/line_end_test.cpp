@@ -24,14 +24,15 @@ std::string Convert_Slowly(const std::string &strFile)
     const bool bLittle = strFile.starts_with("\xFF\xFE"), bBig = strFile.starts_with("\xFE\xFF");
     const std::string strCr = bLittle ? "\r\0"s : bBig ? "\0\r"s : "\r"s;
     const std::string strLf = bLittle ? "\n\0"s : bBig ? "\0\n"s : "\n"s;
+    const std::string strPair = strCr + strLf;
     std::string strText;
     for (size_t uiPos = 0; uiPos < strFile.size();) {
         size_t uiLineEnd = 0;
-        for (const std::string &strEnd : {strCr + strCr + strLf, strCr + strLf, strCr, strLf}) {
+        for (const std::string &strEnd : {strCr + strPair, strPair, strCr, strLf}) {
             if (uiLineEnd == 0 && strFile.compare(uiPos, strEnd.size(), strEnd) == 0)
                 uiLineEnd = strEnd.size();
         }
-        strText += uiLineEnd != 0 ? strCr + strLf : strFile.substr(uiPos, strCr.size());
+        strText += uiLineEnd != 0 ? strPair : strFile.substr(uiPos, strCr.size());
         uiPos += uiLineEnd != 0 ? uiLineEnd : strCr.size();
     }
     return strText;

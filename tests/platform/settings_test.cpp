@@ -21,11 +21,8 @@ std::string Get_Property(const std::string &strKey, const char *pszDefault = "(u
 TEST_F(Settings, Properties)
 {
     static const std::string s_strKey31(31, 'k'), s_strValue91(91, 'v');
-    static const struct {
-        std::string strKey, strValue;
-        int iResult;
-        std::string strAfter; // a look at the key afterwards
-    } astSteps[] = {
+    // Key, value, result, a look at the key afterwards.
+    static const std::tuple<std::string, std::string, int, std::string> astSteps[] = {
         {"a", "1", 0, "1"},
         {"a", "2", 0, "2"},
         {"a", s_strValue91, 0, s_strValue91},
@@ -35,10 +32,9 @@ TEST_F(Settings, Properties)
         {"", "x", -1, "(unset)"},
         {"b", "", 0, ""},
     };
-    for (const auto &stStep : astSteps) {
-        SCOPED_TRACE(&stStep - astSteps);
-        EXPECT_EQ(zyr_host_setProperty(stStep.strKey.c_str(), stStep.strValue.c_str()), stStep.iResult);
-        EXPECT_EQ(Get_Property(stStep.strKey), stStep.strAfter);
+    for (const auto &[strKey, strValue, iResult, strAfter] : astSteps) {
+        EXPECT_EQ(zyr_host_setProperty(strKey.c_str(), strValue.c_str()), iResult) << strKey << strValue;
+        EXPECT_EQ(Get_Property(strKey), strAfter);
     }
     for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // unset, and unset again
         EXPECT_EQ(zyr_host_setProperty("a", nullptr), 0);
@@ -62,8 +58,7 @@ TEST_F(Settings, PropertiesFile)
     for (const auto &[pszKey, pszValue] : apszExpected) EXPECT_EQ(Get_Property(pszKey), pszValue);
     EXPECT_EQ(zyr_host_loadProperties(stBad.Path()), -1);
     EXPECT_EQ(Get_Property("mode") + Get_Property("after"), "23");
-    for (const char *pszPath : {"/tmp", "/nowhere/at/all"})
-        EXPECT_EQ(zyr_host_loadProperties(pszPath), -1) << pszPath;
+    for (const char *pszPath : {"/tmp", "/nowhere"}) EXPECT_EQ(zyr_host_loadProperties(pszPath), -1);
 }
 
 TEST_F(Settings, LogSinkGetsEveryMessageWhole)
@@ -98,9 +93,9 @@ TEST_F(Settings, DefaultLogSinkFilters)
 TEST_F(Settings, FontIsTheOneSetThenOfTheEnvironmentThenOfTheSystem)
 {
     unsetenv("ZYR_FONT");
-    const bool bBox = access("/system/fonts/DroidSansFallback.ttf", R_OK) == 0;
-    EXPECT_STREQ(zyr_platform_fontPath(), bBox ? "/system/fonts/DroidSansFallback.ttf"
-                                               : "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc");
+    static constexpr char szBox[] = "/system/fonts/DroidSansFallback.ttf";
+    static constexpr char szDesktop[] = "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc";
+    EXPECT_STREQ(zyr_platform_fontPath(), access(szBox, R_OK) == 0 ? szBox : szDesktop);
     setenv("ZYR_FONT", "/from/environment.ttf", 1);
     std::string strPath = "/set.ttf";
     zyr_host_setFontFile(strPath.c_str());
