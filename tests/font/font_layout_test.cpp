@@ -13,118 +13,64 @@ protected:
     ~FontLayout() override { zyr_font_close(); }
 };
 
-struct JudgeLine {
-    std::vector<uint16_t> vusUnits;
-    uint32_t uiWidth;
-};
-
-/* The text cut into the lines that a region of this width gives. */
-static std::vector<JudgeLine> Split_Lines(JudgeFont &stFont, const std::vector<uint16_t> &vusText,
-                                          size_t uiLength, uint32_t uiRegionWidth)
+/* The linker sends the layout's characters through here; each leaves its place, "x,y". */
+static std::string s_strDrawn;
+extern "C" int32_t __real_zyr_fontFT_drawChar(uint32_t uiAttr, uint32_t uiCode, uint32_t uiX, uint32_t uiY);
+extern "C" int32_t __wrap_zyr_fontFT_drawChar(uint32_t uiAttr, uint32_t uiCode, uint32_t uiX, uint32_t uiY)
 {
-    std::vector<JudgeLine> vstLines;
-    JudgeLine stLine = {};
-    bool bEnd = false; // the length counts behind characters, a newline goes on to the next one
-    for (size_t uiUnit = 0; !bEnd && vusText[uiUnit] != 0; ++uiUnit) {
-        const bool bBreak = vusText[uiUnit] == '\n';
-        if (!bBreak) {
-            stLine.vusUnits.push_back(vusText[uiUnit]);
-            stLine.uiWidth += static_cast<uint32_t>(stFont.Get_Advance(vusText[uiUnit]));
-        }
-        const bool bFull = !bBreak && stLine.uiWidth >= uiRegionWidth;
-        if (bBreak || bFull) vstLines.push_back(std::exchange(stLine, {}));
-        if (bFull && vusText[uiUnit + 1] == '\n') ++uiUnit;
-        bEnd = !bBreak && uiUnit + 1 >= uiLength;
-    }
-    if (bEnd) vstLines.push_back(stLine);
-    if (vstLines.size() > 60) vstLines.resize(60);
-    return vstLines;
+    s_strDrawn += (s_strDrawn.empty() ? "" : " ") + std::to_string(static_cast<int32_t>(uiX)) + "," +
+                  std::to_string(uiY);
+    return __real_zyr_fontFT_drawChar(uiAttr, uiCode, uiX, uiY);
 }
 
-static void Judge_Line(JudgeFont &stFont, Picture &stPicture, const JudgeLine &stLine, uint32_t uiY)
-{
-    const double dRoom = stPicture.uiWidth;
-    const double dLast = stLine.vusUnits.empty() ? 0 : stFont.Get_Advance(stLine.vusUnits.back());
-    uint32_t uiBefore = 0;
-    for (const uint16_t usUnit : stLine.vusUnits) {
-        double dX = std::floor((dRoom - stLine.uiWidth) / 2) + uiBefore;
-        if (stLine.uiWidth > stPicture.uiWidth)
-            dX = uiBefore == 0 ? 0 : std::floor(uiBefore * (dRoom - dLast) / (stLine.uiWidth - dLast));
-        stFont.Draw(stPicture, usUnit, static_cast<int64_t>(dX), uiY, 0x8410);
-        uiBefore += static_cast<uint32_t>(stFont.Get_Advance(usUnit));
-    }
-}
-
-/* Narrow, wide, overhanging and missing characters, blanks and newlines. None of these is the last of the
- * length, though units may stand behind it: a newline does not end the walk, see the worked examples. */
-static std::vector<uint16_t> Make_Text(Random &stRandom, size_t uiLength, size_t uiBehind)
-{
-    static constexpr char16_t Alphabet[] = u"iWfjJ \n\n한글뷁A.\xE123";
-    std::u16string strText(uiLength + uiBehind, u'A');
-    for (char16_t &cUnit : strText) cUnit = Alphabet[stRandom() % (std::size(Alphabet) - 1)];
-    if (strText[uiLength - 1] == '\n') strText[uiLength - 1] = 'A';
-    return To_Units(strText);
-}
-
-/* Regions from less than a character up to several lines; then drawn into the measured box as the display
- * does it. */
+/* Characters of 20 pixels and narrow ones, measured in a region and drawn into the measured box as the
+ * display does it. */
 TEST_F(FontLayout, StringsAreMeasuredAndDrawnLineByLine)
 {
-    Random stRandom(3);
-    for (uint32_t uiRound = 0; uiRound < 1500; ++uiRound) {
-        SCOPED_TRACE(uiRound);
-        const uint32_t uiSize = 12 + stRandom() % 30, uiLength = 1 + stRandom() % 90;
-        const auto vusText = Make_Text(stRandom, uiLength, uiRound % 2 * stRandom() % 50);
-        const auto iLength = static_cast<int32_t>(uiLength);
-        ASSERT_EQ(zyr_font_setFontSize(0, uiSize, uiSize, 0, 0), stFont.Set_Size(uiSize, uiSize));
-        zyr_font_setFontColor(0x8410, 0x8410, 0, 0);
-
-        Picture stRegion(1 + stRandom() % 300, 1, 300);
-        stRegion.Make_Destination();
-        const auto vstLines = Split_Lines(stFont, vusText, uiLength, stRegion.uiWidth);
-        uint32_t auiLineWidth[60] = {}, uiWidth = 0, uiHeight = 0, uiWidest = 0;
-        ASSERT_EQ(zyr_font_calcRegion(vusText.data(), iLength, uiSize, &uiWidth, &uiHeight, auiLineWidth), 0);
-        for (size_t uiLine = 0; uiLine < 60; ++uiLine) {
-            const uint32_t uiExpected = uiLine < vstLines.size() ? vstLines[uiLine].uiWidth : 0;
-            ASSERT_EQ(auiLineWidth[uiLine], uiExpected) << "line " << uiLine;
-            uiWidest = std::max(uiWidest, std::min(uiExpected, stRegion.uiWidth));
-        }
-        ASSERT_EQ(uiWidth, uiWidest);
-        ASSERT_EQ(uiHeight, vstLines.size() * uiSize);
-        if (uiWidth == 0) continue;
-
-        const uint32_t uiRows = uiHeight - stRandom() % 2 * uiSize / 2; // the last line may be cut
-        Picture stPicture(uiWidth, uiRows, uiWidth), stJudge(uiWidth, uiRows, uiWidth);
-        stPicture.Make_Destination();
-        ASSERT_EQ(zyr_font_displayString(vusText.data(), iLength, auiLineWidth, uiSize), 0);
-        for (size_t uiLine = 0; uiLine < vstLines.size(); ++uiLine)
-            Judge_Line(stFont, stJudge, vstLines[uiLine], static_cast<uint32_t>(uiLine) * uiSize);
-        ASSERT_TRUE(stPicture == stJudge);
-    }
-}
-
-/* Characters of 20 pixels in a region of 100. */
-TEST_F(FontLayout, LinesOfWorkedExamples)
-{
-    static constexpr std::tuple<const char16_t *, int32_t, const char *> astCases[] = {
-        {u"한한\n", 3, "40 "},
-        {u"한한\n글글", 3, "40 20 "}, // a newline does not end the walk
-        {u"한한", 0, ""},
-        {u"한한", -5, ""},
-        {u"", 3, ""},
-        {u"한한\n글", 9, "40 "},          // the unfinished last line does not count
-        {u"한한한한한\n글", 6, "100 0 "}, // the newline belongs to the break, and an empty line ends
+    static constexpr struct {
+        const char16_t *pszText;
+        int32_t iLength;
+        uint32_t uiRegionWidth;
+        const char *pszWidths, *pszDrawn; // widest and each line; the places of the characters
+    } astCases[] = {
+        {u"한한\n글", 4, 100, "40: 40 20", "0,0 20,0 10,20"},
+        {u"한한\n", 3, 100, "40: 40", "0,0 20,0"},
+        {u"\n\n글", 3, 100, "20: 0 0 20", "0,40"},
+        {u"한한한", 2, 100, "40: 40", "0,0 20,0"},
+        {u"한한\n글글", 3, 100, "40: 40 20", "0,0 20,0"}, // a newline does not end the walk
+        {u"한한", 0, 100, "0:", ""},
+        {u"한한", -5, 100, "0:", ""},
+        {u"", 3, 100, "0:", ""},
+        {u"한한\n글", 9, 100, "40: 40", "0,0 20,0 20,20"}, // the unfinished last line does not count
+        /* A full line: the last unit ends a line of its own, a newline behind it belongs to the break. */
+        {u"한한한한한", 5, 100, "100: 100 0", "0,0 20,0 40,0 60,0 80,0"},
+        {u"한한한한한\n글", 6, 100, "100: 100 0", "0,0 20,0 40,0 60,0 80,0"},
+        {u"한한한한한\n글", 7, 100, "100: 100 20", "0,0 20,0 40,0 60,0 80,0 40,20"},
+        {u"한한한한한\n\n글", 8, 100, "100: 100 0 20", "0,0 20,0 40,0 60,0 80,0 40,40"},
+        /* Tightened: the last character ends at the edge. The missing-glyph shape counts too. */
+        {u"한한한한한한한", 7, 90, "90: 100 40", "0,0 17,0 35,0 52,0 70,0 25,20 45,20"},
+        {u"한한한한한한한", 7, 99, "99: 100 40", "0,0 19,0 39,0 59,0 79,0 29,20 49,20"},
+        {u"iWfjJ 한A.", 9, 60, "60: 65 17", "0,0 4,0 20,0 26,0 31,0 35,0 40,0 21,20 33,20"},
+        {u"iWf\xE123jJ", 6, 60, "60: 60 0", "0,0 5,0 23,0 30,0 50,0 55,0"},
+        /* Narrower than a character. */
+        {u"i한\nii한\n한i", 9, 10, "10: 25 10 20 20 5", "0,0 -10,0 0,20 5,20 0,40 0,60 2,80"},
+        {u"i.한i", 4, 19, "19: 30 5", "0,0 -1,0 -1,0 7,20"},
     };
     zyr_font_setFontSize(0, 20, 20, 0, 0);
-    Picture stRegion(100, 1, 100);
-    stRegion.Make_Destination();
-    for (const auto &[pszText, iLength, pszWidths] : astCases) {
-        uint32_t auiLineWidth[60] = {}, uiHeight = 9;
-        zyr_font_calcRegion(To_Units(pszText).data(), iLength, 1, nullptr, &uiHeight, auiLineWidth);
-        std::string strWidths;
-        for (uint32_t uiLine = 0; uiLine < uiHeight; ++uiLine)
-            strWidths += std::to_string(auiLineWidth[uiLine]) + " ";
-        EXPECT_EQ(strWidths, pszWidths) << "length " << iLength;
+    for (const auto &[pszText, iLength, uiRegionWidth, pszWidths, pszDrawn] : astCases) {
+        const auto vusText = To_Units(pszText);
+        Picture stRegion(uiRegionWidth, 80, uiRegionWidth);
+        stRegion.Make_Destination();
+        uint32_t auiLineWidth[60] = {}, uiWidth = 9, uiHeight = 9;
+        zyr_font_calcRegion(vusText.data(), iLength, 20, &uiWidth, &uiHeight, auiLineWidth);
+        std::string strWidths = std::to_string(uiWidth) + ":";
+        for (uint32_t uiLine = 0; uiLine < uiHeight / 20; ++uiLine)
+            strWidths += " " + std::to_string(auiLineWidth[uiLine]);
+        EXPECT_EQ(strWidths, pszWidths) << "length " << iLength << " in " << uiRegionWidth;
+        zyr_font_setDestRegion(uiWidth, uiHeight, uiWidth);
+        s_strDrawn.clear();
+        zyr_font_displayString(vusText.data(), iLength, auiLineWidth, 20);
+        EXPECT_EQ(s_strDrawn, pszDrawn);
     }
 }
 

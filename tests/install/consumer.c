@@ -37,13 +37,12 @@ int main(int argc, char **argv)
 
     if (argc != 2 || zyr_host_version() != ZYR_HOST_VERSION || ZYR_VERSION < ZYR_MAKE_VERSION(1, 0, 0))
         return 2;
-    zyr_host_setLineEnds(
-        1); /* the sample has bare line feeds: only the host layer in use makes them end lines */
+    zyr_host_setLineEnds(1); /* bare line feeds: only the host layer in use makes them end lines */
     if (zyrSubtitle_open(argv[1], 0) != 0) return 3;
     while (zyrSubtitle_getFrame(&uiStream, &iStart, &iEnd, &uiLines, &uiBytes, &pucText) == 0) ++uiFrames;
     zyrSubtitle_close();
-    if (zyr_host_allocations() == 0 || zyr_host_liveBytes() != 0)
-        return 4; /* somebody else's layer was asked */
+    if (zyr_host_allocations() == 0) return 4; /* somebody else's layer was asked */
+    if (zyr_host_liveBytes() != 0) return 5;
     printf("%lu frames, caption %s\n", (unsigned long)uiFrames, Is_TextShown() ? "shown" : "missing");
     return 0;
 }
