@@ -1,13 +1,10 @@
 /* What the SAMI tests share: files made of SYNC blocks, and the classes of an open file as text. */
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "caption/parser_state.h"
 #include "support/engine_fixture.h"
 
-/** One SYNC block: 'S' + time, 'P' + class. */
+/** One SYNC block. */
 inline std::string Sync(int64_t llTime, const std::string &strClass, const std::string &strText = "")
 {
     return "<SYNC Start=" + std::to_string(llTime) + "><P Class=" + strClass + ">" + strText + "\r\n";
@@ -22,67 +19,65 @@ inline std::string Syncs(const std::string &strClass, int iNums, int iFirstTime 
     return strAll;
 }
 
-inline std::string Repeat(const std::string &strPiece, int iTimes)
-{
-    std::string strAll;
-    for (int iTime = 0; iTime < iTimes; ++iTime) strAll += strPiece;
-    return strAll;
-}
-
 class SamiTest : public EngineTest
 {
 protected:
-    /** @return "KRCC+ENCC 3 @10-80 1000-3000 | ...": names, frames, first and last place, smallest and
-     * largest time */
-    static std::string Get_Classes()
+    void Open_File(const std::string &strFile) { ASSERT_EQ(Open(".smi", strFile), 0u) << strFile; }
+
+    static void Select(const std::vector<uint32_t> &vecClasses)
     {
-        std::string strAll;
-        const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-        for (uint32_t uiClass = 0; uiClass < stInfo.uiClassNums; ++uiClass) {
-            const CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
-            strAll += (uiClass == 0 ? "" : " | ") + Get_Name(stClass.ausName, stClass.uiNameLength);
-            for (uint32_t uiAlt = 0; uiAlt < stClass.uiAltNameNums; ++uiAlt)
-                strAll += "+" + Get_Name(stClass.ausAltName[uiAlt], stClass.auiAltNameLength[uiAlt]);
-            strAll += " " + std::to_string(stClass.uiFrameNums) + " @" +
-                      std::to_string(stClass.llFirstFramePos) + "-" + std::to_string(stClass.llLastFramePos) +
-                      " " + std::to_string(stClass.iMinPTS) + "-" + std::to_string(stClass.iMaxPTS);
-        }
-        return strAll;
+        ASSERT_EQ(zyrSubtitle_selectClass(static_cast<int32_t>(vecClasses.size()), vecClasses.data()), 0u);
     }
 
-    /** The same without places and times. */
+    /** Let the header's own call scan the open file from a place on: no small class is folded into another.
+     */
+    static void Scan_Again(int32_t iPlace = 0)
+    {
+        pstQuibCaptionParserInfo->uiCurrStream = 0;
+        ASSERT_EQ(QuibCaptionParser_Init_CaptionStreamVariables(TRACK_GetFileHandleOfSubtitleData()), 1);
+        pstQuibCaptionParserInfo->astStreamInfo[0].iStreamBufIndex = iPlace;
+        ASSERT_EQ(HeaderParser_SAMI(TRACK_GetFileHandleOfSubtitleData()), 1);
+    }
+
+    /** @return class that has a name. */
+    static uint32_t Find_Class(const char *pszName)
+    {
+        uint32_t uiClass = 0;
+        while (Get_Names(uiClass) != pszName) ++uiClass;
+        return uiClass;
+    }
+
+    /** @return "KRCC+ENCC:3 -:1": names, frames */
     static std::string Get_Counts()
     {
         std::string strAll;
-        const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-        for (uint32_t uiClass = 0; uiClass < stInfo.uiClassNums; ++uiClass) {
-            const CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
-            strAll += (uiClass == 0 ? "" : " ") + Get_Name(stClass.ausName, stClass.uiNameLength);
-            for (uint32_t uiAlt = 0; uiAlt < stClass.uiAltNameNums; ++uiAlt)
-                strAll += "+" + Get_Name(stClass.ausAltName[uiAlt], stClass.auiAltNameLength[uiAlt]);
-            strAll += ":" + std::to_string(stClass.uiFrameNums);
+        for (uint32_t uiClass = 0; uiClass < pstQuibCaptionParserInfo->uiClassNums; ++uiClass)
+            strAll += (uiClass == 0 ? "" : " ") + Get_Names(uiClass) + ":" +
+                      std::to_string(pstQuibCaptionParserInfo->astClassInfo[uiClass].uiFrameNums);
+        return strAll;
+    }
+
+    /** @return "KRCC+ENCC:3 -:1 1000-3000 1000-1000": the same, then smallest and largest time of each */
+    static std::string Get_Times()
+    {
+        std::string strAll = Get_Counts();
+        for (uint32_t uiClass = 0; uiClass < pstQuibCaptionParserInfo->uiClassNums; ++uiClass) {
+            const CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
+            strAll += " " + std::to_string(stClass.iMinPTS) + "-" + std::to_string(stClass.iMaxPTS);
         }
         return strAll;
     }
 
-    /** @return the texts of all frames, each with its start: "1000 Hello|2000 World". */
-    std::string Read_Texts()
+    /** @return "@10-80 @20-20": first and last place of each class */
+    static std::string Get_Places()
     {
         std::string strAll;
-        for (const TestFrame &stFrame : Read_All())
-            strAll += (strAll.empty() ? "" : "|") + std::to_string(stFrame.iStart) + " " + stFrame.strText;
-        return strAll;
-    }
-
-    /** @return what so many calls give; a call without a frame gives one without a text, on stream 9. */
-    std::vector<TestFrame> Call_Often(int iCalls)
-    {
-        std::vector<TestFrame> vecFrames;
-        for (int iCall = 0; iCall < iCalls; ++iCall) {
-            TestFrame stFrame;
-            vecFrames.push_back(Read_Frame(&stFrame) ? stFrame : TestFrame{9, 0, 0, ""});
+        for (uint32_t uiClass = 0; uiClass < pstQuibCaptionParserInfo->uiClassNums; ++uiClass) {
+            const CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
+            strAll += (uiClass == 0 ? "@" : " @") + std::to_string(stClass.llFirstFramePos) + "-" +
+                      std::to_string(stClass.llLastFramePos);
         }
-        return vecFrames;
+        return strAll;
     }
 
     /** From now on the bytes asked of the file are counted. */
@@ -100,10 +95,18 @@ protected:
     int64_t m_llBytesRead = 0;
 
 private:
+    static std::string Get_Names(uint32_t uiClass)
+    {
+        const CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
+        std::string strNames = Get_Name(stClass.ausName, stClass.uiNameLength);
+        for (uint32_t uiAlt = 0; uiAlt < stClass.uiAltNameNums; ++uiAlt)
+            strNames += "+" + Get_Name(stClass.ausAltName[uiAlt], stClass.auiAltNameLength[uiAlt]);
+        return strNames;
+    }
+
     static std::string Get_Name(const uint16_t *pusName, uint32_t uiUnits)
     {
-        std::string strName;
-        for (uint32_t uiUnit = 0; uiUnit < uiUnits; ++uiUnit) strName += static_cast<char>(pusName[uiUnit]);
+        const std::string strName(pusName, pusName + uiUnits);
         return strName.empty() ? "-" : strName;
     }
 };

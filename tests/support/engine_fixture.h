@@ -1,8 +1,9 @@
-/* What the engine's tests share: a subtitle out of memory, its frames as values, the log as text. */
+/* What the engine's tests share: a subtitle out of memory, what is played of it as one text, the log. */
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,24 @@
 
 /** Encodings that a test file can be written in; pure ASCII text in E_ANSI is detected as a code page. */
 enum TestEncoding { E_ANSI, E_UTF16LE, E_UTF16BE, E_UTF8 };
+
+constexpr TestEncoding ENCODINGS[] = {E_ANSI, E_UTF16LE, E_UTF16BE, E_UTF8};
+
+/** Bytes that a read gives at most: a refill falls everywhere. 0 = all that were asked for. */
+constexpr uint32_t READ_SIZES[] = {0, 1, 2, 3, 5, 7, 511};
+
+inline std::string Repeat(std::string_view strPiece, size_t uiTimes)
+{
+    std::string strAll;
+    for (size_t uiTime = 0; uiTime < uiTimes; ++uiTime) strAll += strPiece;
+    return strAll;
+}
+
+/** A SubRip entry. */
+inline std::string Entry(const std::string &strBody, const std::string &strTimes = "0:0:1,0 0:0:2,0")
+{
+    return "1\r\n" + strTimes + "\r\n" + strBody + "\r\n\r\n";
+}
 
 /** Write UTF-8 text (characters up to U+FFFF) in an encoding, with its byte order mark; E_ANSI copies the
  * bytes. */
@@ -64,11 +83,12 @@ struct TestFrame {
     bool operator==(const TestFrame &) const = default;
 };
 
-inline void PrintTo(const TestFrame &stFrame, std::ostream *pstOut)
-{
-    *pstOut << stFrame.uiStream << ": " << stFrame.iStart << "-" << stFrame.iEnd << " \"" << stFrame.strText
-            << '"';
-}
+/** A file, and what is played of it from its beginning to its end. */
+struct PlayCase {
+    const char *pszWhy;
+    std::string strFile;
+    std::string strFrames; // as EngineTest::Play() gives them
+};
 
 class EngineTest : public testing::Test
 {
@@ -123,12 +143,75 @@ protected:
         return true;
     }
 
+    /**
+     * @return what the next call gives: "1000-2000 line|line". "!" stands before it for each message about
+     * the text, "2:" for any other stream than the first, "open" for an end that nobody tells. Without a
+     * frame: "none".
+     */
+    std::string Next()
+    {
+        const size_t uiBefore = m_vecLog.size();
+        TestFrame stFrame;
+        const bool bFrame = Read_Frame(&stFrame);
+        const auto itNew = m_vecLog.begin() + static_cast<ptrdiff_t>(uiBefore);
+        std::string strSeen(static_cast<size_t>(std::count_if(itNew, m_vecLog.end(), Is_AboutText)), '!');
+        if (!bFrame) return strSeen + "none";
+        if (stFrame.uiStream != 0) strSeen += std::to_string(stFrame.uiStream) + ":";
+        std::replace(stFrame.strText.begin(), stFrame.strText.end(), '\n', '|');
+        return strSeen + std::to_string(stFrame.iStart) + "-" +
+               (stFrame.iEnd == INT32_MAX ? "open" : std::to_string(stFrame.iEnd)) + " " + stFrame.strText;
+    }
+
+    /** @return all that Next() gives up to the end: "1000-2000 a; 2000-open b". */
+    std::string Play()
+    {
+        std::string strAll;
+        for (std::string strNext = Next(); !strNext.ends_with("none"); strNext = Next())
+            strAll += (strAll.empty() ? "" : "; ") + strNext;
+        return strAll;
+    }
+
+    std::string Play(const char *pszEnding, const std::string &strFile)
+    {
+        return Open(pszEnding, strFile) == 0 ? Play() : "(not opened)";
+    }
+
+    /** @return what so many calls give, those without a frame included. */
+    std::string Play_Calls(size_t uiCalls)
+    {
+        std::string strAll;
+        for (size_t uiCall = 0; uiCall < uiCalls; ++uiCall) strAll += Next() + "; ";
+        return strAll;
+    }
+
     std::vector<TestFrame> Read_All()
     {
         std::vector<TestFrame> vecFrames;
         TestFrame stFrame;
         while (Read_Frame(&stFrame)) vecFrames.push_back(stFrame);
         return vecFrames;
+    }
+
+    /** Frames up to the end. */
+    size_t Count_Frames()
+    {
+        size_t uiFrames = 0;
+        for (TestFrame stFrame; Read_Frame(&stFrame);) ++uiFrames;
+        return uiFrames;
+    }
+
+    /** Each file must give its frames in every encoding and wherever a refill falls. */
+    void Expect_Played(const char *pszEnding, std::span<const PlayCase> astCases)
+    {
+        for (const PlayCase &stCase : astCases)
+            for (const TestEncoding eEncoding : ENCODINGS)
+                for (const uint32_t uiReadSize : READ_SIZES) {
+                    SCOPED_TRACE(testing::Message() << stCase.pszWhy << ": encoding " << eEncoding
+                                                    << ", reads of " << uiReadSize);
+                    Read_InChunks(uiReadSize);
+                    EXPECT_EQ(Play(pszEnding, Encode(stCase.strFile, eEncoding)), stCase.strFrames);
+                }
+        Read_InChunks(0);
     }
 
     /** @return text of the first frame of a file, or a note that there is none. */
@@ -158,6 +241,13 @@ protected:
     std::vector<std::string> m_vecLog;
 
 private:
+    /** Whether a message is about the text, and not about reading it. */
+    static bool Is_AboutText(const std::string &strLine)
+    {
+        return strLine.find("Get_CharCode()") == std::string::npos &&
+               strLine.find("Failed in caption file parsing") == std::string::npos;
+    }
+
     static void Take_Log(int /*iPriority*/, const char *pszTag, const char *pszText, void *pvTest)
     {
         static_cast<EngineTest *>(pvTest)->m_vecLog.push_back(std::string(pszTag == nullptr ? "" : pszTag) +
@@ -166,9 +256,8 @@ private:
 
     static int32_t Shorten_Read(int iCall, uint32_t uiAsked, int32_t iReal, void *pvTest)
     {
-        constexpr int READ_CALL = 1;
         const uint32_t uiChunk = static_cast<EngineTest *>(pvTest)->m_uiChunk;
-        return iCall == READ_CALL && uiAsked > uiChunk ? static_cast<int32_t>(uiChunk) : iReal;
+        return iCall == ZYR_HOST_READ && uiAsked > uiChunk ? static_cast<int32_t>(uiChunk) : iReal;
     }
 
     std::string m_strFile;
