@@ -1,9 +1,12 @@
 #include "caption/line_output.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
 #include "caption/parser_state.h"
+#include "parser/byte_block.h"
 #include "zyr_log.h"
 
 namespace
@@ -125,29 +128,95 @@ WrapResult Wrap_Line(LineWriter &stWriter, bool bBlank)
     return bAtBlanks ? E_WRAP_BLANK : E_WRAP_STORE;
 }
 
-/** Store the units of the word being written that fit on the line. @return the first unit not stored. */
-const uint16_t *Store_WordUnits(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
+/** Copy up to LINE_UNITS units, tabs as blanks. @return a bit for each unit: it is a blank. */
+uint64_t Copy_Text(uint16_t *pusTarget, const uint16_t *pusSource, uint32_t uiUnits)
+{
+    uint64_t ullBlanks = 0;
+    if (uiUnits < BLOCK_UNITS) {
+        for (uint32_t uiPos = 0; uiPos < uiUnits; ++uiPos) {
+            const bool bBlank = Is_Blank(pusSource[uiPos]);
+            pusTarget[uiPos] = bBlank ? BLANK : pusSource[uiPos];
+            ullBlanks |= uint64_t{bBlank} << uiPos;
+        }
+        return ullBlanks;
+    }
+    const uint32_t uiLast = uiUnits - BLOCK_UNITS; // the last block may overlap the one before
+    for (uint32_t uiPos = 0; uiPos < uiLast; uiPos += BLOCK_UNITS)
+        ullBlanks |= uint64_t{Copy_TextBlock(pusTarget + uiPos, pusSource + uiPos)} << uiPos;
+    return ullBlanks | uint64_t{Copy_TextBlock(pusTarget + uiLast, pusSource + uiLast)} << uiLast;
+}
+
+/** @return the bits below bit uiPos; uiPos is at most 64. */
+constexpr uint64_t Get_LowBits(uint32_t uiPos)
+{
+    return uiPos < 64 ? (uint64_t{1} << uiPos) - 1 : ~uint64_t{0};
+}
+
+uint32_t Get_LastBit(uint64_t ullBits)
+{
+    return 63 - static_cast<uint32_t>(std::countl_zero(ullBits));
+}
+
+uint32_t Count_Bits(uint64_t ullBits)
+{
+    return static_cast<uint32_t>(std::popcount(ullBits));
+}
+
+/** What Note_Unit() notes, for a run of units at once. Of several words and blank runs the last ones count.
+ */
+void Note_Run(LineWriter &stWriter, uint64_t ullBlanks, uint32_t uiUnits)
+{
+    QuibCaptionParserInfo &stInfo = stWriter.stInfo;
+    CaptionLineTable &stTable = stWriter.stTable;
+    const uint64_t ullBehindBlank = ullBlanks << 1 | stTable.uiInBlank;
+    const uint64_t ullBlankStarts = ullBlanks & ~ullBehindBlank;
+    const uint64_t ullWordStarts = ~ullBlanks & ullBehindBlank & Get_LowBits(uiUnits);
+    if (ullBlankStarts != 0) {
+        const uint32_t uiBreak = Get_LastBit(ullBlankStarts);
+        stInfo.uiBreakLength = stWriter.uiLength + uiBreak;
+        stInfo.uiWordUnitsAtBreak =
+            stInfo.uiWordUnits + uiBreak - Count_Bits(ullBlanks & Get_LowBits(uiBreak));
+    }
+    if (ullWordStarts > ullBlankStarts)
+        stTable.uiWordStart = stWriter.uiLength + Get_LastBit(ullWordStarts);
+    else if (ullBlankStarts != 0)
+        stTable.uiWordStart = 0;
+    stTable.uiInBlank = static_cast<uint32_t>(ullBlanks >> (uiUnits - 1) & 1);
+    const uint32_t uiWordUnits = uiUnits - Count_Bits(ullBlanks);
+    stWriter.Get_Line().uiWordUnits += uiWordUnits;
+    stInfo.uiWordUnits += uiWordUnits;
+}
+
+/** Store the units that fit on the line. @return the first unit not stored. */
+const uint16_t *Store_Run(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
 {
     CaptionLineTable &stTable = stWriter.stTable;
     const uint32_t uiLineRoom = LINE_UNITS - stWriter.uiLength;
     const uint32_t uiBufRoom = TEXT_BUF_UNITS - stTable.uiWritePos;
-    const ptrdiff_t iRoom = uiLineRoom < uiBufRoom ? uiLineRoom : uiBufRoom;
-    if (pusEnd - pusUnit > iRoom) pusEnd = pusUnit + iRoom;
-    uint16_t *const pusTarget = stTable.pusTextBuf + stTable.uiWritePos;
-    uint32_t uiUnits = 0;
-    for (; pusUnit < pusEnd && !Is_Blank(*pusUnit); ++pusUnit) pusTarget[uiUnits++] = *pusUnit;
+    const uint32_t uiUnits = std::min({static_cast<uint32_t>(pusEnd - pusUnit), uiLineRoom, uiBufRoom});
+    Note_Run(stWriter, Copy_Text(stTable.pusTextBuf + stTable.uiWritePos, pusUnit, uiUnits), uiUnits);
     stTable.uiWritePos += uiUnits;
     stWriter.uiLength += uiUnits;
-    stWriter.Get_Line().uiWordUnits += uiUnits;
-    stWriter.stInfo.uiWordUnits += uiUnits;
-    return pusUnit;
+    return pusUnit + uiUnits;
+}
+
+/** Store a unit that has been noted. */
+void Store_Unit(LineWriter &stWriter, uint16_t usUnit)
+{
+    CaptionLineTable &stTable = stWriter.stTable;
+    stTable.pusTextBuf[stTable.uiWritePos++] = usUnit;
+    ++stWriter.uiLength;
 }
 
 /** Lay the units out until there are no more, or the frame is full. */
 void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
 {
-    CaptionLineTable &stTable = stWriter.stTable;
+    const CaptionLineTable &stTable = stWriter.stTable;
     while (pusUnit < pusEnd) {
+        if (stWriter.uiLength < LINE_UNITS && stTable.uiWritePos < TEXT_BUF_UNITS) {
+            pusUnit = Store_Run(stWriter, pusUnit, pusEnd);
+            continue;
+        }
         const bool bBlank = Is_Blank(*pusUnit);
         Note_Unit(stWriter, bBlank);
         if (stWriter.uiLength >= LINE_UNITS) {
@@ -160,10 +229,8 @@ void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusE
             }
         }
         if (stTable.uiWritePos >= TEXT_BUF_UNITS) break;
-        stTable.pusTextBuf[stTable.uiWritePos++] = bBlank ? BLANK : *pusUnit;
-        ++stWriter.uiLength;
+        Store_Unit(stWriter, bBlank ? BLANK : *pusUnit);
         ++pusUnit;
-        if (!bBlank) pusUnit = Store_WordUnits(stWriter, pusUnit, pusEnd);
     }
     stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
     stWriter.stInfo.uiLineIndex = stWriter.uiLine;
@@ -177,6 +244,25 @@ void Put_Byte(QuibCaptionParserInfo &stInfo, uint32_t uiByte)
     stInfo.aucOutText[stInfo.uiOutTextLength++] = static_cast<uint8_t>(uiByte);
 }
 
+/** Write units to the output text from uiLength on, as far as there is room for two bytes. @return its new
+ * length. */
+uint32_t Put_AnsiUnits(uint8_t *pucText, uint32_t uiLength, const uint16_t *pusUnits, uint32_t uiUnits)
+{
+    for (uint32_t uiPos = 0; uiPos < uiUnits && uiLength <= LAST_PAIR_POS;) {
+        if (uiUnits - uiPos >= BLOCK_UNITS && LAST_PAIR_POS - uiLength >= BLOCK_UNITS &&
+            Narrow_Block(pucText + uiLength, pusUnits + uiPos)) {
+            uiPos += BLOCK_UNITS;
+            uiLength += BLOCK_UNITS;
+            continue;
+        }
+        const uint32_t uiUnit = pusUnits[uiPos++];
+        if (uiUnit >= 0x80)
+            pucText[uiLength++] = static_cast<uint8_t>(uiUnit >> 8); // double-byte, or a high single byte
+        pucText[uiLength++] = static_cast<uint8_t>(uiUnit);
+    }
+    return uiLength;
+}
+
 AppendResult Append_AnsiLine(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits,
                              bool bMerged)
 {
@@ -188,11 +274,7 @@ AppendResult Append_AnsiLine(QuibCaptionParserInfo &stInfo, const uint16_t *pusU
         }
         Put_Byte(stInfo, '\n');
     }
-    for (uint32_t uiPos = 0; uiPos < uiUnits && stInfo.uiOutTextLength <= LAST_PAIR_POS; ++uiPos) {
-        const uint32_t uiUnit = pusUnits[uiPos];
-        if (uiUnit >= 0x80) Put_Byte(stInfo, uiUnit >> 8); // a double-byte character, or a high single byte
-        Put_Byte(stInfo, uiUnit & 0xFF);
-    }
+    stInfo.uiOutTextLength = Put_AnsiUnits(stInfo.aucOutText, stInfo.uiOutTextLength, pusUnits, uiUnits);
     return E_APPEND_DONE;
 }
 

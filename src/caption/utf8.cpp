@@ -1,6 +1,11 @@
 
 #include "zyr/quib_caption.h"
 
+#include <cstddef>
+#include <cstring>
+
+#include "parser/byte_block.h"
+
 namespace
 {
 
@@ -23,12 +28,20 @@ bool Is_LowSurrogate(uint32_t uiUnit)
     return uiUnit - 0xDC00 < 0x400;
 }
 
-/** Read the character at *piPos and step over it. */
-uint32_t Take_Character(const uint16_t *pusSource, int32_t iUnits, int32_t *piPos)
+/** Text being encoded. */
+struct Utf8Writer {
+    const uint16_t *pusUnit; // next unit
+    const uint16_t *pusEnd;
+    uint8_t *pucNext; // where the next byte goes
+    uint8_t *pucLast; // last byte of the room, kept for the zero
+};
+
+/** Read the character at the next unit. */
+uint32_t Take_Character(Utf8Writer &stWriter)
 {
-    const uint32_t uiUnit = pusSource[(*piPos)++];
-    if (Is_HighSurrogate(uiUnit) && *piPos < iUnits && Is_LowSurrogate(pusSource[*piPos]))
-        return 0x10000 + ((uiUnit - 0xD800) << 10) + (pusSource[(*piPos)++] - 0xDC00u);
+    const uint32_t uiUnit = *stWriter.pusUnit++;
+    if (Is_HighSurrogate(uiUnit) && stWriter.pusUnit < stWriter.pusEnd && Is_LowSurrogate(*stWriter.pusUnit))
+        return 0x10000 + ((uiUnit - 0xD800) << 10) + (*stWriter.pusUnit++ - 0xDC00u);
     return Is_Surrogate(uiUnit) ? REPLACEMENT : uiUnit;
 }
 
@@ -49,36 +62,68 @@ inline void Put_Utf8(uint8_t *pucTarget, uint32_t uiCode, int32_t iBytes)
     pucTarget[0] = static_cast<uint8_t>(LEADS[iBytes] | uiCode);
 }
 
+/** @return the three bytes of a unit from 0x800 on, the first one lowest, and a zero. */
+constexpr uint32_t Get_ThreeBytes(uint32_t uiUnit)
+{
+    return 0x8080E0 | uiUnit >> 12 | (uiUnit << 2 & 0x3F00) | (uiUnit << 16 & 0x3F0000);
+}
+
+/** @return whether the next units are ASCII and a block of them, which is taken then. */
+inline bool Take_AsciiBlock(Utf8Writer &stWriter)
+{
+    constexpr ptrdiff_t BLOCK = BLOCK_UNITS;
+    if (stWriter.pusEnd - stWriter.pusUnit < BLOCK || stWriter.pucLast - stWriter.pucNext < BLOCK ||
+        stWriter.pusUnit[1] >= 0x80 || !Narrow_Block(stWriter.pucNext, stWriter.pusUnit))
+        return false;
+    stWriter.pusUnit += BLOCK;
+    stWriter.pucNext += BLOCK;
+    return true;
+}
+
+/**
+ * Encode the usual units, ASCII and those of three bytes up to the surrogates, while four bytes fit: that
+ * takes no test of each unit's room. A unit of another kind or one near the end of the room stands there
+ * then.
+ */
+void Encode_UsualUnits(Utf8Writer &stTaken)
+{
+    Utf8Writer stWriter = stTaken; // a copy that the target's bytes cannot alias
+    while (stWriter.pusUnit < stWriter.pusEnd && stWriter.pucLast - stWriter.pucNext >= LONGEST_UNIT_BYTES) {
+        const uint32_t uiUnit = *stWriter.pusUnit;
+        if (uiUnit - 0x800 < 0xD800 - 0x800) {
+            const uint32_t uiBytes = Get_ThreeBytes(uiUnit);
+            std::memcpy(stWriter.pucNext, &uiBytes, sizeof(uiBytes));
+            stWriter.pucNext += LONGEST_UNIT_BYTES;
+            ++stWriter.pusUnit;
+        } else if (uiUnit >= 0x80) {
+            break;
+        } else if (!Take_AsciiBlock(stWriter)) {
+            *stWriter.pucNext++ = static_cast<uint8_t>(uiUnit);
+            ++stWriter.pusUnit;
+        }
+    }
+    stTaken = stWriter;
+}
+
 } // namespace
 
 int32_t _UnicodeToUTF8(const uint16_t *pusSource, int32_t iUnits, uint8_t *pucTarget, int32_t iSize)
 {
     if (pucTarget == nullptr || iSize < 1) return 0;
-    int32_t iWritten = 0;
-    for (int32_t iPos = 0; pusSource != nullptr && iPos < iUnits;) {
-        // While the longest form of a single unit fits, the two usual lengths need no further test.
-        while (iPos < iUnits && iWritten + LONGEST_UNIT_BYTES < iSize) {
-            const uint32_t uiUnit = pusSource[iPos];
-            if (uiUnit < 0x80) {
-                pucTarget[iWritten++] = static_cast<uint8_t>(uiUnit);
-            } else if (uiUnit >= 0x800 && !Is_Surrogate(uiUnit)) {
-                Put_Utf8(pucTarget + iWritten, uiUnit, LONGEST_UNIT_BYTES);
-                iWritten += LONGEST_UNIT_BYTES;
-            } else {
-                break;
-            }
-            ++iPos;
-        }
-        if (iPos == iUnits) break;
-        const uint32_t uiCode = Take_Character(pusSource, iUnits, &iPos);
+    const int32_t iTaken = pusSource == nullptr || iUnits < 0 ? 0 : iUnits;
+    Utf8Writer stWriter = {pusSource, pusSource + iTaken, pucTarget, pucTarget + iSize - 1};
+    for (;;) {
+        Encode_UsualUnits(stWriter);
+        if (stWriter.pusUnit == stWriter.pusEnd) break;
+        const uint32_t uiCode = Take_Character(stWriter);
         const int32_t iBytes = Get_Utf8Bytes(uiCode);
-        if (iWritten + iBytes >= iSize) {
-            pucTarget[iWritten] = 0;
+        if (stWriter.pucLast - stWriter.pucNext < iBytes) {
+            *stWriter.pucNext = 0;
             return 0;
         }
-        Put_Utf8(pucTarget + iWritten, uiCode, iBytes);
-        iWritten += iBytes;
+        Put_Utf8(stWriter.pucNext, uiCode, iBytes);
+        stWriter.pucNext += iBytes;
     }
-    pucTarget[iWritten] = 0;
-    return iWritten;
+    *stWriter.pucNext = 0;
+    return static_cast<int32_t>(stWriter.pucNext - pucTarget);
 }

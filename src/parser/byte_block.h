@@ -1,6 +1,7 @@
 /*
- * Sixteen bytes of text at a step: where is the first one that a parser must look at? One form for SSE2, one
- * for NEON, and one on 64-bit words for every other little-endian machine.
+ * Sixteen bytes of text at a step: where is the first one that a parser must look at, which units are blanks,
+ * and what needs no conversion? One form for SSE2, one for NEON, and one on 64-bit words for every other
+ * little-endian machine.
  */
 #pragma once
 
@@ -83,6 +84,28 @@ inline uint32_t Find_StopUnit(const uint8_t *pucBytes, bool bBigEndian, bool bPr
     return uiMask == 0 ? BLOCK_UNITS : static_cast<uint32_t>(std::countr_zero(uiMask)) / 2;
 }
 
+/** Copy 8 units, tabs as blanks. @return a bit for each unit, the first one lowest: it is a blank now. */
+inline uint32_t Copy_TextBlock(uint16_t *pusTarget, const uint16_t *pusSource)
+{
+    const __m128i stUnits = _mm_loadu_si128(reinterpret_cast<const __m128i *>(pusSource));
+    const __m128i stBlank = _mm_set1_epi16(0x20);
+    const __m128i stTab = _mm_cmpeq_epi16(stUnits, _mm_set1_epi16('\t'));
+    const __m128i stCopy = _mm_or_si128(_mm_andnot_si128(stTab, stUnits), _mm_and_si128(stTab, stBlank));
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(pusTarget), stCopy);
+    const __m128i stHit = _mm_packs_epi16(_mm_cmpeq_epi16(stCopy, stBlank), _mm_setzero_si128());
+    return static_cast<uint32_t>(_mm_movemask_epi8(stHit));
+}
+
+/** Write 8 units, from any address, as bytes if all of them are below 0x80. @return whether they are. */
+inline bool Narrow_Block(uint8_t *pucTarget, const void *pvUnits)
+{
+    const __m128i stUnits = _mm_loadu_si128(static_cast<const __m128i *>(pvUnits));
+    const __m128i stHigh = _mm_cmpeq_epi16(_mm_srli_epi16(stUnits, 7), _mm_setzero_si128());
+    if (_mm_movemask_epi8(stHigh) != 0xFFFF) return false;
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(pucTarget), _mm_packus_epi16(stUnits, stUnits));
+    return true;
+}
+
 #elif defined(__ARM_NEON)
 
 /** Four bits per byte of a comparison's result. */
@@ -128,6 +151,27 @@ inline uint32_t Find_StopUnit(const uint8_t *pucBytes, bool bBigEndian, bool bPr
         ullMask |= ullBlank & ((ullBlank << 8) | (bPrevBlank ? 0xFFu : 0u));
     }
     return ullMask == 0 ? BLOCK_UNITS : static_cast<uint32_t>(std::countr_zero(ullMask)) / 8;
+}
+
+inline uint32_t Copy_TextBlock(uint16_t *pusTarget, const uint16_t *pusSource)
+{
+    constexpr uint8_t UNIT_BITS[] = {1, 2, 4, 8, 16, 32, 64, 128};
+    const uint16x8_t stBlank = vdupq_n_u16(0x20);
+    const uint16x8_t stUnits = vld1q_u16(pusSource);
+    const uint16x8_t stCopy = vbslq_u16(vceqq_u16(stUnits, vdupq_n_u16('\t')), stBlank, stUnits);
+    vst1q_u16(pusTarget, stCopy);
+    uint8x8_t stBits = vand_u8(vmovn_u16(vceqq_u16(stCopy, stBlank)), vld1_u8(UNIT_BITS));
+    for (uint32_t uiStep = 0; uiStep < 3; ++uiStep) stBits = vpadd_u8(stBits, stBits);
+    return vget_lane_u8(stBits, 0);
+}
+
+inline bool Narrow_Block(uint8_t *pucTarget, const void *pvUnits)
+{
+    const uint16x8_t stUnits = vreinterpretq_u16_u8(vld1q_u8(static_cast<const uint8_t *>(pvUnits)));
+    const uint8x8_t stHigh = vqmovn_u16(vshrq_n_u16(stUnits, 7));
+    if (vget_lane_u64(vreinterpret_u64_u8(stHigh), 0) != 0) return false;
+    vst1_u8(pucTarget, vmovn_u16(stUnits));
+    return true;
 }
 
 #else
@@ -177,6 +221,28 @@ inline uint32_t Find_StopUnit(const uint8_t *pucBytes, bool bBigEndian, bool bPr
         bPrevBlank = uiCode == 0x20;
     }
     return BLOCK_UNITS;
+}
+
+inline uint32_t Copy_TextBlock(uint16_t *pusTarget, const uint16_t *pusSource)
+{
+    uint32_t uiBlanks = 0;
+    for (uint32_t uiUnit = 0; uiUnit < BLOCK_UNITS; ++uiUnit) {
+        const bool bBlank = pusSource[uiUnit] == 0x20 || pusSource[uiUnit] == '\t';
+        pusTarget[uiUnit] = bBlank ? uint16_t{0x20} : pusSource[uiUnit];
+        uiBlanks |= (bBlank ? 1u : 0u) << uiUnit;
+    }
+    return uiBlanks;
+}
+
+inline bool Narrow_Block(uint8_t *pucTarget, const void *pvUnits)
+{
+    uint16_t ausUnit[BLOCK_UNITS];
+    std::memcpy(ausUnit, pvUnits, sizeof(ausUnit));
+    uint32_t uiAll = 0;
+    for (const uint16_t usUnit : ausUnit) uiAll |= usUnit;
+    if (uiAll >= 0x80) return false;
+    for (const uint16_t usUnit : ausUnit) *pucTarget++ = static_cast<uint8_t>(usUnit);
+    return true;
 }
 
 #endif
