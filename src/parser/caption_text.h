@@ -29,14 +29,11 @@ inline void Append_FoldedBlank()
     stInfo.ucPrevBlank = 1;
 }
 
-/** Put a plain unit into the convert buffer, and with it the plain units that the read buffer holds behind
- * it. */
+/** Put the plain units that the read buffer holds into the convert buffer. */
 template <StopUnits STOPS>
-inline void Append_PlainText(uint16_t usUnit)
+inline void Append_PlainRun()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    stInfo.ucPrevBlank = 0;
-    Append_Unit(usUnit);
     while (stInfo.uiConvLength + 1 < s_uiConvBufSize) {
         const PlainRun stRun =
             Take_PlainRun<STOPS>(stInfo.pusConvBuf + stInfo.uiConvLength,
@@ -53,6 +50,16 @@ inline void Collect_TagUnit(uint16_t usUnit, uint32_t uiMax)
 {
     TagControlInfo &stTag = *s_pstTagControlInfo;
     if (stTag.uiTagLength < uiMax) stTag.ausTagBuf[stTag.uiTagLength++] = usUnit;
+}
+
+/** Put the plain units that the read buffer holds into the tag buffer, as far as they fit. */
+template <StopUnits STOPS>
+inline void Collect_TagRun()
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    stTag.uiTagLength +=
+        Take_PlainRun<STOPS>(stTag.ausTagBuf + stTag.uiTagLength, TAG_TEXT_UNITS - stTag.uiTagLength, false)
+            .uiUnits;
 }
 
 /** Where markup text stands. */
@@ -84,7 +91,7 @@ inline MarkupState Step_MarkupText(uint16_t usChar)
         Begin_Markup(usChar);
         return usChar == '<' ? E_MARKUP_TAG : E_MARKUP_ENTITY;
     }
-    if (!STOPS.Holds(usChar)) Append_PlainText<STOPS>(usChar);
+    if (!STOPS.Holds(usChar)) Append_Unit(usChar);
     return E_MARKUP_TEXT;
 }
 
@@ -104,4 +111,16 @@ constexpr uint32_t ENTRY_END_UNITS = 4;
 constexpr bool Matches_EntryEnd(uint32_t uiMatched, uint16_t usChar)
 {
     return usChar == (uiMatched % 2 == 0 ? '\r' : '\n');
+}
+
+/** Take the units of the pattern that the read buffer holds, uiMatched of which have been seen. @return units
+ * seen now. */
+inline uint32_t Take_EntryEnd(uint32_t uiMatched)
+{
+    Take_AsciiUnits([&uiMatched](uint8_t ucUnit) {
+        if (uiMatched == ENTRY_END_UNITS || !Matches_EntryEnd(uiMatched, ucUnit)) return false;
+        ++uiMatched;
+        return true;
+    });
+    return uiMatched;
 }

@@ -55,16 +55,6 @@ constexpr StopUnits NAME_STOPS = {6, {'<', '>', ' ', '\t', '\r', '\n'}, false};
 constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
 constexpr StopUnits TEXT_STOPS = {6, {0, '\t', '\n', '\r', '<', '&'}, true};
 
-/** Put the plain units that the read buffer holds into the tag buffer, as far as they fit. */
-template <StopUnits STOPS>
-void Collect_TagRun()
-{
-    TagControlInfo &stTag = *s_pstTagControlInfo;
-    stTag.uiTagLength +=
-        Take_PlainRun<STOPS>(stTag.ausTagBuf + stTag.uiTagLength, TAG_TEXT_UNITS - stTag.uiTagLength, false)
-            .uiUnits;
-}
-
 /** @return whether the tag buffer holds exactly this text, ASCII case aside. */
 template <uint32_t BYTES>
 bool Is_TagText(const char (&szText)[BYTES])
@@ -110,7 +100,7 @@ bool Take_UsualParagraph(const CaptionClassInfo &stClass)
     const BufferUnits stUnits = Get_BufferUnits();
     uint16_t ausName[ZYR_CLASS_NAME_UNITS];
     uint32_t uiNameUnits = 0;
-    const uint32_t uiUnits = stUnits.bEnough ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
+    const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
     if (uiUnits == 0 || uiNameUnits != stClass.uiNameLength ||
         !std::equal(ausName, ausName + uiNameUnits, stClass.ausName))
         return false;
@@ -123,7 +113,7 @@ void Take_UsualHead(SamiFrame &stFrame)
 {
     const BufferUnits stUnits = Get_BufferUnits();
     uint32_t uiStart = 0;
-    const uint32_t uiUnits = stUnits.bEnough ? Match_SyncTag(stUnits, &uiStart) : 0;
+    const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_SyncTag(stUnits, &uiStart) : 0;
     if (uiUnits == 0) return;
     Take_BufferUnits(stUnits, uiUnits);
     stFrame.iStart = static_cast<int32_t>(uiStart);
@@ -261,7 +251,7 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
 bool Is_SyncAhead()
 {
     const BufferUnits stUnits = Get_BufferUnits();
-    return stUnits.bEnough && Begins_With(stUnits, SYNC_NAME);
+    return Holds_UsualTag(stUnits) && Begins_With(stUnits, SYNC_NAME);
 }
 
 SamiFrameState Get_MarkupState(MarkupState eState)
@@ -358,6 +348,7 @@ void Start_Frame(SamiFrame &stFrame, int64_t llFilePos)
 
 void Read_Unit(SamiFrame &stFrame)
 {
+    if (stFrame.eState == E_FRAME_TEXT) Append_PlainRun<TEXT_STOPS>();
     uint16_t usChar = 0;
     const int32_t iResult = Get_CharCode(stFrame.hFile, &usChar, 0);
     if (iResult > 0) {

@@ -356,7 +356,7 @@ bool Is_OtherTag(const BufferUnits &stUnits)
 bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
 {
     const BufferUnits stUnits = Get_BufferUnits();
-    if (!stUnits.bEnough || stUnits[0] != '<') return false;
+    if (!Holds_UsualTag(stUnits) || stUnits[0] != '<') return false;
     if (Is_OtherTag(stUnits)) {
         stScan.bSyncOpen = false;
         stScan.llBytes += Take_BufferUnits(stUnits, 1);

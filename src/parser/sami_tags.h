@@ -1,47 +1,19 @@
-/*
- * The usual forms of the two tags that make up a SAMI file, straight from the read buffer. Nearly all SYNC
- * and P tags have them; all others, and those that the buffer's end cuts, are left to the state machines.
- */
+/* The usual forms of the two tags that make up a SAMI file. */
 #pragma once
 
 #include <cstdint>
 #include <cstring>
 
-#include "caption/parser_state.h"
+#include "parser/buffer_units.h"
 #include "parser/text_helpers.h"
 
 constexpr uint32_t USUAL_TAG_UNITS = 32; // more than such a tag has
 constexpr uint32_t USUAL_DIGITS = 9;     // of a time: no overflow
 
-/** The next units of the read buffer, as long as they are single bytes or UTF-16. */
-struct BufferUnits {
-    const uint8_t *pucBytes;
-    uint32_t uiUnitBytes; // 1 or 2
-    uint32_t uiLow;       // byte of a unit that holds its low half
-    bool bEnough;         // USUAL_TAG_UNITS units are there
-
-    uint32_t operator[](uint32_t uiPos) const
-    {
-        if (uiUnitBytes == 1) return pucBytes[uiPos];
-        return pucBytes[2 * uiPos + uiLow] | static_cast<uint32_t>(pucBytes[2 * uiPos + 1 - uiLow]) << 8;
-    }
-};
-
-inline BufferUnits Get_BufferUnits()
+/** @return whether the read buffer holds more units than a usual tag has. */
+inline bool Holds_UsualTag(const BufferUnits &stUnits)
 {
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const uint32_t uiUnitBytes = s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u ? 2 : 1;
-    return {stInfo.pucStreamBuf + stInfo.iStreamBufIndex, uiUnitBytes,
-            s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1u : 0u,
-            stInfo.iStreamDataSize - stInfo.iStreamBufIndex >=
-                static_cast<int32_t>(USUAL_TAG_UNITS * uiUnitBytes)};
-}
-
-/** Take units off the read buffer. @return their bytes. */
-inline uint32_t Take_BufferUnits(const BufferUnits &stUnits, uint32_t uiNums)
-{
-    Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(uiNums * stUnits.uiUnitBytes);
-    return uiNums * stUnits.uiUnitBytes;
+    return stUnits.iNums >= static_cast<int32_t>(USUAL_TAG_UNITS);
 }
 
 /** A text in upper case of up to 16 units, and the bits of its bytes that count: of a letter all but the

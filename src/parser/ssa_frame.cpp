@@ -319,7 +319,7 @@ bool Step_Text(FrameScan &stScan, uint16_t usChar)
     case '\r': return Skip_Line(stScan);
     case '{': Begin_Escaped(stScan, E_SSA_OVERRIDE); return true;
     case '\\': Begin_Escaped(stScan, E_SSA_ESCAPE); return true;
-    default: Append_PlainText<TEXT_STOPS>(usChar); return true;
+    default: Append_Unit(usChar); return true;
     }
 }
 
@@ -459,6 +459,7 @@ int32_t FrameParser_SSA(void)
     else
         Hold_Run<KEY_STOPS>();
     for (;;) {
+        if (stScan.eState == E_SSA_TEXT) Append_PlainRun<TEXT_STOPS>();
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
         if (iResult < 0) {

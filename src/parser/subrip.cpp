@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "caption/line_output.h"
+#include "parser/buffer_units.h"
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
 #include "parser/html_tag.h"
@@ -78,11 +79,45 @@ void Check_TimeLine(SubRipScan &stScan)
     stScan.bLogged = true;
 }
 
-void Start_LineEnd(SubRipScan &stScan)
+/** A line of the current state has ended: its CR, or the LF too, has been seen. */
+void Start_LineEnd(SubRipScan &stScan, uint32_t uiMatched = 1)
 {
     stScan.eReturn = stScan.eState;
     stScan.eState = E_SRT_LINE_END;
-    stScan.uiMatched = 1; // the CR
+    stScan.uiMatched = Take_EntryEnd(uiMatched);
+    stScan.bEntryEnd = stScan.uiMatched == ENTRY_END_UNITS;
+}
+
+constexpr DigitPattern TIME_LINE("00:00:00,000 --> 00:00:00,000\r\n");
+constexpr uint32_t END_PLACE = 17;   // of the end time
+constexpr uint32_t USUAL_DIGITS = 9; // of an entry's number
+constexpr uint32_t USUAL_HEAD_UNITS = USUAL_DIGITS + 2 + TIME_LINE.uiUnits;
+
+/** Set the four numbers from uiFirst on to those of the time at a place of the pattern. */
+void Set_UsualTime(TimeLine &stTime, uint32_t uiFirst, const PatternDigits &stDigits, uint32_t uiPlace)
+{
+    for (uint32_t uiPair = 0; uiPair < 3; ++uiPair)
+        stTime.auiNumber[uiFirst + uiPair] = stDigits.Get_Pair(uiPlace + 3 * uiPair);
+    stTime.auiNumber[uiFirst + 3] = stDigits.Get_Pair(uiPlace + 9) * 10 + stDigits.aucDigit[uiPlace + 11];
+}
+
+/** Take an entry's number line and time line, if they stand at the read position in their usual form. @return
+ * whether they did. */
+bool Take_UsualHead(SubRipScan &stScan)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    if (stUnits.iNums < static_cast<int32_t>(USUAL_HEAD_UNITS)) return false;
+    uint32_t uiPos = 0;
+    while (uiPos < USUAL_DIGITS && Is_Digit(stUnits[uiPos])) ++uiPos;
+    if (uiPos == 0 || stUnits[uiPos] != '\r' || stUnits[uiPos + 1] != '\n') return false;
+    PatternDigits stDigits;
+    if (!Match_Pattern<TIME_LINE>(stUnits, uiPos + 2, &stDigits)) return false;
+    Take_BufferUnits(stUnits, uiPos + 2 + TIME_LINE.uiUnits);
+    Set_UsualTime(stScan.stTime, 0, stDigits, 0);
+    Set_UsualTime(stScan.stTime, TIME_NUMBERS / 2, stDigits, END_PLACE);
+    stScan.eState = E_SRT_AFTER_TIME;
+    Start_LineEnd(stScan, 2);
+    return true;
 }
 
 // One function per state that the frame parser and the seek share. Each gives whether its unit is done with;
@@ -182,6 +217,7 @@ bool Is_HeaderState(SubRipState eState)
 // ---- Frame parser ----
 
 constexpr StopUnits TEXT_STOPS = {5, {0, '\t', '\r', '<', '&'}, true};
+constexpr StopUnits TAG_STOPS = {3, {'\r', '<', '>'}, false};
 
 /** The text states stand in the order of MarkupState. */
 SubRipState Get_MarkupState(MarkupState eState)
@@ -199,7 +235,10 @@ bool Step_Text(SubRipScan &stScan, uint16_t usChar)
 bool Step_FrameTag(SubRipScan &stScan, uint16_t usChar)
 {
     stScan.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
-    if (usChar == '\r') Start_LineEnd(stScan); // a tag may span lines
+    if (usChar == '\r')
+        Start_LineEnd(stScan); // a tag may span lines
+    else if (stScan.eState == E_SRT_TAG)
+        Collect_TagRun<TAG_STOPS>();
     return true;
 }
 
@@ -330,7 +369,9 @@ int32_t FrameParser_SubRip(void)
     pstQuibCaptionParserInfo->llCurrFilePos = Get_ReadPosition(hFile);
     pstQuibCaptionParserInfo->uiConvLength = 0; // text of a frame that failed in the middle
     SubRipScan stScan = {};
-    for (;;) {
+    Take_UsualHead(stScan);
+    while (!stScan.bEntryEnd) {
+        if (stScan.eState == E_SRT_TEXT) Append_PlainRun<TEXT_STOPS>();
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
         if (iResult < 0) return Fail_Read(FRAME_PARSER_NAME, iResult);
@@ -339,8 +380,8 @@ int32_t FrameParser_SubRip(void)
             return Is_HeaderState(stScan.eState) ? NO_CAPTION_DATA : Complete_Frame(stScan);
         }
         while (!Step_Frame(stScan, usChar)) {}
-        if (stScan.bEntryEnd) return Complete_Frame(stScan);
     }
+    return Complete_Frame(stScan);
 }
 
 int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,

@@ -1,6 +1,7 @@
 // SubViewer frames: a time line, text lines, an empty line; frame after frame, in file order. Every line ends
 // with CR LF. There is no index, so a seek scans.
 
+#include "parser/buffer_units.h"
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
 #include "parser/seek_index.h"
@@ -80,6 +81,41 @@ void Log_BadTime(SubViewerScan &stScan)
     stScan.bLogged = true;
 }
 
+constexpr DigitPattern TIME_LINE("00:00:00.00,00:00:00.00\r\n");
+constexpr uint32_t END_PLACE = 12; // of the end time
+
+/** @return ms of the time at a place of the pattern. */
+uint32_t Get_UsualTime(const PatternDigits &stDigits, uint32_t uiPlace)
+{
+    const uint32_t uiMinutes = stDigits.Get_Pair(uiPlace) * 60 + stDigits.Get_Pair(uiPlace + 3);
+    const uint32_t uiSeconds = uiMinutes * 60 + stDigits.Get_Pair(uiPlace + 6);
+    return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 9) * 10;
+}
+
+/** Note that a line has ended: its CR, or the LF too, may have been seen. */
+void Begin_LineEnd(SubViewerScan &stScan, uint32_t uiMatched)
+{
+    stScan.eState = E_SUB_LINE_END;
+    stScan.uiMatched = uiMatched == 0 ? 0 : Take_EntryEnd(uiMatched);
+    stScan.bFrameEnd = stScan.uiMatched == ENTRY_END_UNITS;
+}
+
+/** Take the usual time line at the read position, if it stands there. @return whether it did. */
+bool Take_UsualTimes(SubViewerScan &stScan)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    PatternDigits stDigits;
+    if (stUnits.iNums < static_cast<int32_t>(TIME_LINE.uiUnits) ||
+        !Match_Pattern<TIME_LINE>(stUnits, 0, &stDigits))
+        return false;
+    Take_BufferUnits(stUnits, TIME_LINE.uiUnits);
+    stScan.auiTime[0] = Get_UsualTime(stDigits, 0);
+    stScan.auiTime[1] = Get_UsualTime(stDigits, END_PLACE);
+    stScan.bGood = true;
+    Begin_LineEnd(stScan, 2);
+    return true;
+}
+
 /** One unit of the time line. @return whether a good time line has just ended. */
 bool Step_Time(SubViewerScan &stScan, uint16_t usChar)
 {
@@ -92,8 +128,7 @@ bool Step_Time(SubViewerScan &stScan, uint16_t usChar)
     stScan.bGood = bLineEnd && Finish_EndTime(stScan);
     if (!stScan.bGood) Log_BadTime(stScan);
     if (bEmptyLine) return false;
-    stScan.uiMatched = usChar == '\r' ? 1 : 0;
-    stScan.eState = E_SUB_LINE_END;
+    Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
     return stScan.bGood;
 }
 
@@ -119,12 +154,6 @@ bool Step_LineEnd(SubViewerScan &stScan, uint16_t usChar)
     return true;
 }
 
-void Begin_LineEnd(SubViewerScan &stScan, uint16_t usChar)
-{
-    stScan.uiMatched = usChar == '\r' ? 1 : 0;
-    stScan.eState = E_SUB_LINE_END;
-}
-
 /** The next frame begins. */
 void Begin_Frame(SubViewerScan &stScan)
 {
@@ -140,7 +169,7 @@ constexpr uint32_t BREAK_TAG_UNITS = 4;
 void End_TextLine(SubViewerScan &stScan, uint16_t usChar)
 {
     Convert_CaptionStringToBitmap();
-    Begin_LineEnd(stScan, usChar);
+    Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
 }
 
 void Step_Text(SubViewerScan &stScan, uint16_t usChar)
@@ -156,7 +185,7 @@ void Step_Text(SubViewerScan &stScan, uint16_t usChar)
     } else if (Is_LineEnd(usChar)) {
         End_TextLine(stScan, usChar);
     } else {
-        Append_PlainText<TEXT_STOPS>(usChar);
+        Append_Unit(usChar);
     }
 }
 
@@ -241,7 +270,7 @@ void Step_Seek(SubViewerScan &stScan, SubViewerSeek &stSeek, uint16_t usChar)
     case E_SUB_LINE_END: Step_LineEnd(stScan, usChar); break;
     default:
         if (Is_LineEnd(usChar))
-            Begin_LineEnd(stScan, usChar);
+            Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
         else
             Skip_PlainRun<LINE_END_STOPS>();
         break;
@@ -270,7 +299,7 @@ int32_t Scan_Frames(void *hFile, SubViewerSeek &stSeek)
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
         if (iResult < 0) return Fail_Read(SEEK_NAME, iResult);
         Step_Seek(stScan, stSeek, usChar);
-        if (stScan.bFrameEnd) llReached = Pass_Frame(stScan, stSeek, hFile);
+        if (stScan.bFrameEnd && !stSeek.bBeyond) llReached = Pass_Frame(stScan, stSeek, hFile);
     }
     return llReached < 0 ? Fail_SeekMove(SEEK_NAME, llReached) : 1;
 }
@@ -285,7 +314,9 @@ int32_t FrameParser_SubViewer(void)
     pstQuibCaptionParserInfo->uiConvLength = 0;
     SubViewerScan stScan = {};
     stScan.pszFunction = "FrameParser_SubViewer";
-    for (;;) {
+    Take_UsualTimes(stScan);
+    while (!stScan.bFrameEnd) {
+        if (stScan.eState == E_SUB_TEXT) Append_PlainRun<TEXT_STOPS>();
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
         if (iResult < 0) return Fail_Read(stScan.pszFunction, iResult);
@@ -294,10 +325,9 @@ int32_t FrameParser_SubViewer(void)
             return stScan.eState == E_SUB_TIME ? NO_CAPTION_DATA : Complete_Frame(stScan);
         }
         Step_Frame(stScan, usChar);
-        if (!stScan.bFrameEnd) continue;
-        if (stScan.bGood) return Complete_Frame(stScan);
-        Begin_Frame(stScan); // a bad frame has been skipped
+        if (stScan.bFrameEnd && !stScan.bGood) Begin_Frame(stScan); // a bad frame has been skipped
     }
+    return Complete_Frame(stScan);
 }
 
 int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,

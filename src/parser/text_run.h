@@ -44,26 +44,34 @@ inline HighBytes Get_HighBytes()
                                                                                        : E_HIGH_UNKNOWN;
 }
 
+/** Decode a UTF-8 character of two or three bytes. @return its bytes, or 0 to leave it to the reader. */
+inline uint32_t Decode_Utf8(const uint8_t *pucByte, const uint8_t *pucEnd, uint16_t *pusUnit)
+{
+    uint32_t uiWord = 0;
+    if (pucEnd - pucByte >= static_cast<ptrdiff_t>(sizeof(uiWord)))
+        std::memcpy(&uiWord, pucByte, sizeof(uiWord));
+    else
+        std::memcpy(&uiWord, pucByte, static_cast<size_t>(pucEnd - pucByte));
+    uint32_t uiUnit = 0;
+    uint32_t uiBytes = 0;
+    if ((uiWord & 0xC0C0F0) == 0x8080E0) {
+        uiUnit = (uiWord & 0x0F) << 12 | (uiWord >> 2 & 0xFC0) | (uiWord >> 16 & 0x3F);
+        uiBytes = 3;
+    } else if ((uiWord & 0xC0E0) == 0x80C0) {
+        uiUnit = (uiWord & 0x1F) << 6 | (uiWord >> 8 & 0x3F);
+        uiBytes = 2;
+    }
+    *pusUnit = static_cast<uint16_t>(uiUnit);
+    return uiUnit < 0x80 ? 0 : uiBytes; // an overlong form may hide a stop unit
+}
+
 /** Decode a character that begins with a byte of 0x80 or above. @return its bytes, or 0 to leave it to the
  * reader. */
 inline uint32_t Decode_HighByte(const uint8_t *pucByte, const uint8_t *pucEnd, HighBytes eHigh,
                                 uint16_t *pusUnit)
 {
+    if (eHigh == E_HIGH_UTF8) return Decode_Utf8(pucByte, pucEnd, pusUnit);
     const uint32_t uiLead = pucByte[0];
-    if (eHigh == E_HIGH_UTF8) {
-        uint32_t uiUnit = 0;
-        uint32_t uiBytes = 0;
-        if ((uiLead & 0xF0) == 0xE0 && pucEnd - pucByte >= 3 && (pucByte[1] & 0xC0) == 0x80 &&
-            (pucByte[2] & 0xC0) == 0x80) {
-            uiUnit = ((uiLead & 0x0F) << 12) | ((pucByte[1] & 0x3Fu) << 6) | (pucByte[2] & 0x3Fu);
-            uiBytes = 3;
-        } else if ((uiLead & 0xE0) == 0xC0 && pucEnd - pucByte >= 2 && (pucByte[1] & 0xC0) == 0x80) {
-            uiUnit = ((uiLead & 0x1F) << 6) | (pucByte[1] & 0x3Fu);
-            uiBytes = 2;
-        }
-        *pusUnit = static_cast<uint16_t>(uiUnit);
-        return uiUnit < 0x80 ? 0 : uiBytes; // an overlong form may hide a stop unit
-    }
     if (eHigh == E_HIGH_SINGLE) {
         *pusUnit = static_cast<uint16_t>(uiLead);
         return 1;
@@ -81,31 +89,25 @@ inline PlainRun Take_ByteRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uin
     const HighBytes eHigh = Get_HighBytes();
     uint32_t uiUnits = 0;
     while (uiUnits < uiMax && pucByte < pucEnd) {
-        if (uiMax - uiUnits >= BLOCK_BYTES && pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES)) {
+        if (*pucByte >= 0x80) {
+            const uint32_t uiBytes = Decode_HighByte(pucByte, pucEnd, eHigh, &pusTarget[uiUnits]);
+            if (uiBytes == 0) break;
+            bPrevBlank = false;
+            pucByte += uiBytes;
+            ++uiUnits;
+        } else if (uiMax - uiUnits >= BLOCK_BYTES &&
+                   pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES) &&
+                   pucByte[1] < 0x80) { // not a single blank between words of other characters
             const uint32_t uiPlain = Find_StopByte<STOPS, false>(pucByte, bPrevBlank);
             Store_Units(pusTarget + uiUnits, pucByte);
             uiUnits += uiPlain;
             pucByte += uiPlain;
             if (uiPlain > 0) bPrevBlank = pucByte[-1] == 0x20;
-            if (uiPlain == BLOCK_BYTES) continue;
-        }
-        if (*pucByte < 0x80) {
+            if (uiPlain < BLOCK_BYTES && *pucByte < 0x80) break;
+        } else {
             if (STOP_TABLE<STOPS>.Is_Stop(*pucByte, bPrevBlank)) break;
             bPrevBlank = *pucByte == 0x20;
             pusTarget[uiUnits++] = *pucByte++;
-            continue;
-        }
-        const uint32_t uiBytes = Decode_HighByte(pucByte, pucEnd, eHigh, &pusTarget[uiUnits]);
-        if (uiBytes == 0) break;
-        bPrevBlank = false;
-        pucByte += uiBytes;
-        ++uiUnits;
-        while (uiUnits < uiMax && pucByte < pucEnd &&
-               *pucByte >= 0x80) { // such characters rarely stand alone
-            const uint32_t uiMore = Decode_HighByte(pucByte, pucEnd, eHigh, &pusTarget[uiUnits]);
-            if (uiMore == 0) break;
-            pucByte += uiMore;
-            ++uiUnits;
         }
     }
     stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
@@ -202,7 +204,7 @@ inline const uint8_t *Unskip_Dropped(const uint8_t *pucStart, const uint8_t *puc
     const uint8_t *pucBehindChar = pucByte;
     while (pucByte < pucStop) {
         uint16_t usUnit = 0;
-        const uint32_t uiBytes = Decode_HighByte(pucByte, pucStop, E_HIGH_UTF8, &usUnit);
+        const uint32_t uiBytes = Decode_Utf8(pucByte, pucStop, &usUnit);
         pucByte += uiBytes == 0 ? 1 : uiBytes;
         if (uiBytes != 0) pucBehindChar = pucByte;
     }
