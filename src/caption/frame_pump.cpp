@@ -243,7 +243,7 @@ int32_t QUIB_CAPTION_ParsingProcess(void)
     Prepare_CaptionFrame();
     if (Is_Frame(pstParser->pfFrameParser())) {
         Copy_Back();
-        Display_LineBitmapDataToDisplayBuffer();
+        Show_StreamLines();
         return FRAME_READY;
     }
     if (Get_StreamInfo().iStreamDataSize >= 0 && !Is_AtEnd()) Log_ParsingFailed();

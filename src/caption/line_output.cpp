@@ -181,7 +181,7 @@ void Note_Run(LineWriter &stWriter, uint64_t ullBlanks, uint32_t uiUnits)
         stTable.uiWordStart = stWriter.uiLength + Get_LastBit(ullWordStarts);
     else if (ullBlankStarts != 0)
         stTable.uiWordStart = 0;
-    stTable.uiInBlank = static_cast<uint32_t>(ullBlanks >> (uiUnits - 1) & 1);
+    stTable.uiInBlank = (ullBlanks & ~Get_LowBits(uiUnits - 1)) != 0 ? 1 : 0;
     const uint32_t uiWordUnits = uiUnits - Count_Bits(ullBlanks);
     stWriter.Get_Line().uiWordUnits += uiWordUnits;
     stInfo.uiWordUnits += uiWordUnits;
@@ -355,9 +355,8 @@ void Merge_Times()
 
 } // namespace
 
-void Convert_CaptionStringToBitmap(void)
+void Lay_Out_Text()
 {
-    if (!Is_StreamReady()) return;
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     const uint32_t uiUnits = stInfo.uiConvLength < CONV_BUF_UNITS ? stInfo.uiConvLength : CONV_BUF_UNITS;
     stInfo.uiConvLength = 0;
@@ -372,6 +371,11 @@ void Convert_CaptionStringToBitmap(void)
         Start_EmptyLine(stWriter);
     }
     Lay_Out(stWriter, pusUnit, pusEnd);
+}
+
+void Convert_CaptionStringToBitmap(void)
+{
+    if (Is_StreamReady()) Lay_Out_Text();
 }
 
 void Break_OutputLine()
@@ -447,9 +451,8 @@ void Clear_LineTable(uint32_t uiStream)
     }
 }
 
-void Display_LineBitmapDataToDisplayBuffer(void)
+void Show_StreamLines()
 {
-    if (!Is_StreamReady()) return;
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     Clear_OutputBlock();
     stInfo.uiOutStreamIndex = stInfo.uiCurrStream;
@@ -460,6 +463,11 @@ void Display_LineBitmapDataToDisplayBuffer(void)
     for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine)
         if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
             return;
+}
+
+void Display_LineBitmapDataToDisplayBuffer(void)
+{
+    if (Is_StreamReady()) Show_StreamLines();
 }
 
 void Display_LineBitmapDataToDisplayBufferEx(void)

@@ -3,6 +3,12 @@
 
 #include <cstdint>
 
+/** Convert_CaptionStringToBitmap() while the stream is known to be ready. */
+void Lay_Out_Text();
+
+/** Display_LineBitmapDataToDisplayBuffer() while the stream is known to be ready. */
+void Show_StreamLines();
+
 /** Close the current output line, as a line break in the text does. An empty line is never closed. */
 void Break_OutputLine();
 

@@ -1,4 +1,3 @@
-
 #include "zyr/quib_caption.h"
 
 #include <cstddef>

@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -74,15 +75,15 @@ struct PatternDigits {
 template <uint32_t UNITS>
 bool Copy_AsciiBytes(uint8_t *pucTarget, const BufferUnits &stUnits, uint32_t uiFrom)
 {
-    const uint8_t *const pucBytes = stUnits.pucBytes + uiFrom * stUnits.uiUnitBytes;
+    const uint8_t *const pucBytes = stUnits.pucBytes + size_t{uiFrom} * stUnits.uiUnitBytes;
     if (stUnits.uiUnitBytes == 1) {
         std::memcpy(pucTarget, pucBytes, UNITS);
         return true;
     }
     constexpr uint32_t LAST = UNITS - BLOCK_UNITS; // the last block may overlap the one before
     for (uint32_t uiPos = 0; uiPos < LAST; uiPos += BLOCK_UNITS)
-        if (!Narrow_Block(pucTarget + uiPos, pucBytes + 2 * uiPos)) return false;
-    return Narrow_Block(pucTarget + LAST, pucBytes + 2 * LAST);
+        if (!Narrow_Block(pucTarget + uiPos, pucBytes + size_t{2} * uiPos)) return false;
+    return Narrow_Block(pucTarget + LAST, pucBytes + size_t{2} * LAST);
 }
 
 /** @return whether the units from uiFrom on, which must be there, follow a pattern. */

@@ -65,7 +65,7 @@ void Append_Units(const uint16_t *pusUnits, uint32_t uiNums)
 
 void Begin_Markup(uint16_t usFirst)
 {
-    Convert_CaptionStringToBitmap();
+    Lay_Out_Text();
     Restart_Markup(usFirst);
 }
 
@@ -110,6 +110,6 @@ MarkupStep Step_Entity(uint16_t usChar)
 
 void Complete_FrameText()
 {
-    Convert_CaptionStringToBitmap();
+    Lay_Out_Text();
     Close_LastLine();
 }

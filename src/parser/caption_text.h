@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "caption/line_output.h"
 #include "caption/parser_state.h"
 #include "parser/text_run.h"
 
@@ -14,7 +15,7 @@ inline void Append_Unit(uint16_t usUnit)
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     stInfo.pusConvBuf[stInfo.uiConvLength++] = usUnit;
-    if (stInfo.uiConvLength + 1 >= s_uiConvBufSize) Convert_CaptionStringToBitmap();
+    if (stInfo.uiConvLength + 1 >= s_uiConvBufSize) Lay_Out_Text();
 }
 
 /** Put units into the convert buffer as they are: blanks are not folded again. */
@@ -31,17 +32,18 @@ inline void Append_FoldedBlank()
 
 /** Put the plain units that the read buffer holds into the convert buffer. */
 template <StopUnits STOPS>
-inline void Append_PlainRun()
+void Append_PlainRun()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    while (stInfo.uiConvLength + 1 < s_uiConvBufSize) {
+    while (stInfo.uiConvLength + 1 < s_uiConvBufSize && !Is_StopAhead<STOPS>()) {
+        const uint32_t uiRoom = s_uiConvBufSize - 1 - stInfo.uiConvLength;
         const PlainRun stRun =
-            Take_PlainRun<STOPS>(stInfo.pusConvBuf + stInfo.uiConvLength,
-                                 s_uiConvBufSize - 1 - stInfo.uiConvLength, stInfo.ucPrevBlank != 0);
+            Take_PlainRun<STOPS>(stInfo.pusConvBuf + stInfo.uiConvLength, uiRoom, stInfo.ucPrevBlank != 0);
         if (stRun.uiUnits == 0) return;
         stInfo.uiConvLength += stRun.uiUnits;
-        if (stInfo.uiConvLength + 1 >= s_uiConvBufSize) Convert_CaptionStringToBitmap();
+        if (stRun.uiUnits == uiRoom) Lay_Out_Text();
         stInfo.ucPrevBlank = stRun.bLastBlank ? 1 : 0;
+        if (stRun.uiUnits < uiRoom) return;
     }
 }
 

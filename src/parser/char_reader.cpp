@@ -2,6 +2,7 @@
 
 #include "parser/encoding.h"
 #include "parser/seek_index.h"
+#include "parser/text_run.h"
 #include "zyr_log.h"
 
 namespace
@@ -18,6 +19,7 @@ StreamWindow s_astStreamWindow[ZYR_STREAM_MAX] = {};
 
 /** Where the reader left the file; anything else there means that somebody else moved it. -1 = not known. */
 int64_t s_llReaderPos = -1;
+void *s_hReaderFile = nullptr; // the file that this is known of
 
 constexpr uint32_t SHORT_FILL_BYTES = 512; // most frames fit
 constexpr uint32_t FILL_GROWTH = 8;        // a frame that does not fit is likely to be a long one
@@ -53,6 +55,12 @@ int32_t Take_Byte(void *hFile, uint8_t *pucByte)
     return 1;
 }
 
+uint16_t Get_Utf16Unit(const uint8_t *pucBytes, bool bBigEndian)
+{
+    return static_cast<uint16_t>(bBigEndian ? pucBytes[0] << 8 | pucBytes[1]
+                                            : pucBytes[1] << 8 | pucBytes[0]);
+}
+
 int32_t Get_Utf16Char(void *hFile, uint16_t *pusChar, bool bBigEndian)
 {
     uint8_t aucByte[2];
@@ -60,8 +68,7 @@ int32_t Get_Utf16Char(void *hFile, uint16_t *pusChar, bool bBigEndian)
         const int32_t iResult = Take_Byte(hFile, &ucByte);
         if (iResult <= 0) return iResult;
     }
-    *pusChar =
-        static_cast<uint16_t>(bBigEndian ? (aucByte[0] << 8) | aucByte[1] : (aucByte[1] << 8) | aucByte[0]);
+    *pusChar = Get_Utf16Unit(aucByte, bBigEndian);
     return 2;
 }
 
@@ -143,6 +150,22 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     return Convert_DoubleByte(aucByte, pusChar);
 }
 
+/** Take a character of Unicode text that the buffer holds whole and in good form. @return its bytes, or 0 */
+int32_t Take_BufferedChar(uint16_t *pusChar)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const int32_t iHeld = stInfo.iStreamDataSize - stInfo.iStreamBufIndex;
+    if (iHeld < 2 || s_uiTextEncoding == E_TEXT_ENCODING_ANSI) return 0;
+    const uint8_t *const pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    uint32_t uiBytes = 2;
+    if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8)
+        uiBytes = Decode_Utf8(pucByte, pucByte + iHeld, pusChar);
+    else
+        *pusChar = Get_Utf16Unit(pucByte, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
+    stInfo.iStreamBufIndex += static_cast<int32_t>(uiBytes);
+    return static_cast<int32_t>(uiBytes);
+}
+
 /** Seek to the file's start and read up to uiBytes bytes. @return bytes read, or a value below 1. */
 int32_t Read_FileStart(void *hFile, uint32_t uiBytes)
 {
@@ -185,6 +208,8 @@ uint32_t Scan_Encoding(void *hFile)
 
 int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 {
+    const int32_t iTaken = Take_BufferedChar(pusChar);
+    if (iTaken > 0) return iTaken;
     switch (s_uiTextEncoding) {
     case E_TEXT_ENCODING_UTF16LE: return Get_Utf16Char(hFile, pusChar, false);
     case E_TEXT_ENCODING_UTF16BE: return Get_Utf16Char(hFile, pusChar, true);
@@ -196,7 +221,9 @@ int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 int64_t Get_ReadPosition(void *hFile)
 {
     const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    return QUIBCAPTCB_FileTell(hFile) - stInfo.iStreamDataSize + stInfo.iStreamBufIndex;
+    const bool bKnown = s_llReaderPos >= 0 && hFile == s_hReaderFile;
+    return (bKnown ? s_llReaderPos : QUIBCAPTCB_FileTell(hFile)) - stInfo.iStreamDataSize +
+           stInfo.iStreamBufIndex;
 }
 
 int32_t Fill_StreamBuffer(void *hFile)
@@ -237,6 +264,7 @@ int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
         return llPos;
     }
     s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llPos, 0);
+    s_hReaderFile = hFile;
     if (s_llReaderPos < 0) return s_llReaderPos;
     const bool bReadingOn = bKnown && (llPos < stWindow.llStart ? stWindow.llStart - llPos < LOOK_AHEAD_BYTES
                                                                 : llPos - llEnd < NEAR_BYTES);
@@ -276,6 +304,7 @@ int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)
     stStream.iStreamBufIndex = 0;
     s_astStreamWindow[0] = {0, stStream.iStreamDataSize, 0};
     s_llReaderPos = stStream.iStreamDataSize;
+    s_hReaderFile = hFile;
 
     constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF16,
                                      E_OUTPUT_CHARSET_UTF8};

@@ -302,7 +302,7 @@ bool Step_TextStart(FrameScan &stScan)
 
 void Begin_Escaped(FrameScan &stScan, FrameState eState)
 {
-    Convert_CaptionStringToBitmap(); // what stands before it keeps its style
+    Lay_Out_Text(); // what stands before it keeps its style
     s_pstTagControlInfo->uiTagLength = 0;
     stScan.eState = eState;
 }

@@ -254,7 +254,7 @@ bool Step_FrameLineEnd(SubRipScan &stScan, uint16_t usChar)
     const LineEndStep eStep = Step_LineEnd(stScan, usChar);
     if (eStep == E_LINE_END_MATCH) return true;
     if (eStep == E_LINE_END_CRLF && stScan.eState == E_SRT_TEXT) {
-        Convert_CaptionStringToBitmap();
+        Lay_Out_Text();
         Execute_TagCommand(E_TAGCMD_LINE_BREAK, nullptr);
     }
     return false;

@@ -168,7 +168,7 @@ constexpr uint32_t BREAK_TAG_UNITS = 4;
 
 void End_TextLine(SubViewerScan &stScan, uint16_t usChar)
 {
-    Convert_CaptionStringToBitmap();
+    Lay_Out_Text();
     Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
 }
 

@@ -44,18 +44,26 @@ inline HighBytes Get_HighBytes()
                                                                                        : E_HIGH_UNKNOWN;
 }
 
+/** @return whether a word begins with three bytes of the form of one UTF-8 character. */
+constexpr bool Is_ThreeByteForm(uint32_t uiWord)
+{
+    return (uiWord & 0xC0C0F0) == 0x8080E0;
+}
+
+constexpr uint32_t Get_ThreeByteUnit(uint32_t uiWord)
+{
+    return (uiWord & 0x0F) << 12 | (uiWord >> 2 & 0xFC0) | (uiWord >> 16 & 0x3F);
+}
+
 /** Decode a UTF-8 character of two or three bytes. @return its bytes, or 0 to leave it to the reader. */
 inline uint32_t Decode_Utf8(const uint8_t *pucByte, const uint8_t *pucEnd, uint16_t *pusUnit)
 {
     uint32_t uiWord = 0;
-    if (pucEnd - pucByte >= static_cast<ptrdiff_t>(sizeof(uiWord)))
-        std::memcpy(&uiWord, pucByte, sizeof(uiWord));
-    else
-        std::memcpy(&uiWord, pucByte, static_cast<size_t>(pucEnd - pucByte));
+    std::memcpy(&uiWord, pucByte, pucEnd - pucByte >= 3 ? 3 : static_cast<size_t>(pucEnd - pucByte));
     uint32_t uiUnit = 0;
     uint32_t uiBytes = 0;
-    if ((uiWord & 0xC0C0F0) == 0x8080E0) {
-        uiUnit = (uiWord & 0x0F) << 12 | (uiWord >> 2 & 0xFC0) | (uiWord >> 16 & 0x3F);
+    if (Is_ThreeByteForm(uiWord)) {
+        uiUnit = Get_ThreeByteUnit(uiWord);
         uiBytes = 3;
     } else if ((uiWord & 0xC0E0) == 0x80C0) {
         uiUnit = (uiWord & 0x1F) << 6 | (uiWord >> 8 & 0x3F);
@@ -81,41 +89,48 @@ inline uint32_t Decode_HighByte(const uint8_t *pucByte, const uint8_t *pucEnd, H
     return 2;
 }
 
+/** How far the bytes and units of a run have been taken. */
+struct HighRun {
+    const uint8_t *pucByte;
+    uint16_t *pusNext;
+};
+
+/** Take characters that begin with a byte of 0x80 or above. @param[in] bBlanks  also blanks in front of such
+ * a character */
+void Take_HighUnits(HighRun &stRun, const uint8_t *pucEnd, const uint16_t *pusEnd, bool bBlanks);
+
 template <StopUnits STOPS>
-inline PlainRun Take_ByteRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
+PlainRun Take_ByteRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
 {
-    const uint8_t *pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    constexpr ptrdiff_t BLOCK = BLOCK_BYTES;
+    HighRun stRun = {stInfo.pucStreamBuf + stInfo.iStreamBufIndex, pusTarget};
     const uint8_t *const pucEnd = stInfo.pucStreamBuf + stInfo.iStreamDataSize;
-    const HighBytes eHigh = Get_HighBytes();
-    uint32_t uiUnits = 0;
-    while (uiUnits < uiMax && pucByte < pucEnd) {
-        if (*pucByte >= 0x80) {
-            const uint32_t uiBytes = Decode_HighByte(pucByte, pucEnd, eHigh, &pusTarget[uiUnits]);
-            if (uiBytes == 0) break;
-            bPrevBlank = false;
-            pucByte += uiBytes;
-            ++uiUnits;
-        } else if (uiMax - uiUnits >= BLOCK_BYTES &&
-                   pucEnd - pucByte >= static_cast<ptrdiff_t>(BLOCK_BYTES) &&
-                   pucByte[1] < 0x80) { // not a single blank between words of other characters
-            const uint32_t uiPlain = Find_StopByte<STOPS, false>(pucByte, bPrevBlank);
-            Store_Units(pusTarget + uiUnits, pucByte);
-            uiUnits += uiPlain;
-            pucByte += uiPlain;
-            if (uiPlain > 0) bPrevBlank = pucByte[-1] == 0x20;
-            if (uiPlain < BLOCK_BYTES && *pucByte < 0x80) break;
+    const uint16_t *const pusEnd = pusTarget + uiMax;
+    while (stRun.pusNext < pusEnd && stRun.pucByte < pucEnd) {
+        if (*stRun.pucByte >= 0x80) {
+            const uint16_t *const pusFirst = stRun.pusNext;
+            Take_HighUnits(stRun, pucEnd, pusEnd, !STOPS.Holds(0x20));
+            if (stRun.pusNext == pusFirst) break;
+            bPrevBlank = stRun.pusNext[-1] == 0x20;
+        } else if (pusEnd - stRun.pusNext >= BLOCK && pucEnd - stRun.pucByte >= BLOCK) {
+            const uint32_t uiPlain = Find_StopByte<STOPS, false>(stRun.pucByte, bPrevBlank);
+            Store_Units(stRun.pusNext, stRun.pucByte);
+            stRun.pusNext += uiPlain;
+            stRun.pucByte += uiPlain;
+            if (uiPlain > 0) bPrevBlank = stRun.pucByte[-1] == 0x20;
+            if (uiPlain < BLOCK_BYTES && *stRun.pucByte < 0x80) break;
         } else {
-            if (STOP_TABLE<STOPS>.Is_Stop(*pucByte, bPrevBlank)) break;
-            bPrevBlank = *pucByte == 0x20;
-            pusTarget[uiUnits++] = *pucByte++;
+            if (STOP_TABLE<STOPS>.Is_Stop(*stRun.pucByte, bPrevBlank)) break;
+            bPrevBlank = *stRun.pucByte == 0x20;
+            *stRun.pusNext++ = *stRun.pucByte++;
         }
     }
-    stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
-    return {uiUnits, bPrevBlank};
+    stInfo.iStreamBufIndex = static_cast<int32_t>(stRun.pucByte - stInfo.pucStreamBuf);
+    return {static_cast<uint32_t>(stRun.pusNext - pusTarget), bPrevBlank};
 }
 
 template <StopUnits STOPS>
-inline PlainRun Take_UnitRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
+PlainRun Take_UnitRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
 {
     const bool bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
     const uint8_t *const pucBytes = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
@@ -150,13 +165,23 @@ inline PlainRun Take_UnitRun(CaptionStreamInfo &stInfo, uint16_t *pusTarget, uin
  * one
  */
 template <StopUnits STOPS>
-inline PlainRun Take_PlainRun(uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
+PlainRun Take_PlainRun(uint16_t *pusTarget, uint32_t uiMax, bool bPrevBlank)
 {
     CaptionStreamInfo &stInfo = Get_StreamInfo();
     if (stInfo.iStreamBufIndex >= stInfo.iStreamDataSize) return {0, bPrevBlank};
     if (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u)
         return Take_UnitRun<STOPS>(stInfo, pusTarget, uiMax, bPrevBlank);
     return Take_ByteRun<STOPS>(stInfo, pusTarget, uiMax, bPrevBlank);
+}
+
+/** @return whether the next byte of single-byte or UTF-8 text is known to be a stop: a run would be empty. */
+template <StopUnits STOPS>
+inline bool Is_StopAhead()
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    return s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE > 1u &&
+           stInfo.iStreamBufIndex < stInfo.iStreamDataSize &&
+           STOP_TABLE<STOPS>.Is_Stop(stInfo.pucStreamBuf[stInfo.iStreamBufIndex], false);
 }
 
 /**
