@@ -26,13 +26,20 @@ void *__wrap_malloc(size_t uiBytes)
         return Count_Call(#NAME) ? FT_Error{0x40} : __real_##NAME ARGUMENTS;                                 \
     }
 WRAP(FT_Init_FreeType, (FT_Library * pftLibrary), (pftLibrary))
-WRAP(FT_New_Face, (FT_Library ftLibrary, const char *pszPath, FT_Long iFace, FT_Face *pftFace),
-     (ftLibrary, pszPath, iFace, pftFace))
 WRAP(FT_Set_Char_Size, (FT_Face ftFace, FT_F26Dot6 iWidth, FT_F26Dot6 iHeight, FT_UInt uiX, FT_UInt uiY),
      (ftFace, iWidth, iHeight, uiX, uiY))
 WRAP(FT_Set_Pixel_Sizes, (FT_Face ftFace, FT_UInt uiWidth, FT_UInt uiHeight), (ftFace, uiWidth, uiHeight))
 WRAP(FT_Load_Glyph, (FT_Face ftFace, FT_UInt uiGlyph, FT_Int32 iFlags), (ftFace, uiGlyph, iFlags))
 WRAP(FT_Render_Glyph, (FT_GlyphSlot ftSlot, FT_Render_Mode eMode), (ftSlot, eMode))
+
+FT_Error __real_FT_New_Face(FT_Library ftLibrary, const char *pszPath, FT_Long iFace, FT_Face *pftFace);
+FT_Error __wrap_FT_New_Face(FT_Library ftLibrary, const char *pszPath, FT_Long iFace, FT_Face *pftFace)
+{
+    if (Count_Call("FT_New_Face")) return FT_Error{0x40};
+    const FT_Error iResult = __real_FT_New_Face(ftLibrary, pszPath, iFace, pftFace);
+    if (s_strFailing == "flat face") (*pftFace)->bbox.yMin = (*pftFace)->bbox.yMax;
+    return iResult;
+}
 }
 
 class FontFT : public FontTest
@@ -126,14 +133,14 @@ TEST_F(FontFT, SizesAndMistakes)
     }
 }
 
-/* Each FreeType call failing: what open, size, advance and drawing then give. */
+/* Each FreeType call failing, or a face without height: what open, size, advance and drawing then give. */
 TEST_F(FontFT, FailingCallsGiveTheirCodes)
 {
     static constexpr std::tuple<const char *, int32_t, int32_t, int32_t, int32_t> astCases[] = {
         {"FT_Init_FreeType", -1, -1, -1, -4}, {"FT_New_Face", -1, -1, -1, -4},
         {"FT_Set_Char_Size", 0, -1, 0, 0},    {"FT_Set_Pixel_Sizes", 0, -1, 0, 0},
         {"FT_Load_Glyph", 0, 0, -1, -4},      {"FT_Render_Glyph", 0, 0, 0, -4},
-        {"no call at all", 0, 0, 0, 0},
+        {"flat face", 0, -1, 0, 0},           {"no call at all", 0, 0, 0, 0},
     };
     Picture stPicture(50, 50, 50);
     for (const auto &[pszCall, iInit, iSize, iAdvance, iDraw] : astCases) {
@@ -147,45 +154,34 @@ TEST_F(FontFT, FailingCallsGiveTheirCodes)
             EXPECT_EQ(std::min(zyr_FontFT_getAdvanceX('A'), 0), iAdvance);
             EXPECT_EQ(std::min(zyr_fontFT_drawChar(0, 'A', 0, 0), 0), iDraw);
         }
+        if (s_strFailing == "flat face") continue; // stays so
         s_strFailing.clear();
         EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), iInit);
         EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0) > 0, iInit == 0);
     }
 }
 
-/* @return what open gives for a font file of these bytes, or ten times what a size then gives */
-static int32_t Try_Font(const std::string &strBytes)
-{
-    const TempFile stFile(strBytes);
-    Picture stPicture(100, 100, 100);
-    zyr_host_setFontFile(stFile.Path());
-    const int32_t iInit = zyr_font_init();
-    stPicture.Make_Destination();
-    const int32_t iSize = zyr_fontFT_setFontSize(32, 32);
-    for (const uint32_t uiCode : TrickyCodes) {
-        const int32_t iDrawn = zyr_fontFT_drawChar(0, uiCode, 0, 0);
-        EXPECT_TRUE(iDrawn >= 0 || iDrawn == -4 || iInit != 0 || iSize != 0) << iDrawn;
-    }
-    zyr_font_close();
-    return iInit != 0 ? iInit : iSize * 10;
-}
-
-/* Whatever the file holds, calls give a result; a face of no height is refused its size. */
+/* Whatever the file holds, calls give a result. */
 TEST_F(FontFT, BrokenFontFiles)
 {
     std::ifstream stFile(FONT_FILE, std::ios::binary);
-    std::string strFont((std::istreambuf_iterator<char>(stFile)), {});
+    const std::string strFont((std::istreambuf_iterator<char>(stFile)), {});
     ASSERT_GT(strFont.size(), 1000000U);
+    std::vector<std::string> astrBroken = {"", std::string(5000, '\x55')};
     for (size_t uiBytes = 1; uiBytes < strFont.size(); uiBytes = uiBytes * 3 + 1)
-        Try_Font(strFont.substr(0, uiBytes));
-    EXPECT_EQ(Try_Font(""), -1);
-    EXPECT_EQ(Try_Font(std::string(5000, '\x55')), -1);
-    EXPECT_EQ(Try_Font(strFont), 0);
-    /* "head" names its table's place in the file 8 bytes on; yMin and yMax are 38 and 42 bytes into that
-     * table. */
-    size_t uiHead = 0;
-    for (size_t uiByte = strFont.find("head") + 8, uiEnd = uiByte + 4; uiByte < uiEnd; ++uiByte)
-        uiHead = uiHead << 8 | static_cast<uint8_t>(strFont[uiByte]);
-    strFont.replace(uiHead + 38, 2, strFont, uiHead + 42, 2);
-    EXPECT_EQ(Try_Font(strFont), -10);
+        astrBroken.push_back(strFont.substr(0, uiBytes));
+    for (const std::string &strBytes : astrBroken) {
+        const TempFile stBroken(strBytes);
+        Picture stPicture(100, 100, 100);
+        zyr_host_setFontFile(stBroken.Path());
+        const int32_t iInit = zyr_font_init();
+        EXPECT_TRUE(iInit == -1 || strBytes.size() > 5000) << strBytes.size();
+        stPicture.Make_Destination();
+        const int32_t iSize = zyr_fontFT_setFontSize(32, 32);
+        for (const uint32_t uiCode : TrickyCodes) {
+            const int32_t iDrawn = zyr_fontFT_drawChar(0, uiCode, 0, 0);
+            EXPECT_TRUE(iDrawn >= 0 || iDrawn == -4 || iInit != 0 || iSize != 0) << iDrawn;
+        }
+        zyr_font_close();
+    }
 }
