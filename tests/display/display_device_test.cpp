@@ -54,34 +54,28 @@ static std::string Box(int32_t iX, int32_t iY, int32_t iWidth, int32_t iHeight, 
 
 TEST_F(DisplayDevice, ACaptionFromOpenToClose)
 {
-    EXPECT_EQ(zyr_display_open(), 0);
-    EXPECT_EQ(m_stLog.Take(3), "open|region overlay1|map 4194304 0|"); // behind the settings
-    EXPECT_EQ(zyr_display_setFontSize(30), 0);
+    const std::string strShown = "3:zyr_display_displayString(4)\n|";        // the clear buffer comes first
+    Expect(zyr_display_open(), 0, "open|region overlay1|map 4194304 0|", 3); // behind the settings
+    Expect(zyr_display_setFontSize(30), 0, "");
     stFont.Set_Size(24, 24);
-    EXPECT_EQ(Show(u"한\n한한"), 0); // the clear buffer comes first
-    EXPECT_EQ(m_stLog.Take(),
-              "3:zyr_display_displayString(4)\n|" + Box(0, 0, 32, 32, 2) + Box(376, 416, 48, 48, 0));
+    Expect(Show(u"한\n한한"), 0, strShown + Box(0, 0, 32, 32, 2) + Box(376, 416, 48, 48, 0));
     Picture stJudge(48, 48, 48);
     stJudge.Fill(0, 0, 48, 48, 0);
     for (const auto &[iX, iY] : {std::pair{12, 0}, {0, 24}, {24, 24}})
         stFont.Draw(stJudge, 0xD55C, iX, iY, 0x8410);
     EXPECT_TRUE(stJudge.Has_Pixels(Get_Buffer(0)));
 
-    EXPECT_EQ(zyr_display_setPosition(100), 0);
-    EXPECT_EQ(m_stLog.Take(), Box(376, 332, 48, 48, 0));
-    EXPECT_EQ(Show(u"한한"), 0); // the other buffer, the new place
-    EXPECT_EQ(m_stLog.Take(),
-              "3:zyr_display_displayString(2)\n|" + Box(376, 332, 32, 32, 2) + Box(376, 356, 48, 24, 1));
-    EXPECT_TRUE(stJudge.Has_Pixels(Get_Buffer(0)));
-    EXPECT_EQ(zyr_display_setOnoff(0), 0);
-    EXPECT_EQ(zyr_display_setOnoff(-3), 0);
-    EXPECT_EQ(zyr_display_clearString(), 0);
-    EXPECT_EQ(zyr_display_close(), 0);
-    EXPECT_EQ(m_stLog.Take(), "off|on|" + Box(376, 356, 32, 32, 2) + "off|close|unmap|");
+    Expect(zyr_display_setPosition(100), 0, Box(376, 332, 48, 48, 0));
+    Expect(Show(u"한한한한"), 0,
+           strShown + Box(376, 332, 32, 32, 2) + Box(352, 356, 96, 24, 1)); // the new place
+    EXPECT_TRUE(stJudge.Has_Pixels(Get_Buffer(0)));                         // the other buffer
+    Expect(zyr_display_setOnoff(0), 0, "off|");
+    Expect(zyr_display_setOnoff(-3), 0, "on|");
+    Expect(zyr_display_clearString(), 0, Box(352, 356, 32, 32, 2));
+    Expect(zyr_display_close(), 0, "off|close|unmap|");
     EXPECT_EQ(zyr_fontDraw_getDestBuf(), nullptr);
-    EXPECT_EQ(zyr_display_open(), 0);
-    EXPECT_EQ(zyr_display_setPosition(16), 0);
-    EXPECT_EQ(m_stLog.Take(6), Box(400, 464, 0, 0, 1)); // the buffers keep their turn
+    Expect(zyr_display_open(), 0, "", 6);
+    Expect(zyr_display_setPosition(16), 0, Box(400, 464, 0, 0, 1)); // the buffers keep their turn
     EXPECT_EQ(zyr_display_open(), 0);
     EXPECT_EQ(m_stLog.Take().find("off|close|unmap|3:"), 0U); // closes first
 }
@@ -89,11 +83,9 @@ TEST_F(DisplayDevice, ACaptionFromOpenToClose)
 TEST_F(DisplayDevice, FailedOpensLeaveNothingOpen)
 {
     const std::string strNowhere(2 * sizeof(void *), 'f');
-    const struct {
-        int iFailingStep; // of the device; 0 no such font, -1 no such chip
-        int32_t iResult;
-        std::string strLog; // behind the three of the settings
-    } astCases[] = {
+    /* The failing step of the device, 0 for no such font, -1 for no such chip; result; log behind the
+     * settings. */
+    const std::tuple<int, int32_t, std::string> astCases[] = {
         {-1, -1, "6:[zyr_display_open] Error zyr_display_system_init(-1)|"},
         {1, -7,
          "open|6:[zyr_display_openCCFB] Error can't open /dev/ccfb|"
@@ -108,39 +100,35 @@ TEST_F(DisplayDevice, FailedOpensLeaveNothingOpen)
          "open|region overlay1|map 4194304 0|6:Error zyr_fontFT_init(-1)\n|"
          "6:[zyr_display_open] Error zyr_font_init (-1)|close|unmap|"},
     };
-    for (const auto &stCase : astCases) {
-        zyr_host_setProperty("ro.board.platform", stCase.iFailingStep == -1 ? "none" : "zyr72xx");
-        zyr_host_setFontFile(stCase.iFailingStep == 0 ? "/nowhere/no.ttf" : FONT_FILE);
-        zyr_host_failDevice(stCase.iFailingStep);
-        EXPECT_EQ(zyr_display_open(), stCase.iResult);
-        EXPECT_EQ(m_stLog.Take(3), stCase.strLog);
+    for (const auto &[iFailingStep, iResult, strLog] : astCases) {
+        zyr_host_setProperty("ro.board.platform", iFailingStep == -1 ? "none" : "zyr72xx");
+        zyr_host_setFontFile(iFailingStep == 0 ? "/nowhere/no.ttf" : FONT_FILE);
+        zyr_host_failDevice(iFailingStep);
+        Expect(zyr_display_open(), iResult, strLog, 3);
         EXPECT_EQ(zyr_display_setOnoff(1), -7);
-        EXPECT_EQ(zyr_display_clearString(), -7);
-        m_stLog.Take();
+        Expect(zyr_display_clearString(), -7, "6:[zyr_display_clearString] Error invalid handle|", 1);
     }
 }
 
 TEST_F(DisplayDevice, ClosedItRefusesEverything)
 {
-    std::string strExpected;
-    for (const char *pszStep :
-         {"setOnoff", "setPosition", "clearString", "displayString", "setCCFB", "updateCCFB", "enableCCFB"})
-        strExpected.append("6:[zyr_display_").append(pszStep).append("] Error invalid handle|");
-    strExpected += "6:Error zyr_fontFT_close(-1)\n|6:[zyr_display_close] Error zyr_font_close (-1)'|";
+    const auto Refusal = [](const std::string &strStep) {
+        return "6:[zyr_display_" + strStep + "] Error invalid handle|";
+    };
     for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // before open, after close
-        EXPECT_EQ(zyr_display_setOnoff(1), -7);
-        EXPECT_EQ(zyr_display_setPosition(1), -7);
-        EXPECT_EQ(zyr_display_clearString(), -7);
-        EXPECT_EQ(zyr_display_displayString(nullptr, 1), -7);
-        EXPECT_EQ(zyr_display_setCCFB(0, 0, 0, 0, 0, 0), -2);
-        EXPECT_EQ(zyr_display_updateCCFB(0), -2);
-        EXPECT_EQ(zyr_display_close(), 0);
-        EXPECT_EQ(m_stLog.Take(), strExpected);
+        Expect(zyr_display_setOnoff(1), -7, Refusal("setOnoff"));
+        Expect(zyr_display_setPosition(1), -7, Refusal("setPosition"));
+        Expect(zyr_display_clearString(), -7, Refusal("clearString"));
+        Expect(zyr_display_displayString(nullptr, 1), -7, Refusal("displayString"));
+        Expect(zyr_display_setCCFB(0, 0, 0, 0, 0, 0), -2, Refusal("setCCFB"));
+        Expect(zyr_display_updateCCFB(0), -2, Refusal("updateCCFB"));
+        Expect(zyr_display_close(), 0,
+               Refusal("enableCCFB") + "6:Error zyr_fontFT_close(-1)\n|"
+                                       "6:[zyr_display_close] Error zyr_font_close (-1)'|");
         Open("0");
-        EXPECT_EQ(zyr_display_displayString(nullptr, 1), -2);
-        EXPECT_EQ(m_stLog.Take(), "6:[zyr_display_displayString] Error Invaild param|");
-        zyr_display_close();
-        m_stLog.Take();
+        Expect(zyr_display_displayString(nullptr, 1), -2,
+               "6:[zyr_display_displayString] Error Invaild param|");
+        Expect(zyr_display_close(), 0, "off|close|unmap|");
     }
 }
 
@@ -153,8 +141,7 @@ TEST_F(DisplayDevice, TheTallestCaptionEndsInsideItsBuffer)
     strText.pop_back();
     std::fill_n(zyr_host_captionMemory(nullptr), PLANE_BYTES / 2, 0x1111);
     Open("1");
-    EXPECT_EQ(std::find(Get_Buffer(0), Get_Buffer(2) + 32 * 32, 0x1111),
-              Get_Buffer(2) + 32 * 32);                                    // all black
+    EXPECT_EQ(std::count(Get_Buffer(0), Get_Buffer(2) + 32 * 32, 0x1111), 0);
     std::fill_n(zyr_host_captionMemory(nullptr), PLANE_BYTES / 2, 0x1111); // old captions
     zyr_display_setFontSize(40);
     stFont.Set_Size(48, 48);
@@ -165,9 +152,9 @@ TEST_F(DisplayDevice, TheTallestCaptionEndsInsideItsBuffer)
         stFont.Draw(stJudge, u'뷁', uiColumn * 48 + uiRow % 2 * 384, int64_t{uiRow} * 48, 0x8410);
     }
     for (uint32_t uiBuffer = 0; uiBuffer < 2; ++uiBuffer) {
-        EXPECT_EQ(Show(strText), 0);
+        const std::string strShow = "show " + std::to_string(uiBuffer * 2 * BUFFER_PIXELS) + "|";
+        Expect(Show(strText), 0, "set 0 0 0 519 1920 545 0 1920 545 1 0 0 0|on|" + strShow, 4);
         EXPECT_TRUE(stJudge.Has_Pixels(Get_Buffer(uiBuffer)));
-        EXPECT_EQ(m_stLog.Take(4).find("set 0 0 0 519 1920 545 0 1920 545 1 0 0 0|"), 0U);
     }
     const uint16_t *pusEnd = Get_Buffer(0) + PLANE_BYTES / 2;
     EXPECT_EQ(std::count(Get_Buffer(2), pusEnd, 0x1111), pusEnd - Get_Buffer(2));
@@ -176,11 +163,9 @@ TEST_F(DisplayDevice, TheTallestCaptionEndsInsideItsBuffer)
 TEST_F(DisplayDevice, BoxesWithoutSize)
 {
     Open("0");
-    EXPECT_EQ(Show(u""), 0); // keeps the region of the output
-    EXPECT_EQ(m_stLog.Take(4),
-              "6:Error Invalid Param(uiWidth:0 uiHeight:0 uiPitch:0)\n|" + Box(400, 464, 0, 0, 0));
-    EXPECT_EQ(zyr_display_setPosition(16), 0);
-    EXPECT_EQ(m_stLog.Take(), Box(0, -16, 800, 480, 0));
+    Expect(Show(u""), 0, // keeps the region of the output
+           "6:Error Invalid Param(uiWidth:0 uiHeight:0 uiPitch:0)\n|" + Box(400, 464, 0, 0, 0), 4);
+    Expect(zyr_display_setPosition(16), 0, Box(0, -16, 800, 480, 0));
 
     zyr_host_setProperty("persist.sys.composite_mode", "7"); // an output of unknown size
     Open("2");

@@ -138,14 +138,13 @@ TEST_F(DisplaySystem, SquaresAreEstimated)
         EXPECT_EQ(acBox, strBox);
     }
     EXPECT_EQ(zyr_display_system_calcRegion(vusText.data(), 3, 20, nullptr, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(zyr_display_system_calcRegion(nullptr, 3, 20, &iX, &iY, &iWidth, &iHeight), -1);
-    EXPECT_TRUE(iX == 0 && iY == 0 && iWidth == 0 && iHeight == 0);
-    EXPECT_EQ(zyr_display_system_calcRegion(vusText.data(), 0, 20, &iX, &iY, &iWidth, &iHeight), -1);
     const std::string strRefused = "6:[zyr_display_system_calcRegion] Error Invalid Param(";
-    EXPECT_EQ(m_stLog.Take(1), strRefused + "pusString:NULL)|" + strRefused + "pusString:NULL)|");
-    for (const int32_t iFontSize : {0, -1, INT32_MIN, 481, INT32_MAX}) {
-        EXPECT_EQ(zyr_display_system_calcRegion(vusText.data(), 3, iFontSize, &iX, &iY, &iWidth, &iHeight),
-                  -1);
-        EXPECT_EQ(m_stLog.Take(), strRefused + "iFontSize:" + std::to_string(iFontSize) + ")|");
-    }
+    Expect(zyr_display_system_calcRegion(nullptr, 3, 20, &iX, &iY, &iWidth, &iHeight), -1,
+           strRefused + "pusString:NULL)|", 1);
+    EXPECT_TRUE(iX == 0 && iY == 0 && iWidth == 0 && iHeight == 0);
+    Expect(zyr_display_system_calcRegion(vusText.data(), 0, 20, &iX, &iY, &iWidth, &iHeight), -1,
+           strRefused + "pusString:NULL)|");
+    for (const int32_t iFontSize : {0, -1, INT32_MIN, 481, INT32_MAX})
+        Expect(zyr_display_system_calcRegion(vusText.data(), 3, iFontSize, &iX, &iY, &iWidth, &iHeight), -1,
+               strRefused + "iFontSize:" + std::to_string(iFontSize) + ")|");
 }

@@ -82,10 +82,6 @@ TEST_F(FontDraw, RefusalsNameTheirReason)
 {
     uint16_t usPixel = 7;
     const uint8_t ucBits = 0xFF;
-    const auto Expect = [&](int32_t iResult, int32_t iExpected, const char *pszLog) {
-        EXPECT_EQ(iResult, iExpected);
-        EXPECT_EQ(m_stLog.Take(), pszLog);
-    };
     zyr_fontDraw_init();
     Expect(zyr_fontDraw_clearDestBuf(1), -1, "6:Error g_pusDestBuf is NULL\n|");
     Expect(zyr_fontDraw_setDestBuf(nullptr), -2, "6:Error Invalid Param(pBuf:0)\n|");

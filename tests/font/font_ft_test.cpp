@@ -121,8 +121,7 @@ TEST_F(FontFT, SizesAndMistakes)
     for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // before the first open, and after a close
         EXPECT_EQ(zyr_FontFT_getRealFontSize('A', &uiWidth, &uiHeight), -1);
         EXPECT_EQ(zyr_fontFT_drawChar(0, 'A', 0, 0), -4);
-        EXPECT_EQ(zyr_font_close(), -1);
-        EXPECT_EQ(m_stLog.Take(), "6:Error zyr_fontFT_close(-1)\n|");
+        Expect(zyr_font_close(), -1, "6:Error zyr_fontFT_close(-1)\n|");
         EXPECT_EQ(zyr_font_init() + zyr_font_init(), 0); // opening twice keeps one font
         EXPECT_EQ(zyr_fontFT_setFontSize(32, 33), 0);
         EXPECT_EQ(zyr_FontFT_getRealFontSize('A', &uiWidth, &uiHeight), 0);
@@ -146,8 +145,7 @@ TEST_F(FontFT, FailingCallsGiveTheirCodes)
     for (const auto &[pszCall, iInit, iSize, iAdvance, iDraw] : astCases) {
         SCOPED_TRACE(pszCall);
         s_strFailing = pszCall;
-        EXPECT_EQ(zyr_font_init(), iInit);
-        EXPECT_EQ(m_stLog.Take(), iInit == 0 ? "" : "6:Error zyr_fontFT_init(-1)\n|");
+        Expect(zyr_font_init(), iInit, iInit == 0 ? "" : "6:Error zyr_fontFT_init(-1)\n|");
         stPicture.Make_Destination();
         for (uint32_t uiRound = 0; uiRound < 2; ++uiRound) { // a failure is not kept, nor is it forgotten
             EXPECT_EQ(zyr_fontFT_setFontSize(32, 32), iSize);

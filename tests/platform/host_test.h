@@ -82,6 +82,13 @@ protected:
         EXPECT_EQ(zyr_host_liveBytes(), 0u);
         EXPECT_EQ(Get_FreeDescriptor(), m_iFreeDescriptor) << "a descriptor was left open";
     }
+    /** Compare a call's result and what it wrote down, but for the first entries. */
+    void Expect(int32_t iResult, int32_t iExpected, const std::string &strExpected, uint32_t uiSkip = 0)
+    {
+        const std::string strWritten = m_stLog.Take(uiSkip);
+        EXPECT_EQ(iResult, iExpected) << strExpected;
+        EXPECT_EQ(strWritten, strExpected);
+    }
     Transcript m_stLog;
 
 private:
