@@ -84,7 +84,7 @@ static constexpr uint32_t CellCases[12][6] = {
 TEST_F(FontLayout, CellsOfEveryModeDirectionAndAnchor)
 {
     static constexpr uint32_t auiAttributes[] = {0, 0x0F, 0x20, 0x2A, 0x10, 0x35};
-    static constexpr std::pair<uint32_t, uint32_t> astPlaces[] = {{60, 90}, {5, 7}, {240, 170}};
+    static constexpr std::pair<uint32_t, uint32_t> astPlaces[] = {{60, 90}, {20, 7}, {240, 170}};
     zyr_font_setFontColor(0xFFFF, 1, 0x0F0F, 2);
     for (uint32_t uiCase = 0; uiCase < 12 * 4 * 6 * 3; ++uiCase) {
         SCOPED_TRACE(uiCase);

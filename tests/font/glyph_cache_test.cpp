@@ -5,16 +5,18 @@
 #include <algorithm>
 #include <vector>
 
-/* A glyph's measures and bits follow from its key. */
+/* A glyph's measures and bits follow from its key. At first all are small: slots are used up before bytes. */
 TEST(GlyphCache, WhatIsFoundIsWhatWasStored)
 {
     uint32_t uiFound = 0;
     Open_GlyphCache();
-    for (uint32_t uiRound = 0; uiRound < 20000; ++uiRound) {
+    for (uint32_t uiRound = 0; uiRound < 40000; ++uiRound) {
+        const uint32_t uiMostRows = uiRound < 20000 ? 4 : 40;
+        if (uiRound == 20000) Clear_GlyphCache();
         const uint64_t ullKey = uint64_t{uiRound} * uiRound % 5003 << (uiRound % 3 * 20); // many meet again
         const auto iAdvance = static_cast<int32_t>(ullKey);
         const auto uiWidth = static_cast<uint32_t>(1 + ullKey % 70),
-                   uiRows = static_cast<uint32_t>(ullKey % 40);
+                   uiRows = static_cast<uint32_t>(ullKey % uiMostRows);
         const std::vector<uint8_t> vucBits(400, static_cast<uint8_t>(ullKey * 7));
         const FontGlyph *pstFound = Find_Glyph(ullKey);
         if (pstFound == nullptr) {
