@@ -118,11 +118,9 @@ TEST_F(DisplaySystem, SquaresAreEstimated)
 {
     const std::u16string strLong(45, u'x');
     const std::tuple<std::u16string, int32_t, std::string> astCases[] = {
-        {u"abc", 20, "X:370, Y:460, W:60, H:20"},
-        {u"", 20, "X:400, Y:460, W:0, H:20"},
-        {u"ab\ncde\nf", 20, "X:370, Y:420, W:60, H:60"},
-        {u"\n\n", 20, "X:400, Y:420, W:0, H:60"},
-        {u"\nab", 20, "X:380, Y:440, W:40, H:40"},
+        {u"abc", 20, "X:370, Y:460, W:60, H:20"},        {u"", 20, "X:400, Y:460, W:0, H:20"},
+        {u"ab\ncde\nf", 20, "X:370, Y:420, W:60, H:60"}, {u"\n\n", 20, "X:400, Y:420, W:0, H:60"},
+        {u"\nab", 20, "X:380, Y:440, W:40, H:40"},       {u"a\nb", 480, "X:160, Y:0, W:480, H:480"},
         {strLong, 20, "X:-10, Y:440, W:820, H:40"}, // rounded toward 0
         {strLong, 480, "X:-80, Y:0, W:960, H:480"}, // no higher than the display
     };
