@@ -48,24 +48,24 @@ const Format FORMATS[] = {
      Repeat(Smi("5", "K>k<P Class=E>e"), 40) + Smi("9", "E>e") + Repeat(Smi("7", "K>k"), 1100) + PADDING, 0},
 };
 
+constexpr int ALLOCATION = -1; // beside the kinds of file calls
+
+uint32_t Count_Calls(int iCall)
+{
+    return iCall == ALLOCATION ? zyr_host_allocations() : zyr_host_fileCalls(iCall);
+}
+
+void Let_Fail(int iCall, uint32_t uiNth, int32_t iResult, int iFromThenOn)
+{
+    if (iCall == ALLOCATION)
+        zyr_host_failAllocation(uiNth, iFromThenOn);
+    else
+        zyr_host_failFile(iCall, uiNth, iResult, iFromThenOn);
+}
+
 class Formats : public EngineTest, public testing::WithParamInterface<Format>
 {
 protected:
-    static constexpr int ALLOCATION = -1; // beside the kinds of file calls
-
-    static uint32_t Count_Calls(int iCall)
-    {
-        return iCall == ALLOCATION ? zyr_host_allocations() : zyr_host_fileCalls(iCall);
-    }
-
-    static void Let_Fail(int iCall, uint32_t uiNth, int32_t iResult, int iFromThenOn)
-    {
-        if (iCall == ALLOCATION)
-            zyr_host_failAllocation(uiNth, iFromThenOn);
-        else
-            zyr_host_failFile(iCall, uiNth, iResult, iFromThenOn);
-    }
-
     static void Expect_NothingHeld()
     {
         EXPECT_EQ(zyr_host_liveBytes(), 0u);
@@ -155,9 +155,11 @@ TEST_F(EngineTest, FailuresAreReported)
         {".SUB", E_SEEK, ZYR_HOST_SEEK, "Seek_SubViewer() - Failed in setting a seek position", 500},
         {".ssa", E_OPEN, ZYR_HOST_READ, "HeaderParser_SSA() - Get_CharCode() Failed! (ERROR = -5)"},
         {".ssa", E_OPEN, ZYR_HOST_TELL, "HeaderParser_SSA() - File Tell Failed! (ERROR = -5)"},
+        {".ssa", E_OPEN, ALLOCATION, "HeaderParser_SSA() - Add Frame Failed!"},
         {".ssa", E_FRAMES, ZYR_HOST_READ, "FrameParser_SSA() - Get_CharCode() Failed! (ERROR = -5)"},
         {".ssa", E_SEEK, ZYR_HOST_SEEK, "Seek_SSA() - QUIBCAPTCB_FileSeek() Failed! (ERROR = -2)", 0},
         {".smi", E_OPEN, ZYR_HOST_TELL, "HeaderParser_SAMI() - File Tell Failed! (ERROR = -5)"},
+        {".smi", E_OPEN, ALLOCATION, "Frame Information Array Memory Allocation Failed!"},
         {".smi", E_FRAMES, ZYR_HOST_READ, "FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = -5)"},
         {".smi", E_FRAMES, ZYR_HOST_SEEK, "FrameParser_SAMI() - File Seek Failed! (ERROR = -2)"},
         {".smi", E_SEEK, ZYR_HOST_SEEK, "Seek_SAMI() - QUIBCAPTCB_FileSeek() Failed! (ERROR = -2)", 7},
@@ -167,7 +169,7 @@ TEST_F(EngineTest, FailuresAreReported)
         const Format &stFormat = *std::ranges::find(FORMATS, stCase.pszEnding, &Format::strEnding);
         uint32_t uiNth = 0;
         const auto fnFail = [&](Step eStep) {
-            if (eStep == stCase.eStep) zyr_host_failFile(stCase.iCall, uiNth, -5, 0);
+            if (eStep == stCase.eStep) Let_Fail(stCase.iCall, uiNth, -5, 0);
         };
         uint32_t uiResult = 0;
         do { // the first calls may be those that every format makes
@@ -178,8 +180,8 @@ TEST_F(EngineTest, FailuresAreReported)
             Count_Frames();
             fnFail(E_SEEK);
             if (stCase.eStep == E_SEEK) uiResult = zyrSubtitle_seek(stCase.uiTarget);
-            zyr_host_failFile(stCase.iCall, 0, 0, 0);
-        } while (uiNth < 10 && Count_Log(stCase.pszMessage) == 0);
+            Let_Fail(stCase.iCall, 0, 0, 0);
+        } while (uiNth < 20 && Count_Log(stCase.pszMessage) == 0);
         EXPECT_EQ(Count_Log(stCase.pszMessage), 1u) << stCase.pszMessage;
         EXPECT_EQ(uiResult, stCase.eStep == E_FRAMES ? 0u : 1u) << stCase.pszMessage;
     }

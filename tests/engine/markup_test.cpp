@@ -82,30 +82,15 @@ TEST_F(Markup, TagsLeaveTheirStyle)
 
 TEST_F(Markup, TagNames)
 {
+    // clang-format off
     static const std::pair<std::string, int32_t> CASES[] = {
-        {"<b>", 0x101 | 1},
-        {"</B>", 0x102 | 1},
-        {"<ruby>", 0x101 | 66},
-        {"<rp>", 0x101 | 67},
-        {"<rt", 0x101 | 68},
-        {"<br>", 0x100 | 6},
-        {"</br>", 0x100 | 6},
-        {"<br/>", 0x100},
-        {"<!-- x -->", 0x100 | 74},
-        {"<nobr>", 0x100},
-        {"<>", 0x100},
-        {"</", 0},
-        {"<", 0},
-        {" <b>", 0},
-        {"b>", 0},
-        {"< b>", 0},
-        {"<" + Repeat("n", 30) + ">", 0x100},
-        {"<" + Repeat("n", 31) + ">", 0},
-        {"<\xE9>", 0},
-        {"<sync start=5>", 0x100 | 80},
-        {"<SYNC START=x>", -1},
-        {"<SYNC START=1 END=2x>", -1},
+        {"<b>", 0x101 | 1}, {"</B>", 0x102 | 1}, {"<ruby>", 0x101 | 66}, {"<rp>", 0x101 | 67}, {"<rt", 0x101 | 68},
+        {"<br>", 0x100 | 6}, {"</br>", 0x100 | 6}, {"<br/>", 0x100}, {"<!-- x -->", 0x100 | 74}, {"<nobr>", 0x100},
+        {"<>", 0x100}, {"</", 0}, {"<", 0}, {" <b>", 0}, {"b>", 0}, {"< b>", 0}, {"<\xE9>", 0},
+        {"<" + Repeat("n", 30) + ">", 0x100}, {"<" + Repeat("n", 31) + ">", 0},
+        {"<sync start=5>", 0x100 | 80}, {"<SYNC START=x>", -1}, {"<SYNC START=1 END=2x>", -1},
     };
+    // clang-format on
     Read_FirstText(".srt", Entry("x"));
     for (const auto &[strTag, iResult] : CASES) EXPECT_EQ(Ask(Parse_HtmlTag, strTag), iResult) << strTag;
     EXPECT_EQ(Parse_HtmlTag(nullptr, 3), -1);

@@ -11,11 +11,11 @@ inline std::string Sync(int64_t llTime, const std::string &strClass, const std::
 }
 
 /** Blocks of one class, 10 ms apart. */
-inline std::string Syncs(const std::string &strClass, int iNums, int iFirstTime = 0)
+inline std::string Syncs(const std::string &strClass, uint32_t uiNums, uint32_t uiFirstTime = 0)
 {
     std::string strAll;
-    for (int iBlock = 0; iBlock < iNums; ++iBlock)
-        strAll += Sync(iFirstTime + 10 * iBlock, strClass, strClass + std::to_string(iBlock));
+    for (uint32_t uiBlock = 0; uiBlock < uiNums; ++uiBlock)
+        strAll += Sync(uiFirstTime + 10 * uiBlock, strClass, strClass + std::to_string(uiBlock));
     return strAll;
 }
 
@@ -57,27 +57,18 @@ protected:
         return strAll;
     }
 
-    /** @return "KRCC+ENCC:3 -:1 1000-3000 1000-1000": the same, then smallest and largest time of each */
-    static std::string Get_Times()
+    /** @return "KRCC+ENCC:3 -:1 1000-3000 5-5 @10-80 @0-20": the same, then the times and places of each:
+     * smallest and largest, first and last */
+    static std::string Get_Classes()
     {
-        std::string strAll = Get_Counts();
+        std::string strTimes, strPlaces;
         for (uint32_t uiClass = 0; uiClass < pstQuibCaptionParserInfo->uiClassNums; ++uiClass) {
             const CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
-            strAll += " " + std::to_string(stClass.iMinPTS) + "-" + std::to_string(stClass.iMaxPTS);
+            strTimes += " " + std::to_string(stClass.iMinPTS) + "-" + std::to_string(stClass.iMaxPTS);
+            strPlaces +=
+                " @" + std::to_string(stClass.llFirstFramePos) + "-" + std::to_string(stClass.llLastFramePos);
         }
-        return strAll;
-    }
-
-    /** @return "@10-80 @20-20": first and last place of each class */
-    static std::string Get_Places()
-    {
-        std::string strAll;
-        for (uint32_t uiClass = 0; uiClass < pstQuibCaptionParserInfo->uiClassNums; ++uiClass) {
-            const CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
-            strAll += (uiClass == 0 ? "@" : " @") + std::to_string(stClass.llFirstFramePos) + "-" +
-                      std::to_string(stClass.llLastFramePos);
-        }
-        return strAll;
+        return Get_Counts() + strTimes + strPlaces;
     }
 
     /** From now on the bytes asked of the file are counted. */

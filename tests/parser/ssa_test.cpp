@@ -304,6 +304,7 @@ TEST_F(SsaTest, Texts)
     ASSERT_EQ(Open(".ssa", EVENTS + Second(1, "\xB0\\Nb"), 1), 0u); // every byte is a character
     EXPECT_EQ(Texts(), std::string("\0\xB0\nb|", 5));
 }
+
 TEST_F(SsaTest, OverridesDoWhatTheirTableSays)
 {
     const std::string PLAIN = "0 16 FFFF 0 0";
@@ -367,6 +368,7 @@ TEST_F(SsaTest, FieldsHoldLessThan512Units)
     EXPECT_EQ(pstQuibCaptionParserInfo->astStreamInfo[0].iStreamDataSize, NO_CAPTION_DATA);
     EXPECT_EQ(First(File(Line(Repeat("1", 5000), "x"))), "none");
 }
+
 // ---- The order of frames, and seeks ----
 
 TEST_F(SsaTest, LinesComeInTimeOrderFromTheFirstOneOfTheFileOn)
@@ -378,6 +380,7 @@ TEST_F(SsaTest, LinesComeInTimeOrderFromTheFirstOneOfTheFileOn)
     EXPECT_EQ(Texts(), "five|");
     EXPECT_EQ(Texts_From(0), "one|two|three|five|");
 }
+
 TEST_F(SsaTest, StyleLookUpGivesWhatAWalkGives)
 {
     std::minstd_rand stRandom(4);
@@ -488,18 +491,6 @@ TEST_F(SsaTest, FramesAfterASeek)
     EXPECT_EQ(Texts_From(9), "");
 }
 
-TEST_F(SsaTest, LinesThatCannotBeHeldFailTheOpen)
-{
-    std::string strFile = EVENTS;
-    for (uint32_t uiLine = 0; uiLine < 100; ++uiLine) strFile += Second(9 - uiLine % 9, "x");
-    size_t uiReported = 0;
-    for (uint32_t uiNth = 1; uiNth < 30; ++uiNth) {
-        zyr_host_failAllocation(uiNth, 0);
-        if (!Open_File(strFile)) uiReported += Count_Log("HeaderParser_SSA() - Add Frame Failed!");
-    }
-    EXPECT_EQ(uiReported, 2u) << "room for more lines, and room to sort them";
-}
-
 TEST_F(SsaTest, AFileThatCanBeMovedAnywhereEndsToo)
 {
     ASSERT_TRUE(Open_File(EVENTS + Second(1, "x")));
@@ -532,4 +523,5 @@ TEST_F(SsaTest, HostileFilesEnd)
     }
     EXPECT_FALSE(Open_File(""));
 }
+
 } // namespace

@@ -80,7 +80,6 @@ struct TestFrame {
     int32_t iStart;
     int32_t iEnd;
     std::string strText; // UTF-8, or code-page bytes; lines joined by newlines
-    bool operator==(const TestFrame &) const = default;
 };
 
 /** A file, and what is played of it from its beginning to its end. */
@@ -182,14 +181,6 @@ protected:
         std::string strAll;
         for (size_t uiCall = 0; uiCall < uiCalls; ++uiCall) strAll += Next() + "; ";
         return strAll;
-    }
-
-    std::vector<TestFrame> Read_All()
-    {
-        std::vector<TestFrame> vecFrames;
-        TestFrame stFrame;
-        while (Read_Frame(&stFrame)) vecFrames.push_back(stFrame);
-        return vecFrames;
     }
 
     /** Frames up to the end. */
