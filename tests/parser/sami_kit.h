@@ -39,11 +39,11 @@ protected:
         ASSERT_EQ(HeaderParser_SAMI(TRACK_GetFileHandleOfSubtitleData()), 1);
     }
 
-    /** @return class that has a name. */
+    /** @return class that has a name, or ZYR_CLASS_MAX. */
     static uint32_t Find_Class(const char *pszName)
     {
         uint32_t uiClass = 0;
-        while (Get_Names(uiClass) != pszName) ++uiClass;
+        while (uiClass < ZYR_CLASS_MAX && Get_Names(uiClass) != pszName) ++uiClass;
         return uiClass;
     }
 

@@ -107,8 +107,8 @@ TEST_F(SamiTest, FramesDoNotDependOnReads)
         for (const TestEncoding eEncoding : ENCODINGS) {
             std::string strWanted;
             for (const uint32_t uiReadSize : READ_SIZES) {
-                Read_InChunks(uiReadSize == 0 ? 0
-                                              : std::max(uiReadSize, 3u)); // the mark is in the first read
+                // The mark is looked for in the first read alone.
+                Read_InChunks(uiReadSize == 0 ? 0 : std::max(uiReadSize, 3u));
                 Open_File(Encode(Make_Mixed(uiSeed), eEncoding));
                 Read_InChunks(uiReadSize);
                 const std::string strSeen = Get_Classes() + Play_Calls(70);

@@ -12,6 +12,7 @@ namespace
 
 constexpr uint32_t ENTRIES = 4000;
 constexpr uint32_t STEP_MS = 2000; // from one entry's start to the next one's
+constexpr uint32_t LENGTH_MS = ENTRIES * STEP_MS;
 
 struct Format {
     const char *pszEnding, *pszHeader, *pszEntry; // the entry's hours, minutes and seconds, and its number
@@ -50,20 +51,23 @@ protected:
 
     uint32_t Open_File(uint32_t uiBadEvery) { return Open(GetParam().pszEnding, Get_File(uiBadEvery)); }
 
+    std::string Seek(uint32_t uiTarget)
+    {
+        EXPECT_EQ(zyrSubtitle_seek(uiTarget), 0u);
+        return Next();
+    }
+
     /** Seek to a time, then from there to another one. @return all that can be seen of the second seek. */
     std::string Seek_Twice(uint32_t uiFirst, uint32_t uiSecond)
     {
-        zyrSubtitle_seek(0); // as if nothing had been read
-        TestFrame stFrame;
-        Read_Frame(&stFrame);
-        zyrSubtitle_seek(uiFirst);
-        Read_Frame(&stFrame);
+        Seek(0); // as if nothing had been read
+        Seek(uiFirst);
         m_vecLog.clear();
         zyrSubtitle_seek(uiSecond);
         std::string strSeen = std::to_string(pstQuibCaptionParserInfo->iCurrPTS) + " " +
                               std::to_string(pstQuibCaptionParserInfo->llCurrFilePos);
         for (const std::string &strLine : m_vecLog) strSeen += strLine;
-        return strSeen + (Read_Frame(&stFrame) ? stFrame.strText : "(none)");
+        return strSeen + Next();
     }
 };
 
@@ -75,15 +79,15 @@ TEST_P(SeekIndex, HistoryDoesNotTell)
     for (const uint32_t uiBadEvery : {0u, 7u, 900u}) {
         std::mt19937 stRandom(uiBadEvery);
         for (int iPair = 0; iPair < 40; ++iPair) {
-            const uint32_t uiFirst = Draw(stRandom, ENTRIES * STEP_MS);
-            const uint32_t uiSecond = Draw(stRandom, ENTRIES * STEP_MS + 5 * STEP_MS);
+            const uint32_t uiFirst = Draw(stRandom, LENGTH_MS);
+            const uint32_t uiSecond = Draw(stRandom, LENGTH_MS + 5 * STEP_MS);
             SCOPED_TRACE(testing::Message() << uiBadEvery << ": " << uiFirst << ", " << uiSecond);
             ASSERT_EQ(Open_File(uiBadEvery), 0u);
             const std::string strFresh = Seek_Twice(uiFirst, uiSecond);
             zyrSubtitle_seek(1);
-            zyrSubtitle_seek(Draw(stRandom, ENTRIES * STEP_MS));
+            zyrSubtitle_seek(Draw(stRandom, LENGTH_MS));
             EXPECT_EQ(Seek_Twice(uiFirst, uiSecond), strFresh);
-            zyrSubtitle_seek(ENTRIES * STEP_MS);
+            zyrSubtitle_seek(LENGTH_MS);
             EXPECT_EQ(Seek_Twice(uiFirst, uiSecond), strFresh);
         }
     }
@@ -92,33 +96,29 @@ TEST_P(SeekIndex, HistoryDoesNotTell)
 TEST_P(SeekIndex, LaterSeeksReadLittle)
 {
     ASSERT_EQ(Open_File(0), 0u);
-    zyrSubtitle_seek(ENTRIES * STEP_MS - 1);
+    zyrSubtitle_seek(LENGTH_MS - 1);
     std::mt19937 stRandom(1);
-    const uint32_t uiBefore = zyr_host_fileCalls(1);
+    const uint32_t uiBefore = zyr_host_fileCalls(ZYR_HOST_READ);
     constexpr uint32_t SEEKS = 100;
     for (uint32_t uiSeek = 0; uiSeek < SEEKS; ++uiSeek) {
-        const uint32_t uiEntry = 1 + Draw(stRandom, ENTRIES - 1);
-        TestFrame stFrame;
-        EXPECT_EQ(zyrSubtitle_seek(uiEntry * STEP_MS + 1), 0u);
-        ASSERT_TRUE(Read_Frame(&stFrame));
-        EXPECT_EQ(stFrame.strText, "Text of entry " + std::to_string(uiEntry));
+        const std::string strEntry = std::to_string(1 + Draw(stRandom, ENTRIES - 2));
+        EXPECT_TRUE(
+            Seek(static_cast<uint32_t>(std::stoul(strEntry)) * STEP_MS + 1).ends_with(" entry " + strEntry));
     }
-    EXPECT_LE(zyr_host_fileCalls(1) - uiBefore, 2 * SEEKS); // one of 64 KiB; two at the file's end
+    EXPECT_LE(zyr_host_fileCalls(ZYR_HOST_READ) - uiBefore,
+              2 * SEEKS); // one of 64 KiB; two at the file's end
 }
 
 TEST_P(SeekIndex, FailuresAreReported)
 {
     ASSERT_EQ(Open_File(0), 0u);
-    zyrSubtitle_seek(ENTRIES * STEP_MS - 1);
+    zyrSubtitle_seek(LENGTH_MS - 1);
     for (uint32_t uiNth = 1; uiNth <= 2; ++uiNth) {
-        zyr_host_failFile(2, uiNth, -1, 0);
-        EXPECT_EQ(zyrSubtitle_seek(STEP_MS * ENTRIES / 2), 1u) << uiNth;
+        zyr_host_failFile(ZYR_HOST_SEEK, uiNth, -1, 0);
+        EXPECT_EQ(zyrSubtitle_seek(LENGTH_MS / 2), 1u) << uiNth;
         EXPECT_EQ(Count_Log("QUIBCAPTCB_FileSeek() Failed! (ERROR = -2)"), uiNth - 1);
     }
-    TestFrame stFrame;
-    EXPECT_EQ(zyrSubtitle_seek(STEP_MS * ENTRIES / 2), 0u);
-    ASSERT_TRUE(Read_Frame(&stFrame));
-    EXPECT_EQ(stFrame.iStart, static_cast<int32_t>(STEP_MS * ENTRIES / 2));
+    EXPECT_TRUE(Seek(LENGTH_MS / 2).starts_with(std::to_string(LENGTH_MS / 2) + "-"));
 }
 
 /** A file of so many entries, by its places alone: places go as it grows, and the scan still finds its way.

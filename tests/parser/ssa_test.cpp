@@ -118,36 +118,36 @@ TEST_F(SsaTest, PositionsAreBytePositions)
     const std::string strHead = "\xEF\xBB\xBF[Events]\r\n";
     ASSERT_TRUE(Open_File(strHead + Second(1, "\xEC\x95\x88") + "\x80\x80" + Second(2, "x")));
     EXPECT_EQ(pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos, 13);
+    const CaptionFrameNode *const &pastNode = s_stCaptionFrameList.pastNode;
     ASSERT_EQ(s_stCaptionFrameList.uiNodeNum, 2u);
-    EXPECT_EQ(s_stCaptionFrameList.pastNode[1].llFilePos, 13);
+    EXPECT_EQ(pastNode[1].llFilePos, 13);
     // Bytes that are no character belong to the character behind them.
-    EXPECT_EQ(s_stCaptionFrameList.pastNode[2].llFilePos,
-              static_cast<int64_t>(strHead.size() + Second(1, "123").size()));
+    EXPECT_EQ(pastNode[2].llFilePos, static_cast<int64_t>((strHead + Second(1, "123")).size()));
     ASSERT_TRUE(Open_File(Encode("[Events]\r\n" + Second(1, "x") + Second(2, "y"), E_UTF16LE)));
-    EXPECT_EQ(s_stCaptionFrameList.pastNode[2].llFilePos,
-              static_cast<int64_t>(2 + 2 * (10 + Second(1, "x").size())));
+    EXPECT_EQ(pastNode[2].llFilePos, static_cast<int64_t>(2 + 2 * (10 + Second(1, "x").size())));
 }
 
 TEST_F(SsaTest, TitlesShareTheirRoom)
 {
     static const struct {
         uint32_t uiUnits;
-        bool bStored;
-        bool bNextStored;
-    } CASES[] = {{0, true, true},     {100, true, true},   {509, true, true},  {510, true, false},
-                 {511, false, false}, {512, false, false}, {600, false, false}};
+        bool bStored, bNextStored;
+    } CASES[] = {
+        {0, true, true},     {100, true, true},   {509, true, true},   {510, true, false},
+        {511, false, false}, {512, false, false}, {600, false, false},
+    };
     for (const auto &stCase : CASES) {
+        SCOPED_TRACE(stCase.uiUnits);
         ASSERT_TRUE(Open_File("[Script Info]\r\nTitle:" + Repeat("t", stCase.uiUnits) +
                               "\r\nOriginal Script:\r\nScriptType: v4;0\r\n"));
         const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-        EXPECT_EQ(stInfo.pusSSATitle != nullptr, stCase.bStored) << stCase.uiUnits;
+        EXPECT_EQ(stInfo.pusSSATitle != nullptr, stCase.bStored);
         EXPECT_EQ(stInfo.uiSSATitleLength, stCase.bStored ? stCase.uiUnits : 0u);
-        EXPECT_EQ(stInfo.pusSSAOriginalScript != nullptr, stCase.bNextStored) << stCase.uiUnits;
+        EXPECT_EQ(stInfo.pusSSAOriginalScript != nullptr, stCase.bNextStored);
         if (stCase.uiUnits > 100) continue;
         EXPECT_EQ(stInfo.uiSSAScriptTypeLength, 3u);
         EXPECT_EQ(stInfo.pusSSAScriptType, stInfo.pusSSATitle + stCase.uiUnits + 2);
-        EXPECT_EQ(QUIBCAPTPARS_StrCmp(stInfo.pusSSAScriptType, reinterpret_cast<const uint16_t *>(u" v4"), 3),
-                  1);
+        EXPECT_EQ(std::memcmp(stInfo.pusSSAScriptType, u" v4", 6), 0);
     }
 }
 
@@ -419,28 +419,19 @@ TEST_F(SsaTest, StyleLookUpGivesWhatAWalkGives)
     }
 }
 
-/** Where a seek that walks from node to node ends. */
-struct Place {
-    uint32_t uiNode;
-    int64_t llPos;
-    uint32_t uiTime;
-    bool operator==(const Place &) const = default;
-};
+/** Where a seek ends: node, file position, time. */
+using Place = std::tuple<uint32_t, int64_t, uint32_t>;
 
-Place Walk(uint32_t uiNode, uint32_t uiTarget, uint32_t uiBackward, Place stPlace)
+/** @return where a seek that walks from node to node ends. */
+Place Walk(uint32_t uiNode, uint32_t uiTarget, uint32_t uiBackward, CaptionFrameNode stLast)
 {
-    const CaptionFrameNode *const pastNode = s_stCaptionFrameList.pastNode;
-    const uint32_t uiTail = s_stCaptionFrameList.uiNodeNum + 1;
     if (uiBackward == 3) uiNode = 1;
-    stPlace.uiNode = uiNode;
-    while (stPlace.uiNode != uiTail) {
-        stPlace.llPos = pastNode[stPlace.uiNode].llFilePos;
-        stPlace.uiTime = pastNode[stPlace.uiNode].uiPTS;
-        if (uiBackward == 1 ? uiTarget > stPlace.uiTime || stPlace.uiNode == 0 : uiTarget < stPlace.uiTime)
-            break;
-        stPlace.uiNode += uiBackward == 1 ? UINT32_MAX : 1;
+    while (uiNode != Get_TailNode()) {
+        stLast = s_stCaptionFrameList.pastNode[uiNode];
+        if (uiBackward == 1 ? uiTarget > stLast.uiPTS || uiNode == 0 : uiTarget < stLast.uiPTS) break;
+        uiNode += uiBackward == 1 ? UINT32_MAX : 1;
     }
-    return stPlace;
+    return {uiNode, stLast.llFilePos, stLast.uiPTS};
 }
 
 TEST_F(SsaTest, SeekEndsWhereAWalkWouldFromEveryNode)
@@ -458,11 +449,9 @@ TEST_F(SsaTest, SeekEndsWhereAWalkWouldFromEveryNode)
                     s_stCaptionFrameList.uiCurrNode = uiNode;
                     stInfo.llCurrFilePos = 7;
                     stInfo.iCurrPTS = 70;
-                    const Place stWanted = Walk(uiNode, uiTarget, uiBackward, {0, 7, 70});
                     ASSERT_EQ(Seek_SSA(uiTarget, uiBackward, 0, &stInfo), 1);
-                    const Place stPlace = {s_stCaptionFrameList.uiCurrNode, stInfo.llCurrFilePos,
-                                           static_cast<uint32_t>(stInfo.iCurrPTS)};
-                    ASSERT_EQ(stPlace, stWanted)
+                    ASSERT_EQ(Place(s_stCaptionFrameList.uiCurrNode, stInfo.llCurrFilePos, stInfo.iCurrPTS),
+                              Walk(uiNode, uiTarget, uiBackward, {70, 7}))
                         << uiLines << " " << uiNode << " " << uiBackward << " " << uiTarget;
                 }
     }
