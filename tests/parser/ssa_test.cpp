@@ -160,20 +160,20 @@ TEST_F(SsaTest, EveryStyleFieldIsKept)
         "Style: closed,f,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16; 17,18\r\n" +
         Style(Repeat("n", 60), "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,123456789")));
     std::string strNames;
-    const SSAStyleNode *pstNode = pstQuibCaptionParserInfo->pstSSAStyleList;
-    const SSAStyleInfo &stFirst = pstNode->stStyle;
-    const SSAStyleInfo *pstLast = nullptr;
-    for (; pstNode != nullptr; pstNode = pstNode->pstNext) {
-        pstLast = &pstNode->stStyle;
-        for (const uint16_t usUnit : pstLast->ausStyleName)
+    const SSAStyleNode *const pstFirst = pstQuibCaptionParserInfo->pstSSAStyleList;
+    const SSAStyleNode *pstLast = pstFirst;
+    for (const SSAStyleNode *pstNode = pstFirst; pstNode != nullptr; pstNode = pstNode->pstNext) {
+        pstLast = pstNode;
+        for (const uint16_t usUnit : pstNode->stStyle.ausStyleName)
             if (usUnit != 0) strNames += static_cast<char>(usUnit);
         strNames += "|";
     }
+    ASSERT_NE(pstFirst, nullptr);
     EXPECT_EQ(strNames, "MyName|long|closed|" + Repeat("n", 51) + "|");
-    EXPECT_EQ(std::memcmp(stFirst.ausFontName, u"TimesNewRoman\0", 28), 0);
+    EXPECT_EQ(std::memcmp(pstFirst->stStyle.ausFontName, u"TimesNewRoman\0", 28), 0);
     const uint32_t auiWanted[] = {1, 0xFF00FF, 3, 4, 5, 0, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
-    EXPECT_EQ(std::memcmp(&stFirst.uiFontSize, auiWanted, sizeof(auiWanted)), 0);
-    EXPECT_EQ(pstLast->uiEncoding, 0u) << "nine digits are no number";
+    EXPECT_EQ(std::memcmp(&pstFirst->stStyle.uiFontSize, auiWanted, sizeof(auiWanted)), 0);
+    EXPECT_EQ(pstLast->stStyle.uiEncoding, 0u) << "nine digits are no number";
 }
 
 // ---- Styles ----
@@ -351,16 +351,17 @@ TEST_F(SsaTest, OverridesDoWhatTheirTableSays)
 
 TEST_F(SsaTest, FieldsHoldLessThan512Units)
 {
+    const auto fnLine = [](const std::string &strEnd, const std::string &strName) {
+        return "Dialogue: 0,0:00:01.00," + strEnd + ",S," + strName + ",0,0,0,,x\r\n";
+    };
     for (const size_t uiUnits : {511u, 512u, 513u}) {
-        const bool bFits = uiUnits < 512;
+        const std::string strText = uiUnits < 512 ? "x" : "";
         const std::string strFill = Repeat("x", uiUnits - 10);
         ASSERT_TRUE(Open_File(EVENTS + Line("0:00:01.00" + strFill, "x")));
-        EXPECT_EQ(s_stCaptionFrameList.uiNodeNum, bFits ? 1u : 0u) << uiUnits;
-        EXPECT_EQ(First(File("Dialogue: 0,0:00:01.00,0:00:02.00" + strFill + ",S,n,0,0,0,,x\r\n")),
-                  bFits ? "1000-2000 x" : "1000-0 ");
-        EXPECT_EQ(
-            First(File("Dialogue: 0,0:00:01.00,0:00:02.00,S," + Repeat("n", uiUnits) + " ,0,0,0,,x\r\n")),
-            bFits ? "1000-2000 x" : "1000-2000 ");
+        EXPECT_EQ(s_stCaptionFrameList.uiNodeNum, strText.size()) << uiUnits;
+        EXPECT_EQ(First(File(fnLine("0:00:02.00" + strFill, "n"))),
+                  uiUnits < 512 ? "1000-2000 x" : "1000-0 ");
+        EXPECT_EQ(First(File(fnLine("0:00:02.00", Repeat("n", uiUnits) + " "))), "1000-2000 " + strText);
     }
     EXPECT_EQ(First(File("Dialogue: 0,0:00:01.00,never,S,,0,0,0,,x\r\n")), "!1000-0 ");
     EXPECT_EQ(First(File("Dialogue: 0,0:00:01.00,0:00:02.00,S\r\n")), "1000-2000 ");
