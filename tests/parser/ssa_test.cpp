@@ -61,14 +61,16 @@ protected:
         return Texts();
     }
 
-    /** How the text looks in the end: mode, size, colour, outline colour, highlight. */
-    static std::string Get_Look()
+    /** @return a file's first frame, and how its text looks in the end: "1000-9500 x: " and then mode, size,
+     * colour, outline colour, highlight. */
+    std::string First_Look(const std::string &strFile)
     {
+        const std::string strFrame = First(strFile);
         const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
         char szLook[64];
-        snprintf(szLook, sizeof(szLook), "%X %u %04X %X %u", stInfo.uiDisplayMode, stInfo.uiFontSize,
+        snprintf(szLook, sizeof(szLook), ": %X %u %04X %X %u", stInfo.uiDisplayMode, stInfo.uiFontSize,
                  stInfo.usFontColor, stInfo.usOutlineColor, stInfo.uiHighlight);
-        return szLook;
+        return strFrame + szLook;
     }
 
     static const SSAFrameInfo &Get_Fields() { return pstQuibCaptionParserInfo->stSSAFrameInfo; }
@@ -180,28 +182,23 @@ TEST_F(SsaTest, EveryStyleFieldIsKept)
 
 TEST_F(SsaTest, StyleGivesTheFrameItsLook)
 {
-    // clang-format off
-    static const struct {
-        const char *pszNumbers; // size, 4 colours, bold, italic, border, outline, shadow, alignment, 5 more
-        std::string strLook;
-    } CASES[] = {
-        {"20,255,0,0,65280,0,0,0,0,0,2,0,0,0,0,0", "20 20 001F 0 0"},
-        {"0,&H00FF0000,0,0,65280,0,0,1,0,0,2,0,0,0,0,0", "20 16 F800 7E0 0"},
-        {"20,0,9,9,65280,1,0,0,9,9,1,9,9,9,9,9", "34 20 0000 0 0"},
-        {"20,0,0,0,0,0,1,0,0,0,3,0,0,0,0,0", "68 20 0000 0 0"},
-        {"20,0,0,0,0,-1,-1,0,0,0,6,0,0,0,0,0", "2020 20 0000 0 0"},
-        {"20,0,0,0,0,0,0,0,0,0,13,0,0,0,0,0", "2030 20 0000 0 0"},
-        {"20,0,0,0,0,0,0,0,0,0,11,0,0,0,0,0", "4060 20 0000 0 0"},
-        {"20,0,0,0,0,0,0,0,0,0,8,0,0,0,0,0", "4020 20 0000 0 0"},
+    // Size, 4 colours, bold, italic, border, outline, shadow, alignment, 5 more.
+    static const std::pair<const char *, const char *> CASES[] = {
+        {"20,255,0,0,65280,0,0,0,0,0,2,0,0,0,0,0", "1000-9500 x: 20 20 001F 0 0"},
+        {"0,&H00FF0000,0,0,65280,0,0,1,0,0,2,0,0,0,0,0", "1000-9500 x: 20 16 F800 7E0 0"},
+        {"20,0,9,9,65280,1,0,0,9,9,1,9,9,9,9,9", "1000-9500 x: 34 20 0000 0 0"},
+        {"20,0,0,0,0,0,1,0,0,0,3,0,0,0,0,0", "1000-9500 x: 68 20 0000 0 0"},
+        {"20,0,0,0,0,-1,-1,0,0,0,6,0,0,0,0,0", "1000-9500 x: 2020 20 0000 0 0"},
+        {"20,0,0,0,0,0,0,0,0,0,13,0,0,0,0,0", "1000-9500 x: 2030 20 0000 0 0"},
+        {"20,0,0,0,0,0,0,0,0,0,11,0,0,0,0,0", "1000-9500 x: 4060 20 0000 0 0"},
+        {"20,0,0,0,0,0,0,0,0,0,8,0,0,0,0,0", "1000-9500 x: 4020 20 0000 0 0"},
     };
-    // clang-format on
-    for (const auto &stCase : CASES) {
-        First("[v4 Styles]\r\n" + Style("S", stCase.pszNumbers) + EVENTS + Line("0:00:01.00", "x", "S"));
-        EXPECT_EQ(Get_Look(), stCase.strLook) << stCase.pszNumbers;
-    }
+    for (const auto &[pszNumbers, pszLook] : CASES)
+        EXPECT_EQ(
+            First_Look(INFO + Style("S", pszNumbers).append(EVENTS).append(Line("0:00:01.00", "x", "S"))),
+            pszLook);
     QUIBCAPT_SetFontColor(0x1234);
-    EXPECT_EQ(First(File(Second(1, "x"))), "1000-9500 x");
-    EXPECT_EQ(Get_Look(), "0 16 1234 0 0");
+    EXPECT_EQ(First_Look(File(Second(1, "x"))), "1000-9500 x: 0 16 1234 0 0");
     EXPECT_EQ(Get_Fields().pstStyle, nullptr);
 }
 
@@ -308,12 +305,11 @@ TEST_F(SsaTest, Texts)
 TEST_F(SsaTest, OverridesDoWhatTheirTableSays)
 {
     const std::string PLAIN = "0 16 FFFF 0 0";
+    const std::string LONG = Repeat("0", 30);
     // clang-format off
-    static const struct {
-        std::string strBlock;
-        std::string strLook;
-        size_t uiFailures = 0;        // blocks that could not be parsed
-        const char *pszLog = "~none"; // what else is logged
+    const struct {
+        std::string strBlock, strLook;
+        const char *pszComplaints = "";
     } CASES[] = {
         {"{\\b1}", "4 16 FFFF 0 0"}, {"{\\B1x}", "4 16 FFFF 0 0"}, {"{\\b0}", PLAIN}, {"{\\b}", PLAIN},
         {"{\\bord1}", PLAIN}, {"{\\b \t1}", "4 16 FFFF 0 0"}, {"{\\i1}", "8 16 FFFF 0 0"},
@@ -321,32 +317,38 @@ TEST_F(SsaTest, OverridesDoWhatTheirTableSays)
         {"{\\fnArial}", PLAIN}, {"{\\fe0}", PLAIN}, {"{\\fs36}", "0 36 FFFF 0 0"},
         {"{\\fs1 2}", "0 1 FFFF 0 0"}, {"{\\fscx90}", "0 0 FFFF 0 0"}, {"{\\fs}", PLAIN},
         {"{\\c&HFF8000&}", "0 16 FC00 0 0"}, {"{\\C&hff8000&}", "0 16 FC00 0 0"},
-        {"{\\c&H1234FF8000&}", "0 16 FC00 0 0"}, {"{\\c&H&}", PLAIN},
-        {"{\\c&HFF8000}", PLAIN, 1, "NO Parsing TAG Type = "},
-        {"{\\c&H}", PLAIN, 1, "NO Parsing TAG Type = "},
-        {"{\\c&H12G4&}", PLAIN, 0, "RGB Color Data is bad! (DATA = 12G4,  VALUE = 0x00000012)"},
-        {"{\\c&H" + Repeat("0", 30) + "&}", "0 16 0000 0 0"},
-        {"{\\c&H" + Repeat("0", 31) + "&}", PLAIN, 0, "Too Long Color Name! ([31] >> [30])"},
-        {"{\\a1}", "10 16 FFFF 0 0"}, {"{\\a2}", "20 16 FFFF 0 0"}, {"{\\a3}", "40 16 FFFF 0 0"},
-        {"{\\an1}", "20 16 FFFF 0 0"}, {"{\\a}", PLAIN}, {"{\\k50}", "0 16 FFFF 0 50"},
-        {"{\\k}", PLAIN}, {"{\\b1}{\\fs9}{\\c&H0&}{\\k9}{\\r}", PLAIN}, {"{}", PLAIN, 1},
-        {"{\\}", PLAIN, 1}, {"{b1}", PLAIN, 1}, {"{\\pos(10,10)}", PLAIN, 1},
-        {"{\\b1\xC3\xA9}", PLAIN, 1, "Bad Tag Name Character! [0x00E9]"},
-        {"{\\b1" + Repeat("x", 508) + "}", "4 16 FFFF 0 0"},
+        {"{\\c&H1234FF8000&}", "0 16 FC00 0 0"}, {"{\\c&H&}", PLAIN}, {"{\\c&HFF8000}", PLAIN, "!!"},
+        {"{\\c&H}", PLAIN, "!!"}, {"{\\c&H12G4&}", PLAIN, "!"}, {"{\\c&H" + LONG + "&}", "0 16 0000 0 0"},
+        {"{\\c&H0" + LONG + "&}", PLAIN, "!"}, {"{\\a1}", "10 16 FFFF 0 0"}, {"{\\a2}", "20 16 FFFF 0 0"},
+        {"{\\a3}", "40 16 FFFF 0 0"}, {"{\\an1}", "20 16 FFFF 0 0"}, {"{\\a}", PLAIN}, {"{\\k50}", "0 16 FFFF 0 50"},
+        {"{\\k}", PLAIN}, {"{\\b1}{\\fs9}{\\c&H0&}{\\k9}{\\r}", PLAIN}, {"{}", PLAIN, "!"},
+        {"{\\}", PLAIN, "!"}, {"{b1}", PLAIN, "!"}, {"{\\pos(10,10)}", PLAIN, "!"},
+        {"{\\b1é}", PLAIN, "!!"}, {"{\\b1" + Repeat("x", 508) + "}", "4 16 FFFF 0 0"},
     };
     // clang-format on
-    for (const auto &stCase : CASES) {
-        const std::string strFrame = First("\xEF\xBB\xBF" + EVENTS + Second(1, "a" + stCase.strBlock + "b"));
-        EXPECT_TRUE(strFrame.ends_with("1000-9500 ab")) << strFrame;
-        EXPECT_EQ(Get_Look(), stCase.strLook) << stCase.strBlock;
-        EXPECT_EQ(Count_Log("Failed to parse the caption tag!"), stCase.uiFailures) << stCase.strBlock;
-        EXPECT_EQ(Count_Log(stCase.pszLog), stCase.pszLog[0] == '~' ? 0u : 1u) << stCase.strBlock;
-    }
+    for (const auto &stCase : CASES)
+        EXPECT_EQ(First_Look("\xEF\xBB\xBF" + EVENTS + Second(1, "a" + stCase.strBlock + "b")),
+                  stCase.pszComplaints + ("1000-9500 ab: " + stCase.strLook))
+            << stCase.strBlock;
     // One unit more than a block can hold; then a reset, to the style's colour and the usual height.
-    EXPECT_EQ(First(File(Second(1, "a{\\b1" + Repeat("x", 509) + "}b"))), "1000-9500 a");
-    EXPECT_EQ(Get_Look(), PLAIN);
-    EXPECT_EQ(First(File(Line("0:00:01.00", "{\\b1}{\\c&H0&}{\\k3}{\\r}x", "Default"))), "1000-9500 x");
-    EXPECT_EQ(Get_Look(), "0 16 001F 0 0");
+    EXPECT_EQ(First_Look(File(Second(1, "a{\\b1" + Repeat("x", 509) + "}b"))), "1000-9500 a: " + PLAIN);
+    EXPECT_EQ(First_Look(File(Line("0:00:01.00", "{\\b1}{\\c&H0&}{\\k3}{\\r}x", "Default"))),
+              "1000-9500 x: 0 16 001F 0 0");
+}
+
+TEST_F(SsaTest, OverridesThatCannotBeReadAreReported)
+{
+    const std::pair<std::string, const char *> CASES[] = {
+        {"{b1}", "FrameParser_SSA() - Failed to parse the caption tag!"},
+        {"{\\c&H}", "NO Parsing TAG Type = "},
+        {"{\\c&H12G4&}", "RGB Color Data is bad! (DATA = 12G4,  VALUE = 0x00000012)"},
+        {"{\\c&H" + Repeat("0", 31) + "&}", "Too Long Color Name! ([31] >> [30])"},
+        {"{\\b1é}", "Bad Tag Name Character! [0x00E9]"},
+    };
+    for (const auto &[strBlock, pszMessage] : CASES) {
+        First("\xEF\xBB\xBF" + EVENTS + Second(1, strBlock));
+        EXPECT_EQ(Count_Log(pszMessage), 1u) << strBlock;
+    }
 }
 
 TEST_F(SsaTest, FieldsHoldLessThan512Units)
