@@ -27,7 +27,7 @@ TEST(GlyphCache, WhatIsFoundIsWhatWasStored)
         ASSERT_EQ(pstFound->iAdvance, iAdvance);
         ASSERT_EQ(pstFound->uiRows, uiRows);
         ASSERT_EQ(pstFound->iPitch, static_cast<int32_t>((uiWidth + 7) / 8));
-        const uint8_t *pucEnd = pstFound->pucBits + uiRows * static_cast<uint32_t>(pstFound->iPitch);
+        const uint8_t *pucEnd = pstFound->pucBits + size_t{uiRows} * static_cast<uint32_t>(pstFound->iPitch);
         ASSERT_TRUE(std::equal(pstFound->pucBits, pucEnd, vucBits.begin()));
     }
     EXPECT_GT(uiFound, 2000U);
