@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <random>
+#include <sstream>
 
 #include "parser/sami_kit.h"
 
@@ -133,15 +134,16 @@ TEST_F(SamiTest, IndexIsInTimeOrderForEveryOrderOfTags)
             strFile += Sync(aiTime[iRound % 3], "X", std::to_string(iBlock)) + Repeat(" ", 20);
             mapPlaces.emplace(aiTime[iRound % 3], iBlock);
         }
-        std::string strWanted; // backwards, as each frame ends where the next one begins
-        std::string strEnd = "open";
-        for (auto itPlace = mapPlaces.rbegin(); itPlace != mapPlaces.rend(); ++itPlace) {
-            const std::string strStart = std::to_string(itPlace->first);
-            strWanted = strStart + "-" + strEnd + " " + std::to_string(itPlace->second) +
-                        (strWanted.empty() ? "" : "; ") + strWanted;
-            strEnd = strStart;
+        std::ostringstream stWanted;
+        for (auto itPlace = mapPlaces.begin(); itPlace != mapPlaces.end();) {
+            const auto &[iTime, iBlock] = *itPlace++;
+            stWanted << (iBlock == mapPlaces.begin()->second ? "" : "; ") << iTime << '-';
+            if (itPlace == mapPlaces.end())
+                stWanted << "open " << iBlock;
+            else
+                stWanted << itPlace->first << ' ' << iBlock;
         }
-        ASSERT_EQ(Play(".smi", strFile), strWanted);
+        ASSERT_EQ(Play(".smi", strFile), stWanted.str());
     }
     // Signed: negative times come first.
     EXPECT_EQ(Play(".smi", Sync(5, "X", "a") + Sync(4294967295, "X", "b") + Sync(2147483648, "X", "c")),
