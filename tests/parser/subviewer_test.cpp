@@ -98,11 +98,12 @@ TEST_F(SubViewer, HeaderValues)
     // clang-format on
     for (const auto &stCase : CASES) {
         SCOPED_TRACE(stCase.pszWhy);
-        ASSERT_EQ(Open(".SUB", HEADER + stCase.strHeader + GOOD), 0u);
+        const std::string strHeader = HEADER + stCase.strHeader;
+        ASSERT_EQ(Open(".SUB", strHeader + GOOD), 0u);
         EXPECT_EQ(Get_Header(), stCase.strValues);
         EXPECT_EQ(Count_Log("Unknown caption field!"), stCase.uiUnknown);
         EXPECT_EQ(Count_Log("Failed to parse the caption field!"), stCase.uiFailed);
-        EXPECT_EQ(Get_FirstPlace(), static_cast<int64_t>((HEADER + stCase.strHeader).size()));
+        EXPECT_EQ(Get_FirstPlace(), static_cast<int64_t>(strHeader.size()));
         EXPECT_EQ(Play(), "1000-2500 b");
     }
 }
