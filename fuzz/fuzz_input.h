@@ -1,0 +1,52 @@
+/* The bytes of one fuzz input: what they are for is decided as they are taken. */
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+
+class FuzzInput
+{
+public:
+    FuzzInput(const uint8_t *pucData, size_t uiSize) : m_aucLeft(pucData, uiSize) {}
+
+    bool IsEmpty() const { return m_aucLeft.empty(); }
+
+    /* Taken from the end, 0 when nothing is left, so that a whole file is an input as it stands. */
+    uint8_t Take_Byte()
+    {
+        if (m_aucLeft.empty()) return 0;
+        const uint8_t ucByte = m_aucLeft.back();
+        m_aucLeft = m_aucLeft.first(m_aucLeft.size() - 1);
+        return ucByte;
+    }
+
+    uint32_t Take_Number()
+    {
+        const uint32_t uiHigh = Take_Byte();
+        return uiHigh << 8 | Take_Byte();
+    }
+
+    FuzzInput Take_Tail(size_t uiMost)
+    {
+        const size_t uiTaken = m_aucLeft.size() < uiMost ? m_aucLeft.size() : uiMost;
+        const std::span<const uint8_t> aucTail = m_aucLeft.last(uiTaken);
+        m_aucLeft = m_aucLeft.first(m_aucLeft.size() - uiTaken);
+        return {aucTail.data(), aucTail.size()};
+    }
+
+    std::span<const uint8_t> Get_Rest() const { return m_aucLeft; }
+
+private:
+    std::span<const uint8_t> m_aucLeft;
+};
+
+/* A broken promise ends the run as a crash does, so that the input is kept. */
+inline void Demand(bool bKept, const char *pszPromise)
+{
+    if (bKept) return;
+    std::fprintf(stderr, "broken: %s\n", pszPromise);
+    std::abort();
+}
