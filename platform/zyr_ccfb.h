@@ -22,7 +22,7 @@ void *zyr_ccfb_map(int32_t iDevice, uint32_t uiBytes, uint32_t uiPhysBase);
  * Send a request.
  *
  * @param[in] pvArgument  the request's argument, uiBytes bytes long; NULL with 0 bytes for a request without
- * one
+ *                        one
  * @return 0, or a negative value when the device refuses
  */
 int32_t zyr_ccfb_request(int32_t iDevice, uint32_t uiRequest, const void *pvArgument, uint32_t uiBytes);

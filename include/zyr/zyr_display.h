@@ -58,8 +58,10 @@ ZYR_API int32_t zyr_display_setOnoff(int32_t iOn);
  *
  * @param[in] uiSize  28, 32, 36 or 40: 4, 8, 12 or 16 pixels above the default; any other value: the default
  *
- * @return 0. Before the first call captions are 32 pixels high. Call it while the display is open: a closed
- * one has a default of 0, with which nothing can be drawn.
+ * @return 0
+ *
+ * Before the first call captions are 32 pixels high. Call it while the display is open: a closed one has a
+ * default of 0, with which nothing can be drawn.
  */
 ZYR_API int32_t zyr_display_setFontSize(uint32_t uiSize);
 

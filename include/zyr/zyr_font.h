@@ -99,9 +99,9 @@ ZYR_API int32_t zyr_font_setFontSize(uint32_t uiMode, uint32_t uiWidth, uint32_t
  * unit just filled a line. Measuring stops after 60 lines.
  *
  * @param[in]  pusString     the text, ended by a 0 unit
- * @param[in]  iLength       units to take, newlines included; 0 or less takes none. A newline does not end
- * the walk by itself: the unit behind it is still taken. Where the string ends before the length, its last
- * line counts only if a newline ends it
+ * @param[in]  iLength       units to take, newlines included; 0 or less takes none. A newline does not end the
+ *                           walk by itself: the unit behind it is still taken. Where the string ends before
+ *                           the length, its last line counts only if a newline ends it
  * @param[in]  uiLineHeight  pixels
  * @param[out] puiWidth      widest line in pixels, at most the region's width; may be NULL
  * @param[out] puiHeight     lines x uiLineHeight; may be NULL

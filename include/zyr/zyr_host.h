@@ -25,8 +25,7 @@
 extern "C" {
 #endif
 
-/* --------------------------------------------------------------------------------------------------- version
- */
+/* ------------------------------------------------------------------------------------------------ version */
 
 /** The version of this header. */
 #define ZYR_HOST_VERSION ZYR_VERSION
@@ -35,8 +34,7 @@ extern "C" {
  * major number, 8 to 15 the minor one, 0 to 7 the patch. */
 uint32_t zyr_host_version(void);
 
-/* ------------------------------------------------------------------------------------------------------- log
- */
+/* ---------------------------------------------------------------------------------------------------- log */
 
 /**
  * Receives one log message.
@@ -52,15 +50,14 @@ typedef void (*ZyrHostLogSink)(int iPriority, const char *pszTag, const char *ps
  * Send every log message, whatever its priority, to a function.
  *
  * @param[in] pfSink    the function; NULL restores the default sink, which writes to standard error the
- * messages that the environment variable ZYR_LOG asks for: "off" (also when unset or unknown) none, "error"
- * priority 6 and above, "debug" priority 3 and above. The variable is read at start, and again by this call
- * and by zyr_host_reset()
+ *                      messages that the environment variable ZYR_LOG asks for: "off" (also when unset or
+ *                      unknown) none, "error" priority 6 and above, "debug" priority 3 and above. The
+ *                      variable is read at start, and again by this call and by zyr_host_reset()
  * @param[in] pContext  handed to pfSink, never looked at
  */
 void zyr_host_setLogSink(ZyrHostLogSink pfSink, void *pContext);
 
-/* ------------------------------------------------------------------------------------------------ properties
- */
+/* --------------------------------------------------------------------------------------------- properties */
 
 /**
  * Set a system property, as the box's settings program does.
@@ -79,36 +76,34 @@ int zyr_host_setProperty(const char *pszKey, const char *pszValue);
  *
  * @return 0   every line was taken
  *         -1  the file cannot be read, or a line has no '=' or does not fit; the other lines are taken all
- * the same
+ *             the same
  */
 int zyr_host_loadProperties(const char *pszPath);
 
-/* ------------------------------------------------------------------------------------------------------ font
- */
+/* --------------------------------------------------------------------------------------------------- font */
 
 /**
  * Name the TrueType file that the caption renderer opens.
  *
  * @param[in] pszPath  the file's path, taken as it is; NULL restores the default: the environment variable
- * ZYR_FONT, else "/system/fonts/DroidSansFallback.ttf" if it exists, else
+ *                     ZYR_FONT, else "/system/fonts/DroidSansFallback.ttf" if it exists, else
  *                     "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc"
  *
  * A renderer that is open keeps its font until it is opened again.
  */
 void zyr_host_setFontFile(const char *pszPath);
 
-/* ----------------------------------------------------------------------------------------------------- files
- */
+/* -------------------------------------------------------------------------------------------------- files */
 
 /**
  * Choose how files opened from now on present their text; files that are open stay as they are.
  *
  * @param[in] iMode  0  the file's own bytes (at start); also any value not listed
  *                   1  every line end (LF, CR, CR LF, CR CR LF) reads as CR LF. A file that begins with FF FE
- * or FE FF is taken as 16-bit units in that order, with a last odd byte kept; any other by bytes. Size, seeks
- * and positions are those of the presented text. It is made when the file is opened and kept in memory until
- * it is closed; an open fails when memory runs out, or for a text past 2^31 - 1 bytes, where no seek could
- * reach
+ *                      or FE FF is taken as 16-bit units in that order, with a last odd byte kept; any other
+ *                      by bytes. Size, seeks and positions are those of the presented text. It is made when
+ *                      the file is opened and kept in memory until it is closed; an open fails when memory
+ *                      runs out, or for a text past 2^31 - 1 bytes, where no seek could reach
  */
 void zyr_host_setLineEnds(int iMode);
 
@@ -118,7 +113,7 @@ void zyr_host_setLineEnds(int iMode);
  *
  * @param[in] pszName  compared byte by byte with the name that is opened; a name has one mapping, the latest
  * @param[in] pszPath  the file to open instead, looked for when the name is opened and never mapped again;
- * NULL removes the name's mapping, of either kind
+ *                     NULL removes the name's mapping, of either kind
  * @return 0   done, also when there was nothing to remove
  *         -1  the name is NULL or empty
  */
@@ -129,7 +124,8 @@ int zyr_host_mapFile(const char *pszName, const char *pszPath);
  *
  * @param[in] pszName  as for zyr_host_mapFile()
  * @param[in] pvData   the caller's bytes, not copied: they must stay, unchanged, until the mapping is removed
- * and every file opened through it is closed; NULL removes the name's mapping, of either kind
+ *                     and every file opened through it is closed; NULL removes the name's mapping, of either
+ *                     kind
  * @param[in] uiBytes  their number; 0 is an empty file
  * @return as zyr_host_mapFile()
  */
@@ -138,14 +134,13 @@ int zyr_host_mapMemory(const char *pszName, const void *pvData, uint32_t uiBytes
 /** @return files open now. */
 uint32_t zyr_host_openFiles(void);
 
-/* -------------------------------------------------------------------------------------------- calls that
- * fail */
+/* ---------------------------------------------------------------------------------------- calls that fail */
 
 /**
  * Make ZYR_malloc() fail.
  *
  * @param[in] uiNth          1 the next call, 2 the one after it, and so on; 0 none. Replaces what was set
- * before
+ *                           before
  * @param[in] iFromThenOn    0 that call only; else that one and all after it
  */
 void zyr_host_failAllocation(uint32_t uiNth, int iFromThenOn);
@@ -166,11 +161,12 @@ enum { ZYR_HOST_OPEN = 0, ZYR_HOST_READ = 1, ZYR_HOST_SEEK = 2, ZYR_HOST_TELL = 
  * @param[in] iCall        ZYR_HOST_OPEN to ZYR_HOST_TELL; another value does nothing
  * @param[in] uiNth        1 the next call of that kind, 2 the one after it, and so on; 0 none
  * @param[in] iResult      what the call gives:
- *                         open   not looked at: no file is opened, the caller gets NULL
- *                         read   above 0: at most that many elements are read, the position moves over them,
- * and the caller is told how many were there; else the caller is told iResult, and nothing is read nor the
- * position moved seek   the caller is told iResult, and the position does not move, for 0 neither tell   the
- * caller is told iResult
+ *                         open  not looked at: no file is opened, the caller gets NULL
+ *                         read  above 0: at most that many elements are read, the position moves over them,
+ *                               and the caller is told how many were there; else the caller is told iResult,
+ *                               nothing is read, and the position stays
+ *                         seek  the caller is told iResult, and the position stays, also for 0
+ *                         tell  the caller is told iResult
  * @param[in] iFromThenOn  0 that call only; else that one and all after it
  */
 void zyr_host_failFile(int iCall, uint32_t uiNth, int32_t iResult, int iFromThenOn);
@@ -189,8 +185,9 @@ uint32_t zyr_host_fileCalls(int iCall);
  * @return what the library is told, and with it:
  *         open   0 makes an open file close again and fail; a file that could not be opened stays so
  *         read   the hook is asked before anything is read. 0 to uiAsked: at most so many elements are read,
- * and the library is told how many were there. Below 0 or above uiAsked: all that was asked for is read as
- *                far as it exists, the position moves over it, and the library is told the returned value
+ *                and the library is told how many were there. Below 0 or above uiAsked: all that was asked
+ *                for is read as far as it exists, the position moves over it, and the library is told the
+ *                returned value
  *         seek   the seek has been done, as iReal says; the position stays there whatever is returned
  *         tell   nothing else
  */
@@ -202,14 +199,13 @@ typedef int32_t (*ZyrHostFileHook)(int iCall, uint32_t uiAsked, int32_t iReal, v
  */
 void zyr_host_setFileHook(ZyrHostFileHook pfHook, void *pContext);
 
-/* -------------------------------------------------------------------------------------------- caption device
- */
+/* ----------------------------------------------------------------------------------------- caption device */
 
 /**
  * Make a step of opening the caption device fail, until this is called again.
  *
  * @param[in] iStep  0 none, 1 the open, 2 the region information (the region is unknown), 3 the mapping;
- * another value means none
+ *                   another value means none
  */
 void zyr_host_failDevice(int iStep);
 
@@ -228,7 +224,7 @@ enum {
  *
  * @param[in] uiStep      one of the steps above, or the request's number
  * @param[in] pvArgument  region: its name, zero-terminated; map: two uint32, length and physical offset in
- * bytes; a request: its argument; else NULL. Valid during the call
+ *                        bytes; a request: its argument; else NULL. Valid during the call
  * @param[in] uiBytes     length of pvArgument; a name's closing zero is not counted
  * @param[in] pContext    as given to zyr_host_setDeviceTrace()
  */
@@ -241,9 +237,9 @@ void zyr_host_setDeviceTrace(ZyrHostDeviceTrace pfTrace, void *pContext);
  * Look at the caption plane's memory: 4 MiB, as 16-bit pixels (RGB565).
  *
  * @param[out] puiPhysBase  the physical address of its first byte; may be NULL, untouched when NULL is
- * returned
+ *                          returned
  * @return the memory, or NULL before the device was opened for the first time. It belongs to the platform and
- * stays valid to the end of the program; zyr_host_reset() clears it
+ *         stays valid to the end of the program; zyr_host_reset() clears it
  */
 uint16_t *zyr_host_captionMemory(uint32_t *puiPhysBase);
 
@@ -253,15 +249,14 @@ uint16_t *zyr_host_captionMemory(uint32_t *puiPhysBase);
  * other is drawn opaque. What lies outside the picture or outside the caption memory is left out.
  *
  * @param[in,out] pucRgba  uiWidth x uiHeight pixels of four bytes (red, green, blue, alpha), rows without a
- * gap
+ *                         gap
  * @return 0   drawn
  *         -1  nothing is shown (disabled, or not yet configured and updated), or pucRgba is NULL; the picture
- * is as it was
+ *             is as it was
  */
 int zyr_host_composeCaption(uint8_t *pucRgba, uint32_t uiWidth, uint32_t uiHeight);
 
-/* ----------------------------------------------------------------------------------------------------- reset
- */
+/* -------------------------------------------------------------------------------------------------- reset */
 
 /**
  * Put everything above back to its start: log sink, properties (the file of ZYR_PROPERTIES is read again),

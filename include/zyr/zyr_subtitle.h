@@ -32,7 +32,7 @@ extern "C" {
  *
  * @param[in] pszMovieFileName  the movie's path, up to 508 bytes before its last dot
  * @param[in] iOpenOption       1: every byte of a code-page file is one character; any other value:
- * double-byte characters are recognised
+ *                              double-byte characters are recognised
  *
  * @return 0  open; close it with zyrSubtitle_close()
  *         1  no subtitle file, or one that cannot be read; nothing is open
@@ -79,7 +79,7 @@ ZYR_API uint32_t zyrSubtitle_seek(uint32_t uiTimeMs);
 
 /**
  * @return character set of the delivered text: 1 the file's own code page (a unit above 0xFF or with bit 7
- * set is two bytes, high byte first), 2 UTF-16 in host byte order, 3 UTF-8; 0 when nothing is open
+ *         set is two bytes, high byte first), 2 UTF-16 in host byte order, 3 UTF-8; 0 when nothing is open
  */
 ZYR_API uint32_t zyrSubtitle_getOutputTextCharacterSet(void);
 

@@ -20,7 +20,7 @@ void Index_Styles();
  * Find the first style, in file order, whose name begins with a text; case matters.
  *
  * @param[in] uiLen  units of the text; of more than ZYR_SSA_NAME_UNITS the rest is not looked at, and 0 is
- * the beginning of every name
+ *                   the beginning of every name
  * @return the style, or NULL
  */
 const SSAStyleInfo *Find_Style(const uint16_t *pusText, uint32_t uiLen);

@@ -107,7 +107,7 @@ constexpr uint32_t Get_TagId(int32_t iResult)
  * @param[in] pusTag  the tag from its "<" on
  * @param[in] iLen    units, the closing ">" included
  * @return a kind ORed with the tag id; 0 for a text that is no tag; -1 for a NULL, no units, or a malformed
- * SYNC time
+ *         SYNC time
  */
 int32_t Parse_HtmlTag(const uint16_t *pusTag, int32_t iLen);
 

@@ -52,7 +52,7 @@ uint32_t Find_NextStop(uint32_t uiClass, uint32_t uiPlace);
 
 /**
  * @return place of a frame's SYNC tag at a file position when not only this one can be passed over; else
- * NO_SYNC_PLACE
+ *         NO_SYNC_PLACE
  */
 uint32_t Find_PassedStart(uint32_t uiClass, int64_t llFilePos);
 

@@ -35,7 +35,7 @@ enum DisplayMode : uint32_t {
  *
  * @param[in] puiParam  the command's value (colours in the low 16 bits); NULL for E_TAGCMD_LINE_BREAK
  * @return 1 done, also for a line break that a full frame refuses; -1 no value, or an unknown command
- * (logged)
+ *         (logged)
  */
 int32_t Execute_TagCommand(uint32_t eTagCmd, const uint32_t *puiParam);
 
