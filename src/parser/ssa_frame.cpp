@@ -5,6 +5,7 @@
 
 #include "caption/line_output.h"
 #include "caption/style_list.h"
+#include "parser/buffer_units.h"
 #include "parser/caption_text.h"
 #include "parser/char_reader.h"
 #include "parser/html_tag.h"
@@ -250,6 +251,35 @@ bool Step_Field(FrameScan &stScan, uint16_t usChar)
     return Hold_Unit<FIELD_STOPS>(usChar) ? Skip_Line(stScan) : true;
 }
 
+constexpr DigitPattern TIME_FIELDS("0:00:00.00,0:00:00.00,");
+constexpr uint32_t END_PLACE = 11;  // of the end time
+constexpr uint32_t START_FIELD = 1; // of FieldTable
+
+/** @return ms of the time at a place of the pattern. */
+uint32_t Get_UsualTime(const PatternDigits &stDigits, uint32_t uiPlace)
+{
+    const uint32_t uiMinutes = stDigits.aucDigit[uiPlace] * 60u + stDigits.Get_Pair(uiPlace + 2);
+    const uint32_t uiSeconds = uiMinutes * 60 + stDigits.Get_Pair(uiPlace + 5);
+    return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 8) * 10;
+}
+
+/** Look at both time fields where the first one begins. @return their bytes, or 0 unless both are good and in
+ * their usual form. */
+uint32_t Match_TimeFields(FrameScan &stScan, const BufferUnits &stUnits)
+{
+    PatternDigits stDigits;
+    if (stUnits.iNums < static_cast<int32_t>(TIME_FIELDS.uiUnits) ||
+        !Match_Pattern<TIME_FIELDS>(stUnits, 0, &stDigits))
+        return 0;
+    const uint32_t uiStart = Get_UsualTime(stDigits, 0);
+    const uint32_t uiEnd = Get_UsualTime(stDigits, END_PLACE);
+    if (uiStart == 0 || uiEnd == 0) return 0;
+    stScan.stFrame.uiStartPTS = uiStart;
+    stScan.stFrame.uiEndPTS = uiEnd;
+    stScan.uiField = START_FIELD + 2;
+    return TIME_FIELDS.uiUnits;
+}
+
 /** What Step_Field() does, for the ASCII bytes that the read buffer holds: fields are short and many. */
 void Take_AsciiFields(FrameScan &stScan)
 {
@@ -266,7 +296,10 @@ void Take_AsciiFields(FrameScan &stScan)
         pucByte += uiPlain;
         if (uiPlain == BLOCK_BYTES) continue;
         if (*pucByte != ' ' && *pucByte != ',') break;
-        if (*pucByte++ == ',' && !Finish_Field(stScan)) break;
+        if (*pucByte++ == ' ') continue;
+        if (!Finish_Field(stScan)) break;
+        if (stScan.uiField == START_FIELD)
+            pucByte += Match_TimeFields(stScan, {pucByte, 1, 0, static_cast<int32_t>(pucEnd - pucByte)});
     }
     stInfo.iStreamBufIndex = static_cast<int32_t>(pucByte - stInfo.pucStreamBuf);
 }

@@ -225,10 +225,26 @@ SubRipState Get_MarkupState(MarkupState eState)
     return static_cast<SubRipState>(E_SRT_TEXT + static_cast<uint32_t>(eState));
 }
 
+void End_TextLine()
+{
+    Lay_Out_Text();
+    Execute_TagCommand(E_TAGCMD_LINE_BREAK, nullptr);
+}
+
+/** @return whether the line end is over: CR LF, and behind it a character that is no CR. */
+bool Is_LineOver(const SubRipScan &stScan)
+{
+    return stScan.uiMatched == 2 && Is_CharAhead();
+}
+
 bool Step_Text(SubRipScan &stScan, uint16_t usChar)
 {
     stScan.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
-    if (usChar == '\r') Start_LineEnd(stScan);
+    if (usChar != '\r') return true;
+    Start_LineEnd(stScan);
+    if (!Is_LineOver(stScan)) return true;
+    End_TextLine();
+    stScan.eState = E_SRT_TEXT;
     return true;
 }
 
@@ -253,10 +269,7 @@ bool Step_FrameLineEnd(SubRipScan &stScan, uint16_t usChar)
 {
     const LineEndStep eStep = Step_LineEnd(stScan, usChar);
     if (eStep == E_LINE_END_MATCH) return true;
-    if (eStep == E_LINE_END_CRLF && stScan.eState == E_SRT_TEXT) {
-        Lay_Out_Text();
-        Execute_TagCommand(E_TAGCMD_LINE_BREAK, nullptr);
-    }
+    if (eStep == E_LINE_END_CRLF && stScan.eState == E_SRT_TEXT) End_TextLine();
     return false;
 }
 
@@ -369,7 +382,7 @@ int32_t FrameParser_SubRip(void)
     pstQuibCaptionParserInfo->llCurrFilePos = Get_ReadPosition(hFile);
     pstQuibCaptionParserInfo->uiConvLength = 0; // text of a frame that failed in the middle
     SubRipScan stScan = {};
-    Take_UsualHead(stScan);
+    if (Take_UsualHead(stScan) && Is_LineOver(stScan)) stScan.eState = E_SRT_TEXT;
     while (!stScan.bEntryEnd) {
         if (stScan.eState == E_SRT_TEXT) Append_PlainRun<TEXT_STOPS>();
         uint16_t usChar = 0;

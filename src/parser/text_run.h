@@ -184,6 +184,19 @@ inline bool Is_StopAhead()
            STOP_TABLE<STOPS>.Is_Stop(stInfo.pucStreamBuf[stInfo.iStreamBufIndex], false);
 }
 
+/** @return whether the read buffer begins with a whole character in good form: the reader will give it next.
+ */
+inline bool Is_CharAhead()
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const int32_t iHeld = stInfo.iStreamDataSize - stInfo.iStreamBufIndex;
+    if (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u) return iHeld >= 2;
+    const uint8_t *const pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    uint16_t usUnit = 0;
+    return iHeld > 0 &&
+           (*pucByte < 0x80 || Decode_HighByte(pucByte, pucByte + iHeld, Get_HighBytes(), &usUnit) > 0);
+}
+
 /**
  * Offer the units below 0x80 that the read buffer holds, one after the other, until fnTake(unit) refuses one
  * or another kind of unit stands there.
