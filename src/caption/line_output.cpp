@@ -249,16 +249,18 @@ void Put_Byte(QuibCaptionParserInfo &stInfo, uint32_t uiByte)
 uint32_t Put_AnsiUnits(uint8_t *pucText, uint32_t uiLength, const uint16_t *pusUnits, uint32_t uiUnits)
 {
     for (uint32_t uiPos = 0; uiPos < uiUnits && uiLength <= LAST_PAIR_POS;) {
-        if (uiUnits - uiPos >= BLOCK_UNITS && LAST_PAIR_POS - uiLength >= BLOCK_UNITS &&
-            Narrow_Block(pucText + uiLength, pusUnits + uiPos)) {
+        const uint32_t uiUnit = pusUnits[uiPos];
+        const bool bBlock = uiUnit < 0x80 && uiUnits - uiPos >= BLOCK_UNITS &&
+                            LAST_PAIR_POS - uiLength >= BLOCK_UNITS && pusUnits[uiPos + 1] < 0x80;
+        if (bBlock && Narrow_Block(pucText + uiLength, pusUnits + uiPos)) {
             uiPos += BLOCK_UNITS;
             uiLength += BLOCK_UNITS;
             continue;
         }
-        const uint32_t uiUnit = pusUnits[uiPos++];
         if (uiUnit >= 0x80)
             pucText[uiLength++] = static_cast<uint8_t>(uiUnit >> 8); // double-byte, or a high single byte
         pucText[uiLength++] = static_cast<uint8_t>(uiUnit);
+        ++uiPos;
     }
     return uiLength;
 }

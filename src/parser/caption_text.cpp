@@ -50,6 +50,23 @@ void Finish_Entity(uint32_t uiNums)
     stTag.uiTagLength = 0;
 }
 
+/** @return whether a unit may stand in an entity behind its "&" or "&#". */
+bool Is_EntityUnit(uint32_t uiUnit)
+{
+    return Is_Digit(uiUnit) || To_Upper(uiUnit) != uiUnit;
+}
+
+/** Collect the units of an entity that the read buffer holds, all but the one that makes it too long. */
+void Collect_EntityRun()
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    Take_AsciiUnits([&stTag](uint8_t ucUnit) {
+        if (stTag.uiTagLength + 1 >= ENTITY_UNITS || !Is_EntityUnit(ucUnit)) return false;
+        stTag.ausTagBuf[stTag.uiTagLength++] = ucUnit;
+        return true;
+    });
+}
+
 MarkupStep Drop_Entity()
 {
     Give_Back(s_pstTagControlInfo->uiTagLength);
@@ -104,8 +121,9 @@ MarkupStep Step_Entity(uint16_t usChar)
         return {E_MARKUP_TAG, false};
     default: break;
     }
-    const bool bGoesOn = stTag.uiTagLength < ENTITY_UNITS && (Is_Digit(usChar) || To_Upper(usChar) != usChar);
-    return bGoesOn ? MarkupStep{E_MARKUP_ENTITY, false} : Drop_Entity();
+    if (stTag.uiTagLength >= ENTITY_UNITS || !Is_EntityUnit(usChar)) return Drop_Entity();
+    Collect_EntityRun();
+    return {E_MARKUP_ENTITY, false};
 }
 
 void Complete_FrameText()

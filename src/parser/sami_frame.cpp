@@ -247,22 +247,28 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
     return true;
 }
 
-/** @return whether the name of a SYNC tag stands at the read position. */
-bool Is_SyncAhead()
-{
-    const BufferUnits stUnits = Get_BufferUnits();
-    return Holds_UsualTag(stUnits) && Begins_With(stUnits, SYNC_NAME);
-}
-
 SamiFrameState Get_MarkupState(MarkupState eState)
 {
     return static_cast<SamiFrameState>(E_FRAME_TEXT + static_cast<uint32_t>(eState));
 }
 
+/** A tag in the text, or the SYNC tag that ends it, begins. */
+void Begin_FrameTag(SamiFrame &stFrame)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    const bool bNameHeld = Holds_UsualTag(stUnits);
+    if (bNameHeld && Begins_With(stUnits, SYNC_NAME)) {
+        End_Frame(stFrame, 1);
+        return;
+    }
+    stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>('<'));
+    if (bNameHeld) Collect_TagRun<TAG_ENDS>(); // cannot pass over the name of a SYNC tag
+}
+
 bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
 {
-    if (usChar == '<' && Is_SyncAhead())
-        End_Frame(stFrame, 1);
+    if (usChar == '<')
+        Begin_FrameTag(stFrame);
     else
         stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
     return true;
@@ -348,7 +354,8 @@ void Start_Frame(SamiFrame &stFrame, int64_t llFilePos)
 
 void Read_Unit(SamiFrame &stFrame)
 {
-    if (stFrame.eState == E_FRAME_TEXT) Append_PlainRun<TEXT_STOPS>();
+    const bool bText = stFrame.eState == E_FRAME_TEXT && !Is_StopAhead<TEXT_STOPS>(); // stops come in a row
+    if (bText) Append_PlainRun<TEXT_STOPS>();
     uint16_t usChar = 0;
     const int32_t iResult = Get_CharCode(stFrame.hFile, &usChar, 0);
     if (iResult > 0) {
