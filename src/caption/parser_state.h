@@ -115,3 +115,11 @@ inline CaptionStreamInfo &Get_StreamInfo()
 {
     return pstQuibCaptionParserInfo->astStreamInfo[pstQuibCaptionParserInfo->uiCurrStream];
 }
+
+/** @return bytes that a read buffer holds and that are not taken yet. Behind its end the size may be any result
+ * of a failed read, however far below 0. */
+inline int32_t Get_HeldBytes(const CaptionStreamInfo &stInfo)
+{
+    const bool bAny = stInfo.iStreamBufIndex < stInfo.iStreamDataSize;
+    return bAny ? stInfo.iStreamDataSize - stInfo.iStreamBufIndex : 0;
+}

@@ -16,7 +16,7 @@ struct BufferUnits {
     const uint8_t *pucBytes;
     uint32_t uiUnitBytes; // 1 or 2
     uint32_t uiLow;       // byte of a unit that holds its low half
-    int32_t iNums;        // units that are there; below 0 at the end of the data
+    int32_t iNums;        // units that are there
 
     uint32_t operator[](uint32_t uiPos) const
     {
@@ -31,7 +31,7 @@ inline BufferUnits Get_BufferUnits()
     const uint32_t uiUnitBytes = s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u ? 2 : 1;
     return {stInfo.pucStreamBuf + stInfo.iStreamBufIndex, uiUnitBytes,
             s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1u : 0u,
-            (stInfo.iStreamDataSize - stInfo.iStreamBufIndex) >> (uiUnitBytes - 1)};
+            Get_HeldBytes(stInfo) >> (uiUnitBytes - 1)};
 }
 
 /** Take units off the read buffer. @return their bytes. */

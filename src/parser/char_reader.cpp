@@ -154,7 +154,7 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 int32_t Take_BufferedChar(uint16_t *pusChar)
 {
     CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int32_t iHeld = stInfo.iStreamDataSize - stInfo.iStreamBufIndex;
+    const int32_t iHeld = Get_HeldBytes(stInfo);
     if (iHeld < 2 || s_uiTextEncoding == E_TEXT_ENCODING_ANSI) return 0;
     const uint8_t *const pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
     uint32_t uiBytes = 2;

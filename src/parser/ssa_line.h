@@ -16,7 +16,7 @@ inline uint32_t Take_DialogueKey()
     constexpr char KEY[] = "Dialogue:";
     constexpr uint32_t KEY_BYTES = sizeof(KEY) - 1;
     CaptionStreamInfo &stInfo = Get_StreamInfo();
-    if (stInfo.iStreamDataSize - stInfo.iStreamBufIndex < static_cast<int32_t>(KEY_BYTES) ||
+    if (Get_HeldBytes(stInfo) < static_cast<int32_t>(KEY_BYTES) ||
         s_uiTextEncoding == E_TEXT_ENCODING_UTF16LE || s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ||
         std::memcmp(stInfo.pucStreamBuf + stInfo.iStreamBufIndex, KEY, KEY_BYTES) != 0)
         return 0;

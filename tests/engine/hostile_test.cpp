@@ -76,7 +76,8 @@ int32_t Lie_About_Read(int iCall, uint32_t uiAsked, int32_t iReal, void *pvLie)
 
 TEST_F(Hostile, ReadsThatLie)
 {
-    for (int32_t iLie : {static_cast<int32_t>(STREAM_BUF_BYTES) + 1, 0x7FFFFFFF, -1, -1111, 0, 2}) {
+    for (int32_t iLie :
+         {static_cast<int32_t>(STREAM_BUF_BYTES) + 1, 0x7FFFFFFF, INT32_MIN, -1, -1111, 0, 2}) {
         SCOPED_TRACE(iLie);
         ASSERT_EQ(Open(".srt", Repeat(Entry("Hello"), 9000)), 0u);
         EXPECT_EQ(Next(), "1000-2000 Hello");
