@@ -74,6 +74,28 @@ void Describe_Block(const SeekTrack &stTrack)
     stBlock.bQuiet = !stTrack.bLogged;
 }
 
+/** Learn from a scan that stands at the end of an entry. */
+void Note_SeekPlace(SeekTrack &stTrack, const SeekPlace &stPlace)
+{
+    while (stTrack.uiNext < s_uiPlaces && s_astBlock[stTrack.uiNext].stPlace.llPos < stPlace.llPos) {
+        ++stTrack.uiNext; // passed without a stop there: the scan is out of step
+        stTrack.uiBlock = NO_SEEK_BLOCK;
+        s_bInStep = false;
+    }
+    const bool bKnown = stTrack.uiNext < s_uiPlaces;
+    if (bKnown && s_astBlock[stTrack.uiNext].stPlace.llPos > stPlace.llPos) return;
+    if (!bKnown && (!s_bInStep || s_uiPlaces == 0 || stTrack.uiScanned < SETTLED_STARTS ||
+                    stPlace.llPos < s_astBlock[s_uiPlaces - 1].stPlace.llPos + s_llBlockBytes))
+        return;
+    if (stTrack.uiBlock != NO_SEEK_BLOCK) Describe_Block(stTrack);
+    if (!bKnown) {
+        Add_Place(stPlace);
+        stTrack.uiNext = s_uiPlaces - 1;
+    }
+    s_bInStep = true;
+    Start_Block(stTrack, stTrack.uiNext);
+}
+
 } // namespace
 
 void Forget_SeekPlaces()
@@ -111,27 +133,6 @@ SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bA
     return stTrack;
 }
 
-void Note_SeekPlace(SeekTrack &stTrack, const SeekPlace &stPlace)
-{
-    while (stTrack.uiNext < s_uiPlaces && s_astBlock[stTrack.uiNext].stPlace.llPos < stPlace.llPos) {
-        ++stTrack.uiNext; // passed without a stop there: the scan is out of step
-        stTrack.uiBlock = NO_SEEK_BLOCK;
-        s_bInStep = false;
-    }
-    const bool bKnown = stTrack.uiNext < s_uiPlaces;
-    if (bKnown && s_astBlock[stTrack.uiNext].stPlace.llPos > stPlace.llPos) return;
-    if (!bKnown && (!s_bInStep || s_uiPlaces == 0 || stTrack.uiScanned < SETTLED_STARTS ||
-                    stPlace.llPos < s_astBlock[s_uiPlaces - 1].stPlace.llPos + s_llBlockBytes))
-        return;
-    if (stTrack.uiBlock != NO_SEEK_BLOCK) Describe_Block(stTrack);
-    if (!bKnown) {
-        Add_Place(stPlace);
-        stTrack.uiNext = s_uiPlaces - 1;
-    }
-    s_bInStep = true;
-    Start_Block(stTrack, stTrack.uiNext);
-}
-
 int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
 {
     if (stTrack.uiBlock == NO_SEEK_BLOCK) return 1;
@@ -147,6 +148,13 @@ int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
     // The frame parser is likely to go on from one of these two: one read then serves the scan and the frame.
     const int64_t llReached = Move_ReadPosition(hFile, stPlace.llPrevPos, E_READ_AHEAD_FULL);
     return llReached < 0 ? llReached : Move_ReadPosition(hFile, stPlace.llPos, E_READ_AHEAD_FULL);
+}
+
+int64_t Pass_SeekEntry(SeekScan &stSeek, bool bLogged, void *hFile)
+{
+    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || bLogged;
+    Note_SeekPlace(stSeek.stTrack, stSeek.stPlace);
+    return Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
 }
 
 int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)

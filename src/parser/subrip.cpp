@@ -300,12 +300,6 @@ constexpr const char *SEEK_NAME = "Seek_SubRip";
 
 constexpr StopUnits CR_STOP = {1, {'\r'}, false};
 
-struct SubRipSeek {
-    SeekPlace stPlace; // of its times, uiPrevTime is uiLastTime at the end of the entry before
-    SeekTrack stTrack;
-    bool bBeyond; // an entry starts after the target
-};
-
 bool Step_SeekText(SubRipScan &stScan, uint16_t usChar)
 {
     if (usChar == '\r')
@@ -315,53 +309,28 @@ bool Step_SeekText(SubRipScan &stScan, uint16_t usChar)
     return true;
 }
 
-/** Look at the time line that has just ended. */
-void Check_SeekTime(const SubRipScan &stScan, SubRipSeek &stSeek)
-{
-    const uint32_t uiStart = Get_Time(stScan.stTime, 0);
-    stSeek.bBeyond = stSeek.stTrack.uiTargetMs < uiStart;
-    if (stSeek.bBeyond) return;
-    Note_SeekStart(stSeek.stTrack, uiStart);
-    stSeek.stPlace.uiLastTime = uiStart;
-}
-
-int64_t Pass_Entry(SubRipScan &stScan, SubRipSeek &stSeek, void *hFile)
+/** The entry before is from now on the one that the scan has passed; so is its time. */
+int64_t Pass_Entry(SubRipScan &stScan, SeekScan &stSeek, void *hFile)
 {
     SeekPlace &stPlace = stSeek.stPlace;
     stPlace = {Get_ReadPosition(hFile), stPlace.llPos, stPlace.uiLastTime, stPlace.uiLastTime};
-    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || stScan.bLogged;
-    Note_SeekPlace(stSeek.stTrack, stPlace);
+    const bool bLogged = stScan.bLogged;
     stScan = {};
-    return Skip_SeekBlocks(stSeek.stTrack, stPlace, hFile);
+    return Pass_SeekEntry(stSeek, bLogged, hFile);
 }
 
-bool Step_Seek(SubRipScan &stScan, SubRipSeek &stSeek, uint16_t usChar)
+bool Step_Seek(SubRipScan &stScan, SeekScan &stSeek, uint16_t usChar)
 {
     switch (stScan.eState) {
     case E_SRT_TEXT: return Step_SeekText(stScan, usChar);
     case E_SRT_LINE_END: return Step_LineEnd(stScan, usChar) == E_LINE_END_MATCH;
     case E_SRT_TIME:
         if (Step_Time(stScan, usChar)) return true;
-        Check_SeekTime(stScan, stSeek);
-        return stSeek.bBeyond;
+        if (!Pass_SeekStart(stSeek, Get_Time(stScan.stTime, 0))) return true;
+        stSeek.stPlace.uiLastTime = Get_Time(stScan.stTime, 0);
+        return false;
     default: return Step_Header(stScan, usChar);
     }
-}
-
-/** Scan until an entry starts after the target, or the file ends. @return 1, or a negative value (logged). */
-int32_t Scan_Entries(SubRipSeek &stSeek, void *hFile)
-{
-    SubRipScan stScan = {};
-    int64_t llReached = Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
-    while (!stSeek.bBeyond && llReached >= 0) {
-        uint16_t usChar = 0;
-        const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
-        if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
-        if (iResult < 0) return Fail_Read(SEEK_NAME, iResult);
-        while (!Step_Seek(stScan, stSeek, usChar)) {}
-        if (stScan.bEntryEnd) llReached = Pass_Entry(stScan, stSeek, hFile);
-    }
-    return llReached < 0 ? Fail_SeekMove(SEEK_NAME, llReached) : 1;
 }
 
 } // namespace
@@ -420,9 +389,10 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     } else {
         stPlace = {Get_ReadPosition(hFile), stInfo.llCurrFilePos, uiCurrTime, uiCurrTime};
     }
-    SubRipSeek stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bFromStart), false};
-    const int32_t iResult = Scan_Entries(stSeek, hFile);
-    return iResult < 0
-               ? iResult
-               : Resume_Reading(SEEK_NAME, hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
+    SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bFromStart), false};
+    SubRipScan stScan = {};
+    return Scan_ToTarget(stSeek, hFile, SEEK_NAME, [&](uint16_t usChar) {
+        while (!Step_Seek(stScan, stSeek, usChar)) {}
+        return stScan.bEntryEnd ? Pass_Entry(stScan, stSeek, hFile) : 1;
+    });
 }

@@ -246,22 +246,15 @@ constexpr const char *SEEK_NAME = "Seek_SubViewer";
 
 constexpr StopUnits LINE_END_STOPS = {2, {'\r', '\n'}, false};
 
-struct SubViewerSeek {
-    SeekPlace stPlace; // of its times, uiPrevTime is the start of the frame before the last good one
-    SeekTrack stTrack;
-    bool bBeyond; // a frame starts after the target
-};
-
-void Check_SeekTime(SubViewerSeek &stSeek, uint32_t uiStart)
+/** The seek leads to the start before that of the last good frame. */
+void Check_SeekTime(SeekScan &stSeek, uint32_t uiStart)
 {
-    stSeek.bBeyond = stSeek.stTrack.uiTargetMs < uiStart;
-    if (stSeek.bBeyond) return;
-    Note_SeekStart(stSeek.stTrack, uiStart);
+    if (!Pass_SeekStart(stSeek, uiStart)) return;
     stSeek.stPlace.uiPrevTime = stSeek.stPlace.uiLastTime;
     stSeek.stPlace.uiLastTime = uiStart;
 }
 
-void Step_Seek(SubViewerScan &stScan, SubViewerSeek &stSeek, uint16_t usChar)
+void Step_Seek(SubViewerScan &stScan, SeekScan &stSeek, uint16_t usChar)
 {
     switch (stScan.eState) {
     case E_SUB_TIME:
@@ -277,31 +270,13 @@ void Step_Seek(SubViewerScan &stScan, SubViewerSeek &stSeek, uint16_t usChar)
     }
 }
 
-int64_t Pass_Frame(SubViewerScan &stScan, SubViewerSeek &stSeek, void *hFile)
+int64_t Pass_Frame(SubViewerScan &stScan, SeekScan &stSeek, void *hFile)
 {
     stSeek.stPlace.llPrevPos = stSeek.stPlace.llPos;
     stSeek.stPlace.llPos = Get_ReadPosition(hFile);
-    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || stScan.bLogged;
-    Note_SeekPlace(stSeek.stTrack, stSeek.stPlace);
+    const bool bLogged = stScan.bLogged;
     Begin_Frame(stScan);
-    return Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
-}
-
-/** Scan until a frame starts after the target, or the file ends. @return 1, or a negative value (logged). */
-int32_t Scan_Frames(void *hFile, SubViewerSeek &stSeek)
-{
-    SubViewerScan stScan = {};
-    stScan.pszFunction = SEEK_NAME;
-    int64_t llReached = Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
-    while (!stSeek.bBeyond && llReached >= 0) {
-        uint16_t usChar = 0;
-        const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
-        if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
-        if (iResult < 0) return Fail_Read(SEEK_NAME, iResult);
-        Step_Seek(stScan, stSeek, usChar);
-        if (stScan.bFrameEnd && !stSeek.bBeyond) llReached = Pass_Frame(stScan, stSeek, hFile);
-    }
-    return llReached < 0 ? Fail_SeekMove(SEEK_NAME, llReached) : 1;
+    return Pass_SeekEntry(stSeek, bLogged, hFile);
 }
 
 } // namespace
@@ -352,9 +327,11 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
         stPlace = {Get_ReadPosition(hFile), stInfo.llCurrFilePos, uiCurrTime, uiCurrTime};
     }
     pstQuibCaptionParserInfo->uiConvLength = 0;
-    SubViewerSeek stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
-    const int32_t iResult = Scan_Frames(hFile, stSeek);
-    return iResult < 0
-               ? iResult
-               : Resume_Reading(SEEK_NAME, hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
+    SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
+    SubViewerScan stScan = {};
+    stScan.pszFunction = SEEK_NAME;
+    return Scan_ToTarget(stSeek, hFile, SEEK_NAME, [&](uint16_t usChar) {
+        Step_Seek(stScan, stSeek, usChar);
+        return stScan.bFrameEnd && !stSeek.bBeyond ? Pass_Frame(stScan, stSeek, hFile) : 1;
+    });
 }

@@ -121,8 +121,7 @@ TEST_P(SeekIndex, FailuresAreReported)
     EXPECT_TRUE(Seek(LENGTH_MS / 2).starts_with(std::to_string(LENGTH_MS / 2) + "-"));
 }
 
-/** A file of so many entries, by its places alone: places go as it grows, and the scan still finds its way.
- */
+/** A file of so many entries, by its places alone: places go as it grows, and the scan still finds its way. */
 TEST_F(EngineTest, LongFilesKeepFewerPlaces)
 {
     ASSERT_EQ(Open(".srt", "1"), 0u);
@@ -130,17 +129,15 @@ TEST_F(EngineTest, LongFilesKeepFewerPlaces)
     constexpr uint32_t LOGGED = 150000; // an entry that no scan may pass over
     constexpr int64_t ENTRY_BYTES = 100;
     Forget_SeekPlaces();
-    SeekPlace stPlace = {0, 0, 0, 0};
-    SeekTrack stTrack = Begin_SeekTrack(stPlace, UINT32_MAX, true);
+    SeekScan stScan = {{}, Begin_SeekTrack({}, UINT32_MAX, true), false};
     for (uint32_t uiEntry = 1; uiEntry <= NUMS; ++uiEntry) {
-        Note_SeekStart(stTrack, uiEntry);
-        stTrack.bLogged = stTrack.bLogged || uiEntry == LOGGED;
-        stPlace = {uiEntry * ENTRY_BYTES, stPlace.llPos, uiEntry - 1, uiEntry};
-        Note_SeekPlace(stTrack, stPlace);
+        ASSERT_TRUE(Pass_SeekStart(stScan, uiEntry));
+        stScan.stPlace = {uiEntry * ENTRY_BYTES, stScan.stPlace.llPos, uiEntry - 1, uiEntry};
+        ASSERT_EQ(Pass_SeekEntry(stScan, uiEntry == LOGGED, nullptr), 1);
     }
     for (const uint32_t uiTarget : {1u, 99u, 50000u, 123456u, NUMS}) {
-        stPlace = {0, 0, 0, 0};
-        stTrack = Begin_SeekTrack(stPlace, uiTarget, true);
+        SeekPlace stPlace = {};
+        SeekTrack stTrack = Begin_SeekTrack(stPlace, uiTarget, true);
         Skip_SeekBlocks(stTrack, stPlace, nullptr);
         EXPECT_LE(stPlace.uiLastTime, uiTarget);
         EXPECT_LT(stPlace.uiLastTime, LOGGED);
