@@ -1,16 +1,13 @@
 // zyrsub convert: what it writes reads back as the same captions.
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include "run_program.h"
 
 using nlohmann::json;
 
-static json Read_Tracks(std::vector<std::string> astrArguments)
+static json Read_Tracks(const std::string &strArguments)
 {
-    astrArguments.insert(astrArguments.begin(), "convert");
-    astrArguments.insert(astrArguments.end(), {"--to", "json", "-o", "-"});
-    return json::parse(Run_Zyrsub(astrArguments).strOut)["tracks"];
+    return Run_Json("convert --to json -o - " + strArguments)["tracks"];
 }
 
 struct Caption {
@@ -70,51 +67,35 @@ static std::vector<Caption> List_Held(const json &jsFrames, const std::string &s
     return astCaptions;
 }
 
-struct ReadBackCase {
-    std::string strSample;
-    std::vector<std::string> astrRead;  // options to read the sample with
-    std::vector<std::string> astrWrite; // options to write it with
-};
-
-// UTF-16 holds characters that are not read from UTF-8.
-static std::vector<ReadBackCase> List_ReadBackCases()
+// What one track is when it has been written.
+static json Read_Back(const std::string &strWrite, size_t uiTrack, const std::string &strOut)
 {
-    std::vector<ReadBackCase> astCases;
-    for (const auto &stEntry : std::filesystem::directory_iterator(ZYR_SAMPLES)) {
-        const std::string strName = stEntry.path().filename();
-        if (strName == "README.md" || strName == "subviewer-no-header.sub") continue; // no subtitles
-        ReadBackCase stCase = {stEntry.path(), {}, {}};
-        if (strName.find("cp1252") != std::string::npos) stCase.astrRead = {"--codepage", "auto"};
-        if (strName.find("utf16") != std::string::npos) stCase.astrWrite = {"--encoding", "utf-16le"};
-        astCases.push_back(stCase);
-    }
-    return astCases;
+    const std::string strClass = " --class " + std::to_string(uiTrack);
+    EXPECT_EQ(Run_Zyrsub("convert --force " + strWrite + strClass + " -o " + strOut).iCode, 0);
+    return Read_Tracks(strOut);
 }
 
 TEST(ZyrsubConvert, ReadsBackTheSame)
 {
     const TestFolder stFolder;
     size_t uiCompared = 0;
-    for (const ReadBackCase &stCase : List_ReadBackCases()) {
-        std::vector<std::string> astrSample = {stCase.strSample};
-        astrSample.insert(astrSample.end(), stCase.astrRead.begin(), stCase.astrRead.end());
-        const json jsTracks = Read_Tracks(astrSample);
+    for (const std::string &strSample : List_Samples()) {
+        if (strSample == "subviewer-no-header.sub") continue; // no subtitles
+        const auto pfNamed = [&](const char *pszPart) { return strSample.find(pszPart) != strSample.npos; };
+        const std::string strRead = strSample + (pfNamed("cp1252") ? " --codepage auto" : "");
+        // UTF-16 holds characters that are not read from UTF-8.
+        const std::string strWrite = strRead + (pfNamed("utf16") ? " --encoding utf-16le" : "");
+        const json jsTracks = Read_Tracks(strRead);
         for (const std::string strTo : {"srt", "smi", "ssa"}) {
             // A carriage return inside a caption is a blank in SSA.
-            if (strTo == "ssa" && stCase.strSample.ends_with("sami-malformed.smi")) continue;
-            for (size_t uiTrack = 0; uiTrack < jsTracks.size(); ++uiTrack) {
-                const std::string strOut = stFolder.Path("out." + strTo);
-                std::vector<std::string> astrConvert = {"convert", "--force", "-o", strOut};
-                astrConvert.insert(astrConvert.end(), {"--class", std::to_string(uiTrack)});
-                astrConvert.insert(astrConvert.end(), stCase.astrWrite.begin(), stCase.astrWrite.end());
-                astrConvert.insert(astrConvert.end(), astrSample.begin(), astrSample.end());
-                ASSERT_EQ(Run_Zyrsub(astrConvert).iCode, 0) << stCase.strSample;
-                const json jsRead = Read_Tracks({strOut});
-                ASSERT_EQ(jsRead.size(), 1U) << stCase.strSample;
+            if (strTo == "ssa" && strSample == "sami-malformed.smi") continue;
+            const std::string strOut = stFolder.Path("out." + strTo);
+            for (size_t uiTrack = 0; uiTrack < jsTracks.size(); ++uiTrack, ++uiCompared) {
+                SCOPED_TRACE(testing::Message() << strSample << " " << strTo);
+                const json jsRead = Read_Back(strWrite, uiTrack, strOut);
+                ASSERT_EQ(jsRead.size(), 1U);
                 EXPECT_EQ(List_Held(jsRead[0]["frames"], "srt"),
-                          List_Held(jsTracks[uiTrack]["frames"], strTo))
-                    << stCase.strSample << " " << strTo;
-                ++uiCompared;
+                          List_Held(jsTracks[uiTrack]["frames"], strTo));
             }
         }
     }
@@ -126,63 +107,49 @@ TEST(ZyrsubConvert, TextsOfOtherReaders)
     const TestFolder stFolder;
     stFolder.Write("x.srt", "1\r\n00:00:01,000 --> 00:00:02,500\r\na &lt; b &amp; c\r\nsecond\r\n\r\n"
                             "2\r\n00:00:03,000 --> 00:00:02,000\r\nbackwards\r\n\r\n");
-    const std::string strSubRip = stFolder.Path("x.srt");
-    EXPECT_EQ(Run_Zyrsub({"convert", strSubRip, "--to", "vtt", "-o", "-"}).strOut,
+    const std::string strConvert = "convert " + stFolder.Path("x.srt") + " -o - --to ";
+    EXPECT_EQ(Run_Zyrsub(strConvert + "vtt").strOut,
               "WEBVTT\n\n00:00:01.000 --> 00:00:02.500\na &lt; b &amp; c\nsecond\n");
-    EXPECT_EQ(Run_Zyrsub({"convert", strSubRip, "--to", "txt", "-o", "-"}).strOut,
-              "a < b & c\nsecond\n\nbackwards\n");
+    EXPECT_EQ(Run_Zyrsub(strConvert + "txt").strOut, "a < b & c\nsecond\n\nbackwards\n");
     const std::string strKorean = stFolder.Path("ko.srt");
-    Run_Zyrsub({"convert", Sample("subrip-cp949.srt"), "--encoding", "CP949", "-o", strKorean});
-    EXPECT_NE(Run_Zyrsub({"info", strKorean}).strOut.find("ANSI, read as CP949"), std::string::npos);
-    EXPECT_EQ(Run_Zyrsub({"frames", strKorean}).strOut,
-              Run_Zyrsub({"frames", Sample("subrip-cp949.srt")}).strOut);
+    Run_Zyrsub("convert subrip-cp949.srt --encoding CP949 -o " + strKorean);
+    EXPECT_NE(Run_Zyrsub("info " + strKorean).strOut.find("ANSI, read as CP949"), std::string::npos);
+    EXPECT_EQ(Run_Zyrsub("frames " + strKorean).strOut, Run_Zyrsub("frames subrip-cp949.srt").strOut);
 }
 
 TEST(ZyrsubConvert, FilesAndTimes)
 {
     const TestFolder stFolder;
-    const std::string strSubRip = Sample("subrip-crlf.srt");
-    const json jsMoved = Read_Tracks({strSubRip, "--shift", "-1.5s", "--scale", "2"})[0]["frames"];
-    EXPECT_EQ(jsMoved[0]["start"], 500);
-    EXPECT_EQ(jsMoved[1]["end"], 11500);
+    Expect_Values(Read_Tracks("subrip-crlf.srt --shift -1.5s --scale 2"),
+                  {{"/0/frames/0/start", 500}, {"/0/frames/1/end", 11500}});
 
     stFolder.Write("there.srt", "mine");
-    EXPECT_EQ(Run_Zyrsub({"convert", strSubRip, "-o", stFolder.Path("there.srt")}).iCode, 1);
-    EXPECT_EQ(Read_File(stFolder.Path("there.srt")), "mine");
-    EXPECT_EQ(Run_Zyrsub({"convert", strSubRip, "--force", "-o", stFolder.Path("there.srt")}).iCode, 0);
-    EXPECT_TRUE(Read_File(stFolder.Path("there.srt"))
-                    .starts_with("\xEF\xBB\xBF"
-                                 "1\r\n00:00:01,000 --> "));
+    const std::string strThere = stFolder.Path("there.srt");
+    EXPECT_EQ(Run_Zyrsub("convert subrip-crlf.srt -o " + strThere).iCode, 1);
+    EXPECT_EQ(Read_File(strThere), "mine");
+    EXPECT_EQ(Run_Zyrsub("convert subrip-crlf.srt --force -o " + strThere).iCode, 0);
+    EXPECT_TRUE(Read_File(strThere).starts_with("\uFEFF1\r\n00:00:01,000 --> "));
 
-    const RunResult stBoth = Run_Zyrsub({"convert", strSubRip, stFolder.Path("gone.srt"),
-                                         Sample("subrip-utf8.srt"), "-o", stFolder.Path("both.smi")});
-    EXPECT_EQ(stBoth.iCode, 1) << "one input is missing, the others are converted";
-    EXPECT_EQ(Read_Tracks({stFolder.Path("both.smi")}).size(), 2U);
-    EXPECT_EQ(Run_Zyrsub({"convert", strSubRip, "-o", stFolder.Path("x.doc")}).iCode, 2);
+    const std::string strBoth = stFolder.Path("both.smi");
+    EXPECT_EQ(Run_Zyrsub("convert subrip-crlf.srt gone.srt subrip-utf8.srt -o " + strBoth).iCode, 1)
+        << "one input is missing, the others are converted";
+    EXPECT_EQ(Read_Tracks(strBoth).size(), 2U);
 }
 
 TEST(ZyrsubConvert, JsonTellsWhatWasWrittenAndLost)
 {
     const TestFolder stFolder;
-    const std::string strOut = stFolder.Path("out.srt");
-    const std::vector<std::string> astrConvert = {"convert", "--json",  Sample("sami-interleaved.smi"),
-                                                  "-o",      strOut,    "--encoding",
-                                                  "CP1252",  "--shift", "-5s"};
-    const json jsReport = json::parse(Run_Zyrsub(astrConvert).strOut);
-    const json &jsOutputs = jsReport["outputs"];
-    ASSERT_EQ(jsOutputs.size(), 2U);
-    EXPECT_EQ(jsOutputs[0]["file"], stFolder.Path("out.KRCC.srt"));
-    EXPECT_EQ(jsOutputs[0]["format"], "SubRip");
-    std::string strLosses;
-    for (const json &jsLoss : jsOutputs[0]["losses"]) strLosses += jsLoss.dump() + "\n";
+    const std::string strConvert =
+        "convert --json sami-interleaved.smi --encoding CP1252 --shift -5s -o " + stFolder.Path("out.srt");
+    const json jsReport = Run_Json(strConvert);
+    const std::string strLosses = jsReport["outputs"][0]["losses"].dump();
     EXPECT_NE(strLosses.find("does not have are written as '?'"), std::string::npos) << strLosses;
     EXPECT_NE(strLosses.find("move it out of the movie"), std::string::npos) << strLosses;
-
-    const json jsAgain = json::parse(Run_Zyrsub(astrConvert).strOut);
-    EXPECT_EQ(jsAgain["outputs"][1]["error"]["code"], 1) << "it is there already";
-    EXPECT_EQ(jsAgain["errors"].size(), 2U);
-    const RunResult stBoth =
-        Run_Zyrsub({"convert", "--json", Sample("subrip-crlf.srt"), "--to", "srt", "-o", "-"});
-    EXPECT_EQ(stBoth.iCode, 2);
-    EXPECT_EQ(json::parse(stBoth.strOut)["errors"][0]["code"], 2);
+    Expect_Values(jsReport, {{"/outputs/0/file", stFolder.Path("out.KRCC.srt")},
+                             {"/outputs/0/format", "SubRip"},
+                             {"/outputs/1/format", "SubRip"},
+                             {"/outputs/2", "(nothing)"}});
+    Expect_Values(Run_Json(strConvert, 1), {{"/outputs/1/error/code", 1}, // they are there already
+                                            {"/errors/1/code", 1},
+                                            {"/errors/2", "(nothing)"}});
 }

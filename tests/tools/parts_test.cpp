@@ -10,47 +10,18 @@
 
 TEST(ParseTime, Forms)
 {
-    static constexpr struct {
-        const char *pszText;
-        int64_t llMs; // -1: refused
-    } astCases[] = {
-        {"0", 0},
-        {"1500", 1500},
-        {"1.5", -1},
-        {"1.5s", 1500},
-        {"1m30s", 90000},
-        {"1h2m3.004s", 3723004},
-        {"1.5m", 90000},
-        {"1.5m3s", -1},
-        {"30s1m", -1},
-        {"1m30", -1},
-        {"m", -1},
-        {"1,5s", 1500},
-        {"1500ms", 1500},
-        {"0.4ms", 0},
-        {"2:03", 123000},
-        {"1:02:03.004", 3723004},
-        {"100:00:00", 360000000},
-        {"90:00", 5400000},
-        {"1:60", -1},
-        {"1:2:3:4", -1},
-        {"1.5:00", -1},
-        {"", -1},
-        {"-1", -1},
-        {"1e3", -1},
-        {"nan", -1},
-        {"12x", -1},
-        {".", -1},
-        {"1..5", -1},
-        {":30", -1},
-        {"2147483646", 2147483646},
-        {"2147483647", -1},
-        {"99999999999999999999999999999999999999999999", -1},
+    // clang-format off
+    static constexpr std::pair<const char *, uint32_t> astGood[] = {
+        {"0", 0}, {"1500", 1500}, {"1.5s", 1500}, {"1,5s", 1500}, {"1m30s", 90000}, {"1h2m3.004s", 3723004},
+        {"1.5m", 90000}, {"1500ms", 1500}, {"0.4ms", 0}, {"2:03", 123000}, {"1:02:03.004", 3723004},
+        {"100:00:00", 360000000}, {"90:00", 5400000}, {"2147483646", 2147483646},
     };
-    for (const auto &stCase : astCases) {
-        const std::optional<uint32_t> uiMs = Parse_Time(stCase.pszText);
-        EXPECT_EQ(uiMs ? int64_t{*uiMs} : -1, stCase.llMs) << stCase.pszText;
-    }
+    // clang-format on
+    for (const auto &[pszText, uiMs] : astGood) EXPECT_EQ(Parse_Time(pszText), uiMs) << pszText;
+    for (const char *pszText :
+         {"1.5", "1.5m3s", "30s1m", "1m30", "m", "1:60", "1:2:3:4", "1.5:00", "", "-1", "1e3", "nan", "12x",
+          ".", "1..5", ":30", "2147483647", "99999999999999999999999999999999999999999999"})
+        EXPECT_FALSE(Parse_Time(pszText)) << pszText;
 }
 
 TEST(FormatTime, EdgeValues)
@@ -61,40 +32,34 @@ TEST(FormatTime, EdgeValues)
     EXPECT_EQ(Format_EndTime(OPEN_END), "-");
 }
 
-static std::string Decode(uint32_t uiCharset, const char *pszCodePage, bool bSingleByte,
-                          std::string_view strBytes)
-{
-    return TextDecoder(uiCharset, pszCodePage, bSingleByte)
-        .Decode({reinterpret_cast<const uint8_t *>(strBytes.data()), strBytes.size()});
-}
-
 TEST(TextDecoder, NothingIsDropped)
 {
     using namespace std::string_view_literals;
     const struct {
         const char *pszWhy;
-        int iCharset;
-        int iSingleByte;
+        uint32_t uiCharset;
+        bool bSingleByte;
         const char *pszCodePage;
         std::string_view strBytes;
         std::string_view strExpected;
     } astCases[] = {
-        {"a pair of the code page", 1, 0, "CP949", "\xB0\xA1\x0A!"sv, "가\n!"sv},
-        {"a pair that is no character", 1, 0, "CP949", "a\xFF\xFF!"sv, "a\uFFFD\uFFFD!"sv},
-        {"a lead byte before a plain character", 1, 0, "CP949", "\xB0 x"sv, "\uFFFD x"sv},
-        {"a lead byte at the end", 1, 0, "CP949", "x\xB0"sv, "x\uFFFD"sv},
-        {"an entity's character behind a zero", 1, 0, "CP949", "\xB0\xA1\0\xE9!"sv, "가é!"sv},
-        {"a single-byte character behind a zero", 1, 1, "CP1251", "\0\xC0\0\xE9!"sv, "Ай!"sv},
-        {"a zero that is the second half of a pair", 1, 0, "CP949", "\xB0\0\xB0\xA1"sv, "\uFFFD\0가"sv},
-        {"a pair of surrogates", 2, 0, "", "\x3D\xD8\x0B\xDC"sv, "🐋"sv},
-        {"a lone surrogate", 2, 0, "", "\x3D\xD8\x41\0"sv, "\uFFFDA"sv},
-        {"UTF-8 cut short", 3, 0, "", "é\xC3"sv, "é\uFFFD"sv},
+        {"a pair of the code page", 1, false, "CP949", "\xB0\xA1\x0A!"sv, "가\n!"sv},
+        {"a pair that is no character", 1, false, "CP949", "a\xFF\xFF!"sv, "a\uFFFD\uFFFD!"sv},
+        {"a lead byte before a plain character", 1, false, "CP949", "\xB0 x"sv, "\uFFFD x"sv},
+        {"a lead byte at the end", 1, false, "CP949", "x\xB0"sv, "x\uFFFD"sv},
+        {"an entity's character behind a zero", 1, false, "CP949", "\xB0\xA1\0\xE9!"sv, "가é!"sv},
+        {"a single-byte character behind a zero", 1, true, "CP1251", "\0\xC0\0\xE9!"sv, "Ай!"sv},
+        {"a zero that is the second half of a pair", 1, false, "CP949", "\xB0\0\xB0\xA1"sv, "\uFFFD\0가"sv},
+        {"a pair of surrogates", 2, false, "", "\x3D\xD8\x0B\xDC"sv, "🐋"sv},
+        {"a lone surrogate", 2, false, "", "\x3D\xD8\x41\0"sv, "\uFFFDA"sv},
+        {"UTF-8 cut short", 3, false, "", "é\xC3"sv, "é\uFFFD"sv},
     };
-    for (const auto &stCase : astCases)
-        EXPECT_EQ(Decode(static_cast<uint32_t>(stCase.iCharset), stCase.pszCodePage, stCase.iSingleByte != 0,
-                         stCase.strBytes),
+    for (const auto &stCase : astCases) {
+        const std::vector<uint8_t> aucBytes(stCase.strBytes.begin(), stCase.strBytes.end());
+        EXPECT_EQ(TextDecoder(stCase.uiCharset, stCase.pszCodePage, stCase.bSingleByte).Decode(aucBytes),
                   stCase.strExpected)
             << stCase.pszWhy;
+    }
 }
 
 TEST(MakeUtf16, PairsAndReplacements)
@@ -179,21 +144,23 @@ TEST(Playback, NoCaptionIsMissedAtAnySpeed)
 
 TEST(Playback, Keys)
 {
+    static constexpr struct {
+        PlayCommand eKey;
+        const char *pszState;
+        const char *pszCaption;
+    } astCases[] = {
+        {E_PLAY_PAUSE, "0:00:00.0  A + B  paused", ""},     {E_PLAY_ON, "0:00:05.0  A + B  paused", ""},
+        {E_PLAY_ON, "0:00:10.0  A + B  paused", "other"},   {E_PLAY_LANGUAGE, "0:00:10.0  A  paused", ""},
+        {E_PLAY_LANGUAGE, "0:00:10.0  B  paused", "other"}, {E_PLAY_BACK, "0:00:05.0  B  paused", ""},
+        {E_PLAY_FAR_BACK, "0:00:00.0  B  paused", ""},
+    };
     Playback stPlayback = Make_Playback(1);
-    stPlayback.Apply(E_PLAY_PAUSE);
-    EXPECT_FALSE(stPlayback.Advance(5000));
-    EXPECT_EQ(stPlayback.Describe(), "0:00:00.0  A + B  paused");
-    stPlayback.Apply(E_PLAY_ON);
-    stPlayback.Apply(E_PLAY_ON);
-    EXPECT_EQ(stPlayback.Get_Caption(), "other");
-    stPlayback.Apply(E_PLAY_LANGUAGE);
-    EXPECT_EQ(stPlayback.Get_Caption(), "");
-    stPlayback.Apply(E_PLAY_LANGUAGE);
-    EXPECT_EQ(stPlayback.Describe(), "0:00:10.0  B  paused");
-    stPlayback.Apply(E_PLAY_BACK);
-    EXPECT_EQ(stPlayback.Get_Position(), 5000);
-    stPlayback.Apply(E_PLAY_FAR_BACK);
-    EXPECT_EQ(stPlayback.Get_Position(), 0);
+    for (const auto &stCase : astCases) {
+        stPlayback.Apply(stCase.eKey);
+        EXPECT_EQ(stPlayback.Describe(), stCase.pszState);
+        EXPECT_EQ(stPlayback.Get_Caption(), stCase.pszCaption) << stCase.pszState;
+        EXPECT_FALSE(stPlayback.Advance(5000)) << "nothing moves while it is paused";
+    }
     stPlayback.Apply(E_PLAY_FAR_ON);
     EXPECT_TRUE(stPlayback.Is_AtEnd());
 }

@@ -1,9 +1,6 @@
 // zyrsub play: as text into a pipe and on a terminal, and in a window of a virtual X server.
-#include <arpa/inet.h>
 #include <chrono>
 #include <csignal>
-#include <cstring>
-#include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -21,8 +18,7 @@ static constexpr auto POLL = std::chrono::milliseconds(50);
 TEST(ZyrsubPlay, TerminalIntoAPipe)
 {
     const auto stBegin = Clock::now();
-    const RunResult stRun =
-        Run_Zyrsub({"play", "--terminal", "--speed", "10", "--from", "2s", Sample("subrip-crlf.srt")});
+    const RunResult stRun = Run_Zyrsub("play --terminal --speed 10 --from 2s subrip-crlf.srt");
     EXPECT_EQ(stRun.iCode, 0) << stRun.strErr;
     EXPECT_EQ(stRun.strOut,
               "0:00:02.000  The lamp is lit at dusk.\n"
@@ -34,6 +30,13 @@ TEST(ZyrsubPlay, TerminalIntoAPipe)
               "0:00:09.500  By dawn the oil is low, / the log is full, / and the kettle is on.\n"
               "0:00:12.000  \n");
     EXPECT_GE(Clock::now() - stBegin, std::chrono::milliseconds(1000)) << "ten seconds, ten times as fast";
+}
+
+static bool Wait_For(const std::function<bool()> &pfTrue)
+{
+    for (const auto stEnd = Clock::now() + PATIENCE; Clock::now() < stEnd; std::this_thread::sleep_for(POLL))
+        if (pfTrue()) return true;
+    return false;
 }
 
 // A program in the background, ended when this goes.
@@ -53,26 +56,15 @@ public:
     // The exit code, or -1 when it does not end in time.
     int Wait()
     {
-        for (const auto stEnd = Clock::now() + PATIENCE; Clock::now() < stEnd;
-             std::this_thread::sleep_for(POLL)) {
-            int iStatus = 0;
-            if (waitpid(m_iChild, &iStatus, WNOHANG) != m_iChild) continue;
-            m_iChild = -1;
-            return WIFEXITED(iStatus) ? WEXITSTATUS(iStatus) : 128 + WTERMSIG(iStatus);
-        }
-        return -1;
+        int iStatus = 0;
+        if (!Wait_For([&] { return waitpid(m_iChild, &iStatus, WNOHANG) == m_iChild; })) return -1;
+        m_iChild = -1;
+        return WIFEXITED(iStatus) ? WEXITSTATUS(iStatus) : 128 + WTERMSIG(iStatus);
     }
 
 private:
     pid_t m_iChild;
 };
-
-static bool Wait_For(const std::function<bool()> &pfTrue)
-{
-    for (const auto stEnd = Clock::now() + PATIENCE; Clock::now() < stEnd; std::this_thread::sleep_for(POLL))
-        if (pfTrue()) return true;
-    return false;
-}
 
 // A pseudo terminal with zyrsub on it.
 class Terminal
@@ -128,37 +120,30 @@ private:
 
 TEST(ZyrsubPlay, TerminalKeys)
 {
+    // A key, and what is shown behind it.
+    static constexpr const char *apszKeys[][2] = {
+        {"", "KRCC + ENCC"},
+        {" ", "paused"},
+        {"\x1b[C", "every ship counts along."},
+        {"\x1b[C", "The kettle is on."},
+        {"\x1b[D", "every ship counts along."},
+        {"l", "  KRCC  paused"},
+        {"q", "\x1b[?1049l"},
+    };
     Terminal stTerminal(Sample("sami-interleaved.smi"));
-    ASSERT_TRUE(stTerminal.Shows("KRCC + ENCC"));
-    stTerminal.Press(" ");
-    ASSERT_TRUE(stTerminal.Shows("paused"));
-    stTerminal.Press("\x1b[C");
-    ASSERT_TRUE(stTerminal.Shows("every ship counts along."));
-    stTerminal.Press("\x1b[C");
-    ASSERT_TRUE(stTerminal.Shows("The kettle is on."));
-    stTerminal.Press("\x1b[D");
-    ASSERT_TRUE(stTerminal.Shows("every ship counts along."));
-    stTerminal.Press("l");
-    ASSERT_TRUE(stTerminal.Shows("  KRCC  paused"));
-    stTerminal.Press("q");
-    EXPECT_TRUE(stTerminal.Shows("\x1b[?1049l"));
+    for (const auto &[pszKey, pszShown] : apszKeys) {
+        stTerminal.Press(pszKey);
+        ASSERT_TRUE(stTerminal.Shows(pszShown)) << pszKey << ": " << pszShown;
+    }
     EXPECT_EQ(stTerminal.Wait(), 0);
 }
 
-static pid_t Start_Program(const std::vector<std::string> &astrArguments, int iKeptOpen)
+static pid_t Start_Program(const std::string &strCommand)
 {
     const pid_t iChild = fork();
     if (iChild != 0) return iChild;
-    std::vector<char *> apszArguments;
-    apszArguments.reserve(astrArguments.size() + 1);
-    for (const std::string &strArgument : astrArguments)
-        apszArguments.push_back(const_cast<char *>(strArgument.c_str()));
-    apszArguments.push_back(nullptr);
-    if (iKeptOpen >= 0) fcntl(iKeptOpen, F_SETFD, 0);
-    const int iNull = open("/dev/null", O_RDWR);
-    dup2(iNull, 2);
     setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // the window system's libraries keep memory until the exit
-    execvp(apszArguments[0], apszArguments.data());
+    execl("/bin/sh", "sh", "-c", ("exec " + strCommand + " 2>/dev/null").c_str(), nullptr);
     _exit(127);
 }
 
@@ -166,104 +151,84 @@ static pid_t Start_Program(const std::vector<std::string> &astrArguments, int iK
 class Screen
 {
 public:
-    Screen() : m_stServer(Start())
+    Screen()
     {
-        char szNumber[16] = {};
-        size_t uiBytes = 0;
-        while (uiBytes + 1 < sizeof szNumber && read(m_aiPipe[0], szNumber + uiBytes, 1) == 1 &&
-               szNumber[uiBytes] != '\n')
-            ++uiBytes;
-        close(m_aiPipe[0]);
-        szNumber[uiBytes] = '\0';
-        setenv("DISPLAY", (std::string(":") + szNumber).c_str(), 1);
+        std::string strNumber;
+        EXPECT_TRUE(Wait_For([&] {
+            strNumber = Read_File(m_stFolder.Path("number"));
+            return strNumber.ends_with('\n');
+        }));
+        setenv("DISPLAY", (":" + strNumber.substr(0, strNumber.find('\n'))).c_str(), 1);
         setenv("SDL_VIDEODRIVER", "x11", 1);
     }
 
-    // How many pixels have the colour that captions are drawn in.
+    // How many pixels have the colour that captions are drawn in. Nothing in the file's header has it.
     size_t Count_CaptionPixels() const
     {
         const std::string strImage = Read_File(m_stFolder.Path("Xvfb_screen0"));
-        const auto pfWord = [&](size_t uiWord) {
-            uint32_t uiValue = 0;
-            if (strImage.size() >= uiWord * 4 + 4) std::memcpy(&uiValue, &strImage[uiWord * 4], 4);
-            return ntohl(uiValue);
-        };
-        size_t uiFound = 0; // header: word 0 its size, word 19 the colours that follow it, 12 bytes each
-        for (size_t uiAt = pfWord(0) + size_t{pfWord(19)} * 12; uiAt + 4 <= strImage.size(); uiAt += 4)
+        size_t uiFound = 0;
+        for (size_t uiAt = 0; uiAt + 4 <= strImage.size(); uiAt += 4)
             uiFound += strImage.compare(uiAt, 3, "\x84\x82\x84") == 0 ? 1 : 0;
         return uiFound;
     }
 
 private:
-    pid_t Start()
-    {
-        if (pipe(m_aiPipe) != 0) return -1;
-        const pid_t iServer =
-            Start_Program({"Xvfb", "-displayfd", std::to_string(m_aiPipe[1]), "-screen", "0", "1024x768x24",
-                           "-nolisten", "tcp", "-fbdir", m_stFolder.Path("")},
-                          m_aiPipe[1]);
-        close(m_aiPipe[1]);
-        return iServer;
-    }
-
     TestFolder m_stFolder;
-    int m_aiPipe[2] = {-1, -1};
-    Child m_stServer;
+    Child m_stServer{Start_Program("Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp -fbdir " +
+                                   m_stFolder.Path("") + " 3>" + m_stFolder.Path("number"))};
 };
 
-static std::string Ask_Xdotool(const std::vector<std::string> &astrArguments)
+static std::string Ask_Xdotool(const std::string &strArguments)
 {
-    std::vector<std::string> astrAll = {"xdotool"};
-    astrAll.insert(astrAll.end(), astrArguments.begin(), astrArguments.end());
-    return Run_Program(astrAll).strOut;
-}
-
-static void Press_Key(const std::string &strWindow, const char *pszKey)
-{
-    Ask_Xdotool({"windowfocus", "--sync", strWindow, "key", pszKey});
+    return Run_Program("xdotool " + strArguments).strOut;
 }
 
 TEST(ZyrsubPlay, WindowAndKeys)
 {
     const Screen stScreen;
-    Child stPlayer(Start_Program({ZYRSUB_PROGRAM, "play", Sample("sami-interleaved.smi")}, -1));
+    Child stPlayer(Start_Program(ZYRSUB_PROGRAM " play " + Sample("sami-interleaved.smi")));
     std::string strWindow;
     ASSERT_TRUE(Wait_For([&] {
-        strWindow = Ask_Xdotool({"search", "--onlyvisible", "--name", "sami-interleaved.smi"});
+        strWindow = Ask_Xdotool("search --onlyvisible --name sami-interleaved.smi");
         return !strWindow.empty();
     }));
     strWindow.erase(strWindow.find('\n'));
-    const auto pfTitle = [&] { return Ask_Xdotool({"getwindowname", strWindow}); };
+    const auto pfPress = [&](const char *pszKey) {
+        Ask_Xdotool("windowfocus --sync " + strWindow + " key " + pszKey);
+    };
+    const auto pfTitle = [&] { return Ask_Xdotool("getwindowname " + strWindow); };
+    const auto pfTitleHas = [&](const char *pszText) {
+        return Wait_For([&] { return pfTitle().find(pszText) != std::string::npos; });
+    };
 
     EXPECT_TRUE(Wait_For([&] { return stScreen.Count_CaptionPixels() > 300; }))
         << "captions come by themselves";
-    Press_Key(strWindow, "space");
-    EXPECT_TRUE(Wait_For([&] { return pfTitle().find("paused") != std::string::npos; })) << pfTitle();
-    Press_Key(strWindow, "Down");
+    pfPress("space");
+    EXPECT_TRUE(pfTitleHas("paused")) << pfTitle();
+    pfPress("Down");
     EXPECT_TRUE(Wait_For([&] { return stScreen.Count_CaptionPixels() == 0; }))
         << "nothing is shown at the start";
-    Press_Key(strWindow, "Right");
+    pfPress("Right");
     size_t uiBoth = 0;
     EXPECT_TRUE(Wait_For([&] { return (uiBoth = stScreen.Count_CaptionPixels()) > 300; })) << pfTitle();
     EXPECT_EQ(pfTitle().find("0:00:05.0"), 0U) << pfTitle();
-    Press_Key(strWindow, "l");
+    pfPress("l");
     EXPECT_TRUE(Wait_For([&] {
         const size_t uiOne = stScreen.Count_CaptionPixels();
         return uiOne > 100 && uiOne < uiBoth * 3 / 4;
     }));
-    Press_Key(strWindow, "o");
-    EXPECT_TRUE(Wait_For([&] { return pfTitle().find("hdmi-1080p") != std::string::npos; })) << pfTitle();
-    EXPECT_NE(Ask_Xdotool({"getwindowgeometry", strWindow}).find("1024x576"), std::string::npos)
+    pfPress("o");
+    EXPECT_TRUE(pfTitleHas("hdmi-1080p")) << pfTitle();
+    EXPECT_NE(Ask_Xdotool("getwindowgeometry " + strWindow).find("1024x576"), std::string::npos)
         << "as large as the screen allows";
-    Press_Key(strWindow, "q");
+    pfPress("q");
     EXPECT_EQ(stPlayer.Wait(), 0);
 }
 
 TEST(ZyrsubPlay, NoWindowSystem)
 {
-    const std::string strCommand = std::string("env -u DISPLAY -u WAYLAND_DISPLAY SDL_VIDEODRIVER=x11 ") +
-                                   ZYRSUB_PROGRAM + " play " + Sample("subrip-crlf.srt");
-    const RunResult stRun = Run_Program({"sh", "-c", strCommand});
+    const RunResult stRun = Run_Program(
+        "env -u DISPLAY -u WAYLAND_DISPLAY SDL_VIDEODRIVER=x11 " ZYRSUB_PROGRAM " play subrip-crlf.srt");
     EXPECT_EQ(stRun.iCode, 1);
     EXPECT_NE(stRun.strErr.find("--terminal"), std::string::npos) << stRun.strErr;
 }

@@ -1,13 +1,13 @@
 #include "run_program.h"
 
 #include <cstdlib>
-#include <fcntl.h>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
-#include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
-#include <unistd.h>
+
+using nlohmann::json;
 
 TestFolder::TestFolder()
 {
@@ -33,40 +33,49 @@ std::string Read_File(const std::string &strPath)
     return {std::istreambuf_iterator<char>(stFile), {}};
 }
 
-RunResult Run_Program(std::vector<std::string> astrArguments)
-{
-    const TestFolder stFolder;
-    const std::string strOut = stFolder.Path("out");
-    const std::string strErr = stFolder.Path("err");
-    posix_spawn_file_actions_t stActions;
-    posix_spawn_file_actions_init(&stActions);
-    posix_spawn_file_actions_addopen(&stActions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&stActions, 1, strOut.c_str(), O_WRONLY | O_CREAT, 0600);
-    posix_spawn_file_actions_addopen(&stActions, 2, strErr.c_str(), O_WRONLY | O_CREAT, 0600);
-    std::vector<char *> apszArguments;
-    apszArguments.reserve(astrArguments.size() + 1);
-    for (std::string &strArgument : astrArguments) apszArguments.push_back(strArgument.data());
-    apszArguments.push_back(nullptr);
-    pid_t iChild = 0;
-    RunResult stResult;
-    if (posix_spawnp(&iChild, apszArguments[0], &stActions, nullptr, apszArguments.data(), environ) == 0) {
-        int iStatus = 0;
-        waitpid(iChild, &iStatus, 0);
-        stResult.iCode = WIFEXITED(iStatus) ? WEXITSTATUS(iStatus) : 128 + WTERMSIG(iStatus);
-    }
-    posix_spawn_file_actions_destroy(&stActions);
-    stResult.strOut = Read_File(strOut);
-    stResult.strErr = Read_File(strErr);
-    return stResult;
-}
-
-RunResult Run_Zyrsub(std::vector<std::string> astrArguments)
-{
-    astrArguments.insert(astrArguments.begin(), ZYRSUB_PROGRAM);
-    return Run_Program(std::move(astrArguments));
-}
-
 std::string Sample(const std::string &strName)
 {
     return std::string(ZYR_SAMPLES) + "/" + strName;
+}
+
+std::vector<std::string> List_Samples()
+{
+    std::vector<std::string> astrNames;
+    for (const auto &stEntry : std::filesystem::directory_iterator(ZYR_SAMPLES))
+        if (stEntry.path().filename() != "README.md") astrNames.push_back(stEntry.path().filename());
+    return astrNames;
+}
+
+RunResult Run_Program(const std::string &strCommand)
+{
+    const TestFolder stFolder;
+    const std::string strAll = "cd '" ZYR_SAMPLES "' && { " + strCommand + "; } </dev/null >" +
+                               stFolder.Path("out") + " 2>" + stFolder.Path("err");
+    const int iStatus = std::system(strAll.c_str());
+    return {WIFEXITED(iStatus) ? WEXITSTATUS(iStatus) : 128 + WTERMSIG(iStatus),
+            Read_File(stFolder.Path("out")), Read_File(stFolder.Path("err"))};
+}
+
+RunResult Run_Zyrsub(const std::string &strArguments)
+{
+    return Run_Program("'" ZYRSUB_PROGRAM "' " + strArguments);
+}
+
+json Run_Json(const std::string &strArguments, int iCode)
+{
+    const RunResult stRun = Run_Zyrsub(strArguments);
+    EXPECT_EQ(stRun.iCode, iCode) << strArguments << ": " << stRun.strErr;
+    json jsDocument = json::parse(stRun.strOut, nullptr, false);
+    EXPECT_FALSE(jsDocument.is_discarded()) << strArguments << ": " << stRun.strOut;
+    return jsDocument;
+}
+
+void Expect_Values(const json &jsDocument, const json &jsValues)
+{
+    json jsSeen;
+    for (const auto &stValue : jsValues.items()) {
+        const json::json_pointer stPlace(stValue.key());
+        jsSeen[stValue.key()] = jsDocument.contains(stPlace) ? jsDocument.at(stPlace) : json("(nothing)");
+    }
+    EXPECT_EQ(jsSeen, jsValues);
 }

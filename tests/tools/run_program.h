@@ -1,8 +1,9 @@
-// Runs programs for the tests: what they print and how they end.
+// Runs programs for the tests, among the samples: what they print and how they end.
 #ifndef ZYR_TESTS_RUN_PROGRAM_H
 #define ZYR_TESTS_RUN_PROGRAM_H
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -29,10 +30,17 @@ private:
 };
 
 std::string Read_File(const std::string &strPath);
-
-RunResult Run_Program(std::vector<std::string> astrArguments);
-RunResult Run_Zyrsub(std::vector<std::string> astrArguments);
-
 std::string Sample(const std::string &strName);
+std::vector<std::string> List_Samples();
+
+// A command of the shell, and one that is zyrsub's; the samples need no path.
+RunResult Run_Program(const std::string &strCommand);
+RunResult Run_Zyrsub(const std::string &strArguments);
+
+// The one JSON document that zyrsub prints, however it ends.
+nlohmann::json Run_Json(const std::string &strArguments, int iCode = 0);
+
+// Each value stands at its place in the document, such as "/files/0/format".
+void Expect_Values(const nlohmann::json &jsDocument, const nlohmann::json &jsValues);
 
 #endif
