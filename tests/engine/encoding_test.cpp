@@ -15,53 +15,37 @@ uint32_t Get_Random(std::mt19937 &stRandom, size_t uiBelow)
     return static_cast<uint32_t>(stRandom() % uiBelow);
 }
 
-/** The detection's rule, byte by byte, as slowly and plainly as it can be said. */
-uint32_t Judge_Encoding(const std::string &strFile)
+TEST(Encoding, IsToldByTheBytesWhereverTheyStandAndHoweverTheyAreRead)
 {
-    int iInvalid = 0, iSequences = 0, iPending = 0;
-    for (const char cByte : strFile) {
-        const uint8_t ucByte = static_cast<uint8_t>(cByte);
-        if (ucByte == 0xC0 || ucByte == 0xC1 || ucByte > 0xF4) {
-            ++iInvalid;
-            iPending = 0;
-        } else if (iPending > 0) {
-            if (ucByte >= 0x80 && ucByte <= 0xBF) {
-                iSequences += --iPending == 0 ? 1 : 0;
-            } else {
-                ++iInvalid;
-                iPending = 0;
-            }
-        } else if (ucByte >= 0x80) {
-            if (ucByte <= 0xBF)
-                ++iInvalid;
-            else
-                iPending = ucByte <= 0xDF ? 1 : ucByte <= 0xEF ? 2 : 3;
-        }
-        if (iInvalid > 20) return E_TEXT_ENCODING_ANSI;
-        if (iSequences > 10) return E_TEXT_ENCODING_UTF8;
-    }
-    return iSequences >= 1 && iInvalid == 0 ? E_TEXT_ENCODING_UTF8 : E_TEXT_ENCODING_ANSI;
-}
-
-TEST(Encoding, AgreesWithTheJudgeOnRandomBytes)
-{
-    std::mt19937 stRandom(7);
-    const std::string PIECES[] = {
-        "한",   "é",     "\xF0\x9F\x98\x80", "\xB0\xA1",      "\x80",
-        "\xC0", "\xE0z", Repeat("a", 33),    Repeat("b", 64), "\r\n",
+    // clang-format off
+    static const std::string UTF8[] = {
+        "é", "한", "\xF0\x9F\x98\x80", "\xC2\x80", "\xDF\xBF", "\xE0\x80\x80", "\xEF\xBF\xBF",
+        "\xF4\xBF\xBF\xBF", "é\xC3", "é\xE0\x80", "é" + Repeat("b", 33) + "é", "\x80" + Repeat("é", 11),
+        Repeat("\xE0\xC0", 20) + Repeat("é", 11), Repeat("\xE0z", 20) + Repeat("é", 11),
+        Repeat("é", 11) + Repeat("\x80", 30),
     };
-    for (uint32_t uiFile = 0; uiFile < 5000; ++uiFile) {
-        std::string strFile;
-        const uint32_t uiKinds = 1 + Get_Random(stRandom, std::size(PIECES));
-        for (uint32_t uiPiece = Get_Random(stRandom, 60); uiPiece > 0; --uiPiece)
-            strFile += PIECES[(Get_Random(stRandom, uiKinds) + uiFile) % std::size(PIECES)];
-        // Any cut into two reads must give the same.
-        const auto *const pucFile = reinterpret_cast<const uint8_t *>(strFile.data());
-        const uint32_t uiBytes = static_cast<uint32_t>(strFile.size());
-        const uint32_t uiCut = Get_Random(stRandom, uiBytes + 1);
-        Utf8Count stCount = {};
-        if (!Count_Utf8(&stCount, pucFile, uiCut)) Count_Utf8(&stCount, pucFile + uiCut, uiBytes - uiCut);
-        ASSERT_EQ(Decide_Encoding(stCount), Judge_Encoding(strFile)) << "file " << uiFile;
+    static const std::string ANSI[] = {
+        "", "a", "\xC3", "\xE0\x80", "\xF4\x80\x80", "é\x80", "é\xBF", "é\xC0", "é\xC1", "é\xF5", "é\xFF",
+        "é\xE0z", "é\xE0\x80z", "\xC3\xC3", "é\xC3é", "é\xE0\xC1\x80", "\x80" + Repeat("é", 10),
+        "é" + Repeat("b", 40) + "\x80" + Repeat("b", 40), Repeat("\x80", 21) + Repeat("é", 11),
+        Repeat("é", 10) + Repeat("\xFF", 21) + "é",
+    };
+    // clang-format on
+    const auto fnExpect = [](const std::string &strBytes, uint32_t uiExpected) {
+        const auto *const pucBytes = reinterpret_cast<const uint8_t *>(strBytes.data());
+        const uint32_t uiBytes = static_cast<uint32_t>(strBytes.size());
+        for (uint32_t uiCut = 0; uiCut <= uiBytes; ++uiCut) { // in two reads
+            Utf8Count stCount = {};
+            if (!Count_Utf8(&stCount, pucBytes, uiCut))
+                Count_Utf8(&stCount, pucBytes + uiCut, uiBytes - uiCut);
+            ASSERT_EQ(Decide_Encoding(stCount), uiExpected) << strBytes << " " << uiCut;
+        }
+    };
+    for (uint32_t uiBefore = 0; uiBefore <= 40; ++uiBefore) { // plain text is passed over in long steps
+        for (const std::string &strBytes : UTF8)
+            fnExpect(Repeat("a", uiBefore) + strBytes, E_TEXT_ENCODING_UTF8);
+        for (const std::string &strBytes : ANSI)
+            fnExpect(Repeat("a", uiBefore) + strBytes, E_TEXT_ENCODING_ANSI);
     }
 }
 
