@@ -34,7 +34,7 @@ class Help:
             elif line.strip():
                 self.blocks[-1][1].append(line)
         first = self.blocks.pop(0)[1]
-        self.usage = [re.sub(r"^Usage: |\(\d+x\)", "", line) for line in first if line.startswith("Usage: ")]
+        self.usage = [re.sub(r"\(\d+x\)", " ...", line.removeprefix("Usage: ")) for line in first if line.startswith("Usage: ")]
         self.summary = " ".join(line for line in first if not line.startswith("Usage: "))
 
     def entries(self, title):
@@ -67,6 +67,11 @@ class Option:
         return "FILE" in self.kind or "OUT" in self.kind or "DIR" in self.kind
 
 
+def bare_kind(kind):
+    """The kind of a value, without its default, its range, and what else --help says of the option there."""
+    return re.sub(r"[:=].*|\b(?:Excludes|Needs|REQUIRED|Env)\b.*", "", kind).strip()
+
+
 def block_roff(title, lines):
     if lines and lines[0].startswith("  "):
         return (f".PP\n{escape(title)}:\n" if title else "") + ".PP\n" + literal("\n".join(lines))
@@ -79,7 +84,7 @@ def command_roff(command):
     for title in ("Positionals", "Options"):
         for name, text in command.entries(title):
             spelling, _, kind = name.partition(" ")
-            out += tagged(f"{spelling.replace(',', ', ')} {kind}".strip(), text)
+            out += tagged(f"{spelling.replace(',', ', ')} {bare_kind(kind)}".strip(), text)
     for title, lines in command.blocks:
         if title not in ("Positionals", "Options"):
             out += block_roff(title, lines)
@@ -88,7 +93,7 @@ def command_roff(command):
 
 def man_page(top, commands, version):
     out = heading("zyrsub", 1, version, "User Commands")
-    out += ".SH NAME\nzyrsub \\- look into subtitle files, draw their captions, and play them\n"
+    out += ".SH NAME\nzyrsub \\- look into subtitle files, convert them, and draw and play their captions\n"
     out += ".SH SYNOPSIS\n" + "".join(".br\n.B " + escape(one.usage[0]) + "\n" for one in commands)
     out += ".SH DESCRIPTION\n" + paragraph(DESCRIPTION)
     out += "".join(tagged(name, text) for name, text in top.entries("Options"))

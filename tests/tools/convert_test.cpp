@@ -1,5 +1,6 @@
 // zyrsub convert: what it writes reads back as the same captions.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "run_program.h"
 
@@ -152,4 +153,83 @@ TEST(ZyrsubConvert, JsonTellsWhatWasWrittenAndLost)
     Expect_Values(Run_Json(strConvert, 1), {{"/outputs/1/error/code", 1}, // they are there already
                                             {"/errors/1/code", 1},
                                             {"/errors/2", "(nothing)"}});
+}
+
+// Three languages whose names differ in letter case, in what a file name cannot have, and in nothing.
+static std::string Make_Sami(const std::vector<std::string> &astrClasses)
+{
+    std::string strText = "<SAMI><BODY>";
+    for (size_t uiClass = 0; uiClass < astrClasses.size(); ++uiClass)
+        for (int iSync = 0; iSync < 2; ++iSync)
+            strText += "<SYNC Start=" + std::to_string(1000 * (iSync + 1)) +
+                       "><P Class=" + astrClasses[uiClass] + ">text " + std::to_string(uiClass) + "\r\n";
+    return strText + "</BODY></SAMI>\r\n";
+}
+
+TEST(ZyrsubConvert, NoLanguageIsLost)
+{
+    const TestFolder stFolder;
+    stFolder.Write("x.smi", Make_Sami({"A/B", "A_B",
+                                       "A\x1B"
+                                       "B"}));
+    const json jsReport =
+        Run_Json("convert --json --force " + stFolder.Path("x.smi") + " -o " + stFolder.Path("o.srt"));
+    Expect_Values(jsReport, {{"/outputs/0/file", stFolder.Path("o.A_B.srt")},
+                             {"/outputs/1/file", stFolder.Path("o.A_B2.srt")},
+                             {"/outputs/2/file", stFolder.Path("o.A_B3.srt")}});
+    EXPECT_NE(Read_File(stFolder.Path("o.A_B2.srt")).find("text 1"), std::string::npos);
+
+    const std::string strMerged = stFolder.Path("merged.smi");
+    Run_Zyrsub("convert subrip-crlf.srt subrip-utf8.srt --class-name krcc --class-name KRCC -o " + strMerged);
+    EXPECT_EQ(Read_Tracks(strMerged).size(), 2U);
+
+    stFolder.Write("none.srt", "nothing here\r\n");
+    const RunResult stNone =
+        Run_Zyrsub("convert subrip-crlf.srt " + stFolder.Path("none.srt") + " --force -o " + strMerged);
+    EXPECT_EQ(stNone.iCode, 1);
+    EXPECT_NE(stNone.strErr.find("no captions to convert"), std::string::npos) << stNone.strErr;
+}
+
+TEST(ZyrsubConvert, WrongUseIsRefused)
+{
+    const TestFolder stFolder;
+    stFolder.Write("ko.smi", Make_Sami({"\uD55C\uAE00"}));
+    const struct {
+        std::string strArguments;
+        const char *pszMessage;
+    } astCases[] = {
+        {"subrip-crlf.srt --encoding UTF-32 -o x.srt", "'UTF-32' is not"},
+        {"subrip-crlf.srt --encoding ISO-2022-KR -o x.srt", "'ISO-2022-KR' is not"},
+        {"subrip-crlf.srt --encoding CP949 -o x.vtt", "WebVTT is always UTF-8"},
+        {"subrip-crlf.srt --class-name A -o x.srt", "only SAMI has class names"},
+        {"subrip-crlf.srt --class-name A --class-name B -o x.smi", "more class names than languages"},
+        {"subrip-crlf.srt subrip-utf8.srt -o x.srt", "only SAMI and JSON hold several inputs"},
+        {stFolder.Path("ko.smi") + " --encoding CP949 -o x.smi", "only found in UTF-8"},
+    };
+    for (const auto &stCase : astCases) {
+        const RunResult stRun = Run_Zyrsub("convert " + stCase.strArguments);
+        EXPECT_EQ(stRun.iCode, 2) << stCase.strArguments;
+        EXPECT_NE(stRun.strErr.find(stCase.pszMessage), std::string::npos) << stRun.strErr;
+    }
+}
+
+TEST(ZyrsubConvert, TargetsKeepWhatTheyAre)
+{
+    const TestFolder stFolder;
+    stFolder.Write("real.srt", "old");
+    std::filesystem::permissions(stFolder.Path("real.srt"), std::filesystem::perms::owner_all);
+    std::filesystem::create_symlink("real.srt", stFolder.Path("link.srt"));
+    EXPECT_EQ(Run_Zyrsub("convert subrip-crlf.srt --force -o " + stFolder.Path("link.srt")).iCode, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(stFolder.Path("link.srt")));
+    EXPECT_NE(Read_File(stFolder.Path("real.srt")), "old");
+    EXPECT_EQ(std::filesystem::status(stFolder.Path("real.srt")).permissions(),
+              std::filesystem::perms::owner_all);
+
+    EXPECT_EQ(Run_Zyrsub("convert subrip-crlf.srt --to srt -o /dev/full").iCode, 1);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+    EXPECT_EQ(Run_Zyrsub("convert subrip-crlf.srt -o " + stFolder.Path(std::string(251, 'n') + ".srt")).iCode,
+              0);
+    EXPECT_EQ(Run_Zyrsub("render subrip-crlf.srt -o " + stFolder.Path("real.srt")).iCode, 2);
+    ASSERT_EQ(mkfifo(stFolder.Path("pipe.srt").c_str(), 0600), 0);
+    EXPECT_EQ(Run_Zyrsub("info " + stFolder.Path("pipe.srt")).iCode, 3) << "it must not wait for a writer";
 }

@@ -35,11 +35,6 @@ bool Is_SingleByte(const std::string &strCodePage)
     return true;
 }
 
-static bool Is_High(char cByte)
-{
-    return static_cast<uint8_t>(cByte) >= 0x80;
-}
-
 // The lines that tell code pages apart; all others only speak for plain ASCII.
 static std::string Pick_HighLines(std::string_view strFile)
 {

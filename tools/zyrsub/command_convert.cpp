@@ -2,6 +2,7 @@
 #include "commands.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 
 #include "convert_write.h"
@@ -28,34 +29,55 @@ static std::string Make_ClassName(const std::string &strMovie)
     return (strTag == "KO" ? "KR" : strTag) + "CC";
 }
 
+// The first of NAME, NAME2, NAME3 ... that is not taken, in any letter case; cut so that uiMost bytes hold it.
+static std::string Make_Unique(const std::string &strWanted, std::vector<std::string> &astrTaken,
+                               size_t uiMost)
+{
+    std::string strName = strWanted;
+    const auto pfTaken = [&](const std::string &strOther) {
+        return Lower_Case(strOther) == Lower_Case(strName);
+    };
+    for (int iNumber = 2; std::any_of(astrTaken.begin(), astrTaken.end(), pfTaken); ++iNumber) {
+        const std::string strNumber = std::to_string(iNumber);
+        strName = strWanted.substr(0, uiMost - strNumber.size()) + strNumber;
+    }
+    astrTaken.push_back(strName);
+    return strName;
+}
+
 // Every class of a SAMI file has a name of its own.
 static void Name_Classes(std::vector<Track> &astTracks, const std::vector<std::string> &astrNames)
 {
+    std::vector<std::string> astrTaken;
     for (size_t uiTrack = 0; uiTrack < astTracks.size(); ++uiTrack) {
         Track &stTrack = astTracks[uiTrack];
         if (uiTrack < astrNames.size()) stTrack.strClass = astrNames[uiTrack];
         if (stTrack.strClass.empty()) stTrack.strClass = Make_ClassName(stTrack.strMovie);
-        const auto pstEnd = astTracks.begin() + static_cast<ptrdiff_t>(uiTrack);
-        const auto pfTaken = [&](const std::string &strName) {
-            return std::any_of(astTracks.begin(), pstEnd,
-                               [&](const Track &stOther) { return stOther.strClass == strName; });
-        };
-        const std::string strWanted = stTrack.strClass;
-        for (int iNumber = 2; pfTaken(stTrack.strClass); ++iNumber)
-            stTrack.strClass = strWanted.substr(0, 10) + std::to_string(iNumber);
+        stTrack.strClass = Make_Unique(stTrack.strClass, astrTaken, ZYR_CLASS_NAME_UNITS);
     }
 }
 
-// movie.srt of class KRCC is movie.KRCC.srt.
-static std::string Make_OutputName(const std::string &strFile, const Track &stTrack)
+// movie.srt of class KRCC is movie.KRCC.srt. A class's name comes from a file, which may hold anything.
+static std::string Make_OutputName(const std::string &strFile, const Track &stTrack,
+                                   std::vector<std::string> &astrTaken)
 {
     const size_t uiDot = strFile.rfind('.');
     const size_t uiSlash = strFile.rfind('/');
     const bool bEnding = uiDot != std::string::npos && (uiSlash == std::string::npos || uiDot > uiSlash);
     std::string strClass = stTrack.strClass.empty() ? "unnamed" : stTrack.strClass;
-    std::replace(strClass.begin(), strClass.end(), '/', '_');
+    for (char &cByte : strClass)
+        if (cByte == '/' || (cByte >= 0 && cByte < ' ') || cByte == 0x7F) cByte = '_';
+    strClass = Make_Unique(strClass, astrTaken, NAME_MAX);
     const size_t uiEnd = bEnding ? uiDot : strFile.size();
     return strFile.substr(0, uiEnd) + "." + strClass + strFile.substr(uiEnd);
+}
+
+// Those with text; the others only end one before.
+static size_t Count_Captions(const Track &stTrack)
+{
+    return static_cast<size_t>(
+        std::count_if(stTrack.astFrames.begin(), stTrack.astFrames.end(),
+                      [](const Frame &stFrame) { return !stFrame.astrLines.empty(); }));
 }
 
 static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::string &strFile,
@@ -66,12 +88,13 @@ static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::st
     stOutput.strFile = strFile;
     stOutput.pszFormat = stFormat.pszTitle;
     for (const Track &stTrack : astTracks) {
-        stOutput.uiFrames += stTrack.astFrames.size();
+        stOutput.uiFrames += Count_Captions(stTrack);
         stOutput.stLosses.Add_All(stTrack.stLosses);
     }
     const std::string strUtf8 = stFormat.pfWrite(astTracks, stOutput.stLosses);
     const std::string strText =
         Encode_Text(strUtf8, stConvert.strEncoding, stFormat.bMark, stOutput.stLosses, astTracks);
+    stOutput.uiFrames -= stOutput.stLosses.Count_LeftOut();
     if (strFile == "-")
         std::fwrite(strText.data(), 1, strText.size(), stdout);
     else
@@ -89,17 +112,40 @@ static void Report_Output(const ConvertedFile &stOutput, bool bJson)
     for (const std::string &strLoss : stOutput.stLosses.List()) Report_Problem(stOutput.strFile, strLoss);
 }
 
-static Outcome Check_Tracks(const Options &stOptions, const std::vector<Track> &astTracks)
+// What is wrong whatever the inputs hold.
+static Outcome Check_Options(const Options &stOptions)
 {
     const ConvertOptions &stConvert = stOptions.stConvert;
-    if (!stConvert.pstFormat->bSeveral && stOptions.astrMovies.size() > 1)
+    const OutputFormat &stFormat = *stConvert.pstFormat;
+    if (!stFormat.bSeveral && stOptions.astrMovies.size() > 1)
         return {E_EXIT_USAGE, "only SAMI and JSON hold several inputs"};
-    if (stConvert.pstFormat->pfWrite == Write_Sami && astTracks.size() > SAMI_CLASSES)
-        return {E_EXIT_USAGE, "SAMI holds at most 7 languages"};
-    if (stConvert.strFile == "-" && !stConvert.pstFormat->bSeveral && astTracks.size() > 1)
-        return {E_EXIT_USAGE, "there are several languages; choose one with --class"};
+    if (!stFormat.bCodePages && stConvert.strEncoding != "UTF-8")
+        return {E_EXIT_USAGE, std::string(stFormat.pszTitle) + " is always UTF-8"};
+    if (stFormat.pfWrite != Write_Sami && !stConvert.astrClassNames.empty())
+        return {E_EXIT_USAGE, "only SAMI has class names"};
     if (stConvert.strFile == "-" && stOptions.stReport.bJson)
         return {E_EXIT_USAGE, "standard output is for the captions or for the report, not for both"};
+    return {};
+}
+
+// A SAMI reader looks for classes without decoding double-byte characters, and then never finds their frames.
+static bool Has_LostName(const Track &stTrack)
+{
+    return std::any_of(stTrack.strClass.begin(), stTrack.strClass.end(), Is_High);
+}
+
+static Outcome Check_Tracks(const ConvertOptions &stConvert, const std::vector<Track> &astTracks)
+{
+    const bool bSami = stConvert.pstFormat->pfWrite == Write_Sami;
+    if (bSami && astTracks.size() > SAMI_CLASSES) return {E_EXIT_USAGE, "SAMI holds at most 7 languages"};
+    if (bSami && !Is_Unicode(stConvert.strEncoding) &&
+        std::any_of(astTracks.begin(), astTracks.end(), Has_LostName))
+        return {E_EXIT_USAGE,
+                "a class name beyond ASCII is only found in UTF-8 or UTF-16 (or use --class-name)"};
+    if (astTracks.size() < stConvert.astrClassNames.size())
+        return {E_EXIT_USAGE, "there are more class names than languages"};
+    if (stConvert.strFile == "-" && !stConvert.pstFormat->bSeveral && astTracks.size() > 1)
+        return {E_EXIT_USAGE, "there are several languages; choose one with --class"};
     return {};
 }
 
@@ -114,14 +160,30 @@ static std::vector<ExitCode> Write_Outputs(const Options &stOptions, std::vector
         stJson.Add_Output(stOutput);
         aeCodes.push_back(stOutput.stOutcome.eCode);
     };
-    if (stConvert.pstFormat->pfWrite == Write_Sami) Name_Classes(astTracks, stConvert.astrClassNames);
     if (stConvert.pstFormat->bSeveral || astTracks.size() == 1) {
         pfWrite(stConvert.strFile, astTracks);
         return aeCodes;
     }
+    std::vector<std::string> astrTaken;
     for (const Track &stTrack : astTracks)
-        pfWrite(Make_OutputName(stConvert.strFile, stTrack), {&stTrack, 1});
+        pfWrite(Make_OutputName(stConvert.strFile, stTrack, astrTaken), {&stTrack, 1});
     return aeCodes;
+}
+
+// A language without captions would make a file, or a class, that no player can read.
+static Outcome Read_Input(const SourceOptions &stSource, const std::string &strMovie,
+                          std::vector<Track> &astTracks)
+{
+    std::vector<Track> astRead;
+    Outcome stRead = Read_Tracks(stSource, strMovie, astRead);
+    for (Track &stTrack : astRead)
+        if (!stTrack.astFrames.empty())
+            astTracks.push_back(std::move(stTrack));
+        else if (stRead.IsGood())
+            stRead = {E_EXIT_SOME_FAILED,
+                      "no captions to convert" +
+                          (stTrack.strClass.empty() ? "" : " in class " + stTrack.strClass)};
+    return stRead;
 }
 
 static std::vector<ExitCode> Read_Inputs(const Options &stOptions, std::vector<Track> &astTracks,
@@ -129,7 +191,7 @@ static std::vector<ExitCode> Read_Inputs(const Options &stOptions, std::vector<T
 {
     std::vector<ExitCode> aeCodes;
     for (const std::string &strMovie : stOptions.astrMovies) {
-        const Outcome stRead = Read_Tracks(stOptions.stSource, strMovie, astTracks);
+        const Outcome stRead = Read_Input(stOptions.stSource, strMovie, astTracks);
         stJson.Begin_File(strMovie);
         if (!stRead.IsGood()) {
             Report_Problem(strMovie, stRead.strText);
@@ -140,19 +202,25 @@ static std::vector<ExitCode> Read_Inputs(const Options &stOptions, std::vector<T
     return aeCodes;
 }
 
+static ExitCode Refuse(const Outcome &stOutcome, JsonReport &stJson)
+{
+    std::fprintf(stderr, "zyrsub: %s\n", stOutcome.strText.c_str());
+    stJson.Add_Error(stOutcome);
+    return stOutcome.eCode;
+}
+
 static ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
 {
+    const ConvertOptions &stConvert = stOptions.stConvert;
+    const Outcome stUsable = Check_Options(stOptions);
+    if (!stUsable.IsGood()) return Refuse(stUsable, stJson);
     std::vector<Track> astTracks;
     std::vector<ExitCode> aeCodes = Read_Inputs(stOptions, astTracks, stJson);
     if (astTracks.empty()) return Combine_Codes(aeCodes);
-    const Outcome stFits = Check_Tracks(stOptions, astTracks);
-    if (!stFits.IsGood()) {
-        Report_Problem(stOptions.stConvert.strFile, stFits.strText);
-        stJson.Add_Error(stFits);
-        return stFits.eCode;
-    }
-    for (Track &stTrack : astTracks)
-        Retime_Track(stTrack, stOptions.stConvert.dScale, stOptions.stConvert.llShift);
+    if (stConvert.pstFormat->pfWrite == Write_Sami) Name_Classes(astTracks, stConvert.astrClassNames);
+    const Outcome stFits = Check_Tracks(stConvert, astTracks);
+    if (!stFits.IsGood()) return Refuse(stFits, stJson);
+    for (Track &stTrack : astTracks) Retime_Track(stTrack, stConvert.dScale, stConvert.llShift);
     const std::vector<ExitCode> aeWritten = Write_Outputs(stOptions, astTracks, stJson);
     aeCodes.insert(aeCodes.end(), aeWritten.begin(), aeWritten.end());
     return Combine_Codes(aeCodes);

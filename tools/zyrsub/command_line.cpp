@@ -18,6 +18,7 @@ static constexpr const char *MAIN_FOOTER = R"(Examples:
   zyrsub find movie.avi              which subtitle a player finds for the movie, and why
 
 "zyrsub COMMAND --help" tells more about each command.
+
 Exit codes: 0 good, 1 some inputs failed, 2 wrong use, 3 not found or not readable, 4 not a subtitle
 that can be read.)";
 
@@ -287,8 +288,12 @@ static std::string Explain_Unknown(const CLI::App &stApp, int iArguments, char *
 
 bool Is_JsonWanted(int iArguments, char **ppszArguments)
 {
-    return std::any_of(ppszArguments, ppszArguments + iArguments,
-                       [](const char *pszArgument) { return std::string_view(pszArgument) == "--json"; });
+    for (int iArgument = 1; iArgument < iArguments; ++iArgument) {
+        const std::string_view strArgument = ppszArguments[iArgument];
+        if (strArgument == "--") break;
+        if (strArgument == "--json" || strArgument.starts_with("--json=")) return true;
+    }
+    return false;
 }
 
 static ExitCode Report_Usage(const CLI::App &stApp, const CLI::ParseError &stError, int iArguments,
@@ -299,7 +304,8 @@ static ExitCode Report_Usage(const CLI::App &stApp, const CLI::ParseError &stErr
         return E_EXIT_GOOD;
     }
     const auto eError = static_cast<CLI::ExitCodes>(stError.get_exit_code());
-    const bool bUnknown = eError == CLI::ExitCodes::ExtrasError || eError == CLI::ExitCodes::RequiredError;
+    const bool bUnknown = eError == CLI::ExitCodes::ExtrasError || eError == CLI::ExitCodes::RequiredError ||
+                          eError == CLI::ExitCodes::ArgumentMismatch;
     const std::string strUnknown = bUnknown ? Explain_Unknown(stApp, iArguments, ppszArguments) : "";
     const std::string strText = strUnknown.empty() ? stError.what() : strUnknown;
     std::fprintf(stderr, "zyrsub: %s\n'zyrsub --help' and 'zyrsub COMMAND --help' tell more.\n",

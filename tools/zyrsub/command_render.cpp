@@ -128,11 +128,20 @@ static Outcome Render_Sheet(const Options &stOptions, const Timeline &stTimeline
     return stWritten;
 }
 
+// A slip of the fingers must not cost a subtitle.
+static Outcome Check_Target(const RenderOptions &stRender)
+{
+    if (Is_SubtitleName(stRender.strPicture) || Is_SubtitleName(stRender.strSheet))
+        return {E_EXIT_USAGE, "a picture is not written under a subtitle's name"};
+    return {};
+}
+
 ExitCode Run_Render(const Options &stOptions)
 {
     const std::string &strMovie = stOptions.astrMovies.front();
     SubtitleSource stSource(stOptions.stSource);
-    Outcome stOutcome = stSource.Open(strMovie);
+    Outcome stOutcome = Check_Target(stOptions.stRender);
+    if (stOutcome.IsGood()) stOutcome = stSource.Open(strMovie);
     if (stOutcome.IsGood()) {
         const Timeline stTimeline(stSource.Read_All());
         CaptionScreen stScreen;

@@ -10,7 +10,8 @@
 void Report_Problem(const std::string &strMovie, const std::string &strText)
 {
     std::fflush(stdout);
-    std::fprintf(stderr, "zyrsub: %s: %s\n", strMovie.c_str(), strText.c_str());
+    std::fprintf(stderr, "zyrsub: %s: %s\n", Make_Printable(strMovie).c_str(),
+                 Make_Printable(strText).c_str());
 }
 
 using FileStep = std::function<Outcome(const std::string &, SubtitleSource &, JsonReport &)>;

@@ -1,5 +1,6 @@
 // The options of zyrsub convert.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 
 #include "command_line.h"
@@ -54,6 +55,11 @@ static void Choose_Format(ConvertOptions &stConvert)
     throw CLI::ValidationError("--to", "which format? --to is one of:" + strNames);
 }
 
+static bool Is_NameByte(char cByte)
+{
+    return cByte > ' ' && cByte < 0x7F && std::string_view("<>&=\"'").find(cByte) == std::string_view::npos;
+}
+
 template <typename Value>
 static void Add_Checked(CLI::App *pstApp, const char *pszName, const char *pszHelp, const char *pszType,
                         Value &stValue, bool (*pfRead)(const std::string &, Value &))
@@ -80,19 +86,24 @@ void Add_ConvertOptions(CLI::App *pstApp, ConvertOptions &stConvert)
         ->allow_extra_args(false)
         ->check([](const std::string &strName) {
             const bool bGood = !strName.empty() && strName.size() <= 12 &&
-                               strName.find_first_of(" <>&=\"'\t\r\n") == std::string::npos;
-            return bGood ? "" : "a class name has 1 to 12 characters, without blanks";
+                               std::all_of(strName.begin(), strName.end(), Is_NameByte);
+            return bGood ? "" : "a class name has 1 to 12 characters of ASCII, without blanks and <>&=\"'";
         })
         ->type_name("NAME");
     Add_Checked(pstApp, "--shift", "add this much to every time; -T takes it away", "T", stConvert.llShift,
                 Read_Shift);
     Add_Checked(pstApp, "--scale", "multiply every time, before the shift: 25/23.976, 1.001", "X",
                 stConvert.dScale, Read_Scale);
-    pstApp->add_option("--encoding", stConvert.strEncoding, "of the file to write")
-        ->capture_default_str()
-        ->check([](const std::string &strName) {
-            return Converter(strName, "UTF-8").IsKnown() ? "" : "there is no encoding '" + strName + "'";
-        })
+    pstApp
+        ->add_option_function<std::string>(
+            "--encoding",
+            [&stConvert](const std::string &strName) {
+                stConvert.strEncoding = Choose_Encoding(strName);
+                if (stConvert.strEncoding.empty())
+                    throw CLI::ValidationError(
+                        "--encoding", "'" + strName + "' is not UTF-8, UTF-16LE, UTF-16BE or a code page");
+            },
+            "of the file to write: UTF-8, UTF-16LE, UTF-16BE or a code page [UTF-8]")
         ->type_name("NAME");
     pstApp->add_flag("--force", stConvert.bForce, "replace an existing file");
     pstApp->parse_complete_callback([&stConvert] { Choose_Format(stConvert); });

@@ -72,7 +72,10 @@ static std::string Write_Head(std::span<const Track> astTracks)
 std::string Write_Sami(std::span<const Track> astTracks, Losses &stLosses)
 {
     std::vector<SamiFrame> astFrames;
-    for (const Track &stTrack : astTracks) Lay_OutTrack(stTrack, astFrames, stLosses);
+    for (const Track &stTrack : astTracks) {
+        Note_MarkupLosses(stTrack, stLosses);
+        Lay_OutTrack(stTrack, astFrames, stLosses);
+    }
     Note_Sparse(astTracks, astFrames, stLosses);
     std::stable_sort(astFrames.begin(), astFrames.end(),
                      [](const SamiFrame &stA, const SamiFrame &stB) { return stA.iStart < stB.iStart; });

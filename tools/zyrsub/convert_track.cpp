@@ -46,13 +46,14 @@ void Retime_Track(Track &stTrack, double dScale, int64_t llShift)
         const bool bOpen = stFrame.iEnd == OPEN_END;
         const double dStart = std::round(stFrame.iStart * dScale) + static_cast<double>(llShift);
         const double dEnd = std::round(stFrame.iEnd * dScale) + static_cast<double>(llShift);
-        if ((!bOpen && dEnd < 0) || dStart >= OPEN_END || (!bOpen && dEnd >= OPEN_END)) {
-            stTrack.stLosses.Add("left out, as --shift and --scale move it out of the movie");
+        const bool bBefore = !bOpen && dStart < 0 && dEnd <= 0;
+        if (bBefore || dStart >= OPEN_END || (!bOpen && dEnd >= OPEN_END)) {
+            stTrack.stLosses.Add_LeftOut("--shift and --scale move it out of the movie");
             continue;
         }
         if (dStart < 0) stTrack.stLosses.Add("--shift and --scale move its start before 0; it starts at 0");
         stFrame.iStart = static_cast<int32_t>(std::max(dStart, 0.0));
-        if (!bOpen) stFrame.iEnd = static_cast<int32_t>(dEnd);
+        if (!bOpen) stFrame.iEnd = static_cast<int32_t>(std::max(dEnd, 0.0));
         astKept.push_back(std::move(stFrame));
     }
     stTrack.astFrames = std::move(astKept);

@@ -16,16 +16,24 @@ public:
     {
         if (uiTimes > 0) m_auiTimes[strWhat] += uiTimes;
     }
+    // The caption is not written at all.
+    void Add_LeftOut(const std::string &strWhy)
+    {
+        Add("left out, as " + strWhy);
+        ++m_uiLeftOut;
+    }
     void Add_All(const Losses &stOther)
     {
         for (const auto &[strWhat, uiTimes] : stOther.m_auiTimes) Add(strWhat, uiTimes);
     }
+    size_t Count_LeftOut() const { return m_uiLeftOut; }
     const std::map<std::string, size_t> &Get() const { return m_auiTimes; }
     // "3 captions: an end ..."
     std::vector<std::string> List() const;
 
 private:
     std::map<std::string, size_t> m_auiTimes;
+    size_t m_uiLeftOut = 0;
 };
 
 struct Track {

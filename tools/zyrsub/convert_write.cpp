@@ -11,12 +11,12 @@ using nlohmann::ordered_json;
 static constexpr int64_t LAST_CAPTION_MS = 5000; // how long a caption without an end is left on screen
 
 static constexpr OutputFormat FORMATS[] = {
-    {"srt", "SubRip", " .srt ", false, true, Write_SubRip},
-    {"vtt", "WebVTT", " .vtt ", false, false, Write_WebVtt},
-    {"smi", "SAMI", " .smi .sami ", true, true, Write_Sami},
-    {"ssa", "SSA", " .ssa ", false, true, Write_Ssa},
-    {"json", "JSON", " .json ", true, false, Write_Json},
-    {"txt", "plain text", " .txt ", false, false, Write_Text},
+    {"srt", "SubRip", " .srt ", false, true, true, Write_SubRip},
+    {"vtt", "WebVTT", " .vtt ", false, false, false, Write_WebVtt},
+    {"smi", "SAMI", " .smi .sami ", true, true, true, Write_Sami},
+    {"ssa", "SSA", " .ssa ", false, true, true, Write_Ssa},
+    {"json", "JSON", " .json ", true, false, false, Write_Json},
+    {"txt", "plain text", " .txt ", false, false, true, Write_Text},
 };
 
 std::span<const OutputFormat> List_OutputFormats()
@@ -36,6 +36,16 @@ const OutputFormat *Find_OutputFormat(const std::string &strNameOrEnding)
     return nullptr;
 }
 
+static bool Is_Utf16(const std::string &strEncoding)
+{
+    return strEncoding == "UTF-16LE" || strEncoding == "UTF-16BE";
+}
+
+bool Is_Unicode(const std::string &strEncoding)
+{
+    return strEncoding == "UTF-8" || Is_Utf16(strEncoding);
+}
+
 // One character at a time, so that one without a place in the encoding costs no other.
 static std::string Encode_Characters(const std::string &strUtf8, const Converter &stConverter)
 {
@@ -51,30 +61,51 @@ static std::string Encode_Characters(const std::string &strUtf8, const Converter
     return strOut;
 }
 
+std::string Choose_Encoding(const std::string &strName)
+{
+    const std::string strLower = Lower_Case(strName);
+    if (strLower == "utf-8" || strLower == "utf8") return "UTF-8";
+    if (strLower == "utf-16be" || strLower == "utf16be") return "UTF-16BE";
+    for (const char *pszSame : {"utf-16le", "utf16le", "utf-16", "utf16"})
+        if (strLower == pszSame) return "UTF-16LE";
+    for (const char *pszOther :
+         {"utf", "ucs", "iso-2022", "iso2022", "hz"}) // of other sizes, or with a state
+        if (strLower.starts_with(pszOther)) return "";
+    const Converter stConverter(strName, "UTF-8");
+    const bool bPlain = strName.find('/') == std::string::npos && stConverter.IsKnown() &&
+                        stConverter.Convert("A1<", 1, "") == "A1<";
+    return bPlain ? strName : "";
+}
+
+// What the encoding does not have, caption by caption.
+static void Note_EncodingLosses(const Track &stTrack, const std::string &strEncoding, bool bMark,
+                                Losses &stLosses)
+{
+    const Converter stConverter(strEncoding, "UTF-8");
+    const bool bUtf8 = strEncoding == "UTF-8";
+    for (const Frame &stFrame : stTrack.astFrames) {
+        const std::string strText = Join_Lines(stFrame.astrLines, "\n");
+        const bool bBeyondBmp = std::any_of(strText.begin(), strText.end(), [](char cChar) {
+            return static_cast<uint8_t>(cChar) >= 0xF0; // leads a character above U+FFFF
+        });
+        if (bUtf8 && bMark && bBeyondBmp)
+            stLosses.Add("players read no character above U+FFFF from UTF-8; --encoding UTF-16LE keeps it");
+        if (!bUtf8 && stConverter.Convert(strText, 1, "\x01") != Encode_Characters(strText, stConverter))
+            stLosses.Add("characters that the encoding does not have are written as '?'");
+    }
+}
+
 std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding, bool bMark,
                         Losses &stLosses, std::span<const Track> astTracks)
 {
-    const std::string strName = Lower_Case(strEncoding);
-    const std::string strMark = "\xEF\xBB\xBF";
-    const bool bUtf16 = strName == "utf-16le" || strName == "utf-16be";
-    const bool bUtf8 = strName == "utf-8" || strName == "utf8";
+    static constexpr const char *MARK = "\xEF\xBB\xBF";
+    const bool bUtf8 = strEncoding == "UTF-8";
+    const bool bUtf16 = Is_Utf16(strEncoding);
+    if (!bUtf16)
+        for (const Track &stTrack : astTracks) Note_EncodingLosses(stTrack, strEncoding, bMark, stLosses);
+    if (bUtf8) return bMark ? MARK + strUtf8 : strUtf8;
     const Converter stConverter(strEncoding, "UTF-8");
-    for (const Track &stTrack : astTracks)
-        for (const Frame &stFrame : stTrack.astFrames) {
-            const std::string strText = Join_Lines(stFrame.astrLines, "\n");
-            const bool bHigh = std::any_of(strText.begin(), strText.end(), [](char cChar) {
-                return static_cast<uint8_t>(cChar) >= 0xF0; // leads a character above U+FFFF
-            });
-            if (bUtf8 && bMark && bHigh)
-                stLosses.Add(
-                    "players read no character above U+FFFF from UTF-8; --encoding UTF-16LE keeps it");
-            if (!bUtf8 && !bUtf16 &&
-                stConverter.Convert(strText, 1, "\x01") != Encode_Characters(strText, stConverter))
-                stLosses.Add("characters that the encoding does not have are written as '?'");
-        }
-    if (bUtf8) return bMark ? strMark + strUtf8 : strUtf8;
-    if (bUtf16) return stConverter.Convert(strMark + strUtf8, 1, "");
-    return Encode_Characters(strUtf8, stConverter);
+    return bUtf16 ? stConverter.Convert(MARK + strUtf8, 1, "") : Encode_Characters(strUtf8, stConverter);
 }
 
 static std::string Format_Clock(int64_t llMs, int iHourDigits, char cPoint)
@@ -126,13 +157,18 @@ static std::string Join_Escaped(const Frame &stFrame, const char *pszBreak, bool
     return strOut;
 }
 
-// Bold, colours and the like.
-static void Note_Styles(const Track &stTrack, Losses &stLosses)
+void Note_MarkupLosses(const Track &stTrack, Losses &stLosses)
 {
     static constexpr uint16_t WHITE = 0xFFFF;
-    for (const Frame &stFrame : stTrack.astFrames)
+    for (const Frame &stFrame : stTrack.astFrames) {
         if (stFrame.stStyle.uiDisplayMode != 0 || stFrame.stStyle.usColor != WHITE)
             stLosses.Add("its style (colour, bold, place and so on) is not written");
+        const auto pfEmpty = [](const std::string &strLine) {
+            return strLine.find_first_not_of(" \t") == std::string::npos;
+        };
+        if (std::any_of(stFrame.astrLines.begin(), stFrame.astrLines.end(), pfEmpty))
+            stLosses.Add("its empty lines are not read back");
+    }
 }
 
 std::string Write_SubRip(std::span<const Track> astTracks, Losses &stLosses)
@@ -140,7 +176,7 @@ std::string Write_SubRip(std::span<const Track> astTracks, Losses &stLosses)
     std::string strOut;
     size_t uiNumber = 0;
     const Track &stTrack = astTracks.front();
-    Note_Styles(stTrack, stLosses);
+    Note_MarkupLosses(stTrack, stLosses);
     for (const Frame &stFrame : stTrack.astFrames) {
         if (stFrame.iEnd == OPEN_END)
             stLosses.Add("it has no end, and gets the last time there is, 596:31:23,647");
@@ -173,11 +209,11 @@ static std::vector<Frame> Close_Ends(const Track &stTrack, Losses &stLosses)
 std::string Write_WebVtt(std::span<const Track> astTracks, Losses &stLosses)
 {
     std::string strOut = "WEBVTT\n";
-    Note_Styles(astTracks.front(), stLosses);
+    Note_MarkupLosses(astTracks.front(), stLosses);
     for (const Frame &stFrame : Close_Ends(astTracks.front(), stLosses)) {
         if (stFrame.astrLines.empty()) continue; // nothing is on screen without a cue
         if (stFrame.iEnd <= stFrame.iStart) {
-            stLosses.Add("left out, as it ends before it begins");
+            stLosses.Add_LeftOut("it does not end after it begins");
             continue;
         }
         strOut.append("\n").append(Format_Clock(stFrame.iStart, 2, '.')).append(" --> ");
@@ -198,7 +234,7 @@ std::string Write_Text(std::span<const Track> astTracks, Losses & /*stLosses*/)
     return strOut;
 }
 
-// A caption whose text would be read as an override or a line break.
+// There is no way to write what would be read as an override or a line break, nor blanks that are folded.
 static std::string Write_SsaLine(const std::string &strLine, Losses &stLosses)
 {
     std::string strOut = strLine;
@@ -211,6 +247,9 @@ static std::string Write_SsaLine(const std::string &strLine, Losses &stLosses)
         if (cChar == '\r') cChar = ' ';
         bChanged = bChanged || cChar != cBefore;
     }
+    const bool bFolded = strLine.find("  ") != std::string::npos || strLine.find('\t') != std::string::npos ||
+                         strLine.starts_with(' ') || strLine.ends_with(' ');
+    if (bFolded) stLosses.Add("SSA reads runs of blanks as one, and none at the edges of a line");
     if (bChanged)
         stLosses.Add("SSA has no { } backslash or line end inside a line; they become ( ) / and a blank");
     return strOut;
@@ -236,7 +275,8 @@ static std::string Write_SsaTimes(const Frame &stFrame, Losses &stLosses)
     if (llStart == 0) stLosses.Add("SSA captions that start at 0 are never shown; it starts at 10 ms");
     if (llStart > LAST) stLosses.Add("SSA ends at ten hours; it is written as 9:59:59.99");
     std::string strTimes = Format_SsaTime(std::clamp<int64_t>(llStart, 1, LAST));
-    return strTimes.append(",").append(Format_SsaTime(std::min(llEnd, LAST)));
+    const int64_t llShown = stFrame.iEnd < stFrame.iStart ? llEnd : std::max<int64_t>(llEnd, 1);
+    return strTimes.append(",").append(Format_SsaTime(std::min(llShown, LAST)));
 }
 
 std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses)
@@ -247,7 +287,7 @@ std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses)
         "Italic, BorderStyle, Outline, Shadow, Alignment, MarginL, MarginR, MarginV, AlphaLevel, Encoding\r\n"
         "Style: Default,Arial,20,16777215,16777215,16777215,0,0,0,1,2,0,2,20,20,20,0,0\r\n\r\n[Events]\r\n"
         "Format: Marked, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\r\n";
-    Note_Styles(astTracks.front(), stLosses);
+    Note_MarkupLosses(astTracks.front(), stLosses);
     std::vector<Frame> astFrames = astTracks.front().astFrames;
     std::stable_sort(astFrames.begin(), astFrames.end(),
                      [](const Frame &stA, const Frame &stB) { return stA.iStart < stB.iStart; });

@@ -13,6 +13,7 @@ struct OutputFormat {
     const char *pszEndings; // in lower case, each between blanks
     bool bSeveral;          // holds several languages
     bool bMark;             // a byte order mark makes its readers see UTF-8
+    bool bCodePages;        // may be something else than UTF-8
     std::string (*pfWrite)(std::span<const Track>, Losses &);
 };
 
@@ -21,8 +22,14 @@ std::span<const OutputFormat> List_OutputFormats();
 // By its name for --to, or by a file's ending (".srt"), in any letter case; NULL for any other text.
 const OutputFormat *Find_OutputFormat(const std::string &strNameOrEnding);
 
-// The text, which is UTF-8, in an encoding that iconv knows; what it cannot hold becomes "?"; the tracks
-// tell in how many captions.
+// The encoding to write in for a name of it: UTF-8, UTF-16LE, UTF-16BE, or a code page that has ASCII in its own
+// places, as iconv calls it; empty for what no player reads.
+std::string Choose_Encoding(const std::string &strName);
+
+bool Is_Unicode(const std::string &strEncoding);
+
+// The text, which is UTF-8, in a chosen encoding; what it cannot hold becomes "?"; the tracks tell in how many
+// captions.
 std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding, bool bMark,
                         Losses &stLosses, std::span<const Track> astTracks);
 
@@ -33,6 +40,9 @@ std::string Write_Sami(std::span<const Track> astTracks, Losses &stLosses);
 std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses);
 std::string Write_Json(std::span<const Track> astTracks, Losses &stLosses);
 std::string Write_Text(std::span<const Track> astTracks, Losses &stLosses);
+
+// What a format with tags and folded blanks loses of every track.
+void Note_MarkupLosses(const Track &stTrack, Losses &stLosses);
 
 // The text of a SAMI paragraph.
 std::string Escape_SamiText(const Frame &stFrame);

@@ -6,11 +6,6 @@
 #include "file_bytes.h"
 #include "zyr/quib_caption.h"
 
-static bool Is_High(char cByte)
-{
-    return (cByte & 0x80) != 0;
-}
-
 static BadByte Get_BadByte(const std::string &strFile, size_t uiOffset)
 {
     return {uiOffset, static_cast<uint8_t>(strFile[uiOffset])};

@@ -4,9 +4,12 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <sys/stat.h>
 
 std::optional<std::string> Read_Bytes(const std::string &strPath, size_t uiMost)
 {
+    struct stat stStat = {}; // opening a pipe would wait for its writer
+    if (stat(strPath.c_str(), &stStat) != 0 || !S_ISREG(stStat.st_mode)) return std::nullopt;
     const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pstFile(std::fopen(strPath.c_str(), "rb"),
                                                                    std::fclose);
     if (!pstFile) return std::nullopt;
@@ -18,6 +21,6 @@ std::optional<std::string> Read_Bytes(const std::string &strPath, size_t uiMost)
         uiRead = std::fread(acBlock.data(), 1, uiAsked, pstFile.get());
         strBytes.append(acBlock.data(), uiRead);
     }
-    if (std::ferror(pstFile.get()) != 0) return std::nullopt; // a folder opens, and then cannot be read
+    if (std::ferror(pstFile.get()) != 0) return std::nullopt;
     return strBytes;
 }

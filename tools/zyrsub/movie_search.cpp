@@ -16,6 +16,7 @@ static TriedName Try_Name(const std::string &strFile)
     if (stat(strFile.c_str(), &stStat) != 0)
         return {strFile, errno == ENOENT ? "not there" : std::strerror(errno)};
     if (S_ISDIR(stStat.st_mode)) return {strFile, "a folder"};
+    if (!S_ISREG(stStat.st_mode)) return {strFile, "no regular file"};
     const int iFile = open(strFile.c_str(), O_RDONLY | O_CLOEXEC);
     if (iFile < 0) return {strFile, std::strerror(errno)};
     close(iFile);

@@ -3,14 +3,24 @@
 
 #include <SDL.h>
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
+#include <string_view>
 
 #include "caption_screen.h"
 
 static constexpr int POLL_MS = 10;
 
+// Without a window system SDL falls back on a driver that shows nothing, unless it was asked for.
+static bool Shows_Nothing()
+{
+    const char *const pszDriver = SDL_GetCurrentVideoDriver();
+    const bool bHidden = pszDriver == nullptr || std::string_view(pszDriver) == "offscreen";
+    return bHidden && std::getenv("SDL_VIDEODRIVER") == nullptr;
+}
+
 struct SdlSession {
-    SdlSession() : bGood(SDL_Init(SDL_INIT_VIDEO) == 0) {}
+    SdlSession() : bGood(SDL_Init(SDL_INIT_VIDEO) == 0 && !Shows_Nothing()) {}
     ~SdlSession() { SDL_Quit(); }
     SdlSession(const SdlSession &) = delete;
     SdlSession &operator=(const SdlSession &) = delete;
@@ -165,7 +175,7 @@ Outcome Play_Window(const Options &stOptions, Playback &stPlayback)
     const SdlSession stSession;
     if (!stSession.bGood)
         return {E_EXIT_SOME_FAILED,
-                std::string("no window can be opened (") + SDL_GetError() + "); try --terminal"};
+                std::string("there is no window system (") + SDL_GetError() + "); try --terminal"};
     WindowPlay stPlay{stOptions, stPlayback, stOptions.stScreen, {}, {nullptr, SDL_DestroyWindow}, "", "",
                       true,      false};
     Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -20,11 +21,16 @@ static bool Write_All(int iFile, const std::string &strBytes)
 }
 
 // mkstemp() leaves the file to its owner alone; a new file has what the user's mask allows.
-static bool Fill_File(int iFile, const std::string &strBytes)
+static mode_t Get_NewMode()
 {
     const mode_t uiMask = umask(0);
     umask(uiMask);
-    const bool bGood = Write_All(iFile, strBytes) && fchmod(iFile, 0666 & ~uiMask) == 0 && fsync(iFile) == 0;
+    return 0666 & ~uiMask;
+}
+
+static bool Fill_File(int iFile, const std::string &strBytes, mode_t uiMode)
+{
+    const bool bGood = Write_All(iFile, strBytes) && fchmod(iFile, uiMode) == 0 && fsync(iFile) == 0;
     return close(iFile) == 0 && bGood;
 }
 
@@ -43,19 +49,51 @@ static bool Rename_File(const std::string &strFrom, const std::string &strTo, bo
     return std::rename(strFrom.c_str(), strTo.c_str()) == 0;
 }
 
+static Outcome Explain_Failure()
+{
+    if (errno == EEXIST) return {E_EXIT_SOME_FAILED, "it is there already (--force replaces it)"};
+    return {E_EXIT_SOME_FAILED, std::string("it cannot be written: ") + std::strerror(errno)};
+}
+
+// A device or a pipe takes the bytes; there is nothing to replace.
+static Outcome Write_Through(const std::string &strFile, const std::string &strBytes)
+{
+    const int iFile = open(strFile.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    if (iFile < 0) return Explain_Failure();
+    const bool bGood = Write_All(iFile, strBytes);
+    return close(iFile) == 0 && bGood ? Outcome{} : Explain_Failure();
+}
+
+static std::string Follow_Links(const std::string &strFile)
+{
+    char *pszReal = realpath(strFile.c_str(), nullptr);
+    std::string strReal = pszReal == nullptr ? strFile : pszReal;
+    std::free(pszReal);
+    return strReal;
+}
+
+// The temporary name does not grow with the file's, which may be as long as a name can be.
+static Outcome Replace_File(const std::string &strFile, const std::string &strBytes, mode_t uiMode,
+                            bool bForce)
+{
+    std::string strTemporary = strFile.substr(0, strFile.rfind('/') + 1) + ".zyrsub.XXXXXX";
+    const int iFile = mkstemp(strTemporary.data());
+    if (iFile < 0) return Explain_Failure();
+    if (Fill_File(iFile, strBytes, uiMode) && Rename_File(strTemporary, strFile, bForce)) return {};
+    Outcome stFailed = Explain_Failure();
+    unlink(strTemporary.c_str());
+    return stFailed;
+}
+
 Outcome Write_Safely(const std::string &strFile, const std::string &strBytes, bool bForce)
 {
-    const Outcome stExists = {E_EXIT_SOME_FAILED, strFile + " is there already (--force replaces it)"};
     struct stat stStat = {};
-    if (!bForce && lstat(strFile.c_str(), &stStat) == 0) return stExists;
-    std::string strTemporary = strFile + ".XXXXXX";
-    const int iFile = mkstemp(strTemporary.data());
-    if (iFile >= 0) {
-        if (Fill_File(iFile, strBytes) && Rename_File(strTemporary, strFile, bForce)) return {};
-        const int iError = errno;
-        unlink(strTemporary.c_str());
-        errno = iError;
+    if (stat(strFile.c_str(), &stStat) != 0) return Replace_File(strFile, strBytes, Get_NewMode(), bForce);
+    if (S_ISDIR(stStat.st_mode)) return {E_EXIT_SOME_FAILED, "it is a folder"};
+    if (!S_ISREG(stStat.st_mode)) return Write_Through(strFile, strBytes);
+    if (!bForce) {
+        errno = EEXIST;
+        return Explain_Failure();
     }
-    if (errno == EEXIST) return stExists;
-    return {E_EXIT_SOME_FAILED, strFile + " cannot be written: " + std::strerror(errno)};
+    return Replace_File(Follow_Links(strFile), strBytes, stStat.st_mode & 07777, true);
 }

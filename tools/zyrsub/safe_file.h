@@ -6,7 +6,8 @@
 
 #include "exit_code.h"
 
-// Writes under a temporary name in the same folder, and renames; an existing file stays unless bForce.
+// Writes under a temporary name in the same folder, and renames. An existing file stays unless bForce, and then
+// keeps its mode, and its place behind a link; a device or a pipe is written to as it is.
 Outcome Write_Safely(const std::string &strFile, const std::string &strBytes, bool bForce);
 
 #endif

@@ -72,7 +72,7 @@ Outcome SubtitleSource::Open(const std::string &strMovie)
 {
     Close();
     zyr_host_setLineEnds(m_stOptions.bRawLineEnds ? 0 : 1);
-    const std::string strEnding = Fold_Case(Get_Ending(strMovie), std::tolower);
+    const std::string strEnding = Lower_Case(Get_Ending(strMovie));
     const bool bSubtitle = Find_Format(strEnding) != E_CAPTION_FORMAT_NONE;
     Outcome stOpened = bSubtitle ? Open_File(strMovie, strEnding) : Open_Beside(strMovie);
     return stOpened.IsGood() ? Select_Classes() : stOpened;
@@ -116,7 +116,7 @@ Outcome SubtitleSource::Open_Engine(const std::string &strName)
     Choose_CodePage();
     if (zyrSubtitle_open(strName.c_str(), m_bSingleByte ? 1 : 0) != 0)
         return {E_EXIT_NOT_SUBTITLE, "not a subtitle that can be read as its name says (-v tells why)"};
-    m_eFormat = Find_Format(Fold_Case(Get_Ending(m_strFile), std::tolower));
+    m_eFormat = Find_Format(Lower_Case(Get_Ending(m_strFile)));
     m_bMark =
         *strHead == "\xEF\xBB\xBF" || strHead->starts_with("\xFF\xFE") || strHead->starts_with("\xFE\xFF");
     m_bBigEndian = strHead->starts_with("\xFE\xFF");

@@ -63,6 +63,12 @@ std::vector<uint16_t> Make_Utf16(std::string_view strUtf8);
 // Control characters would let a file steer the terminal; they show as U+FFFD. Newlines stay.
 std::string Make_Printable(std::string_view strUtf8);
 
+// No ASCII.
+inline bool Is_High(char cByte)
+{
+    return (cByte & 0x80) != 0;
+}
+
 std::vector<std::string> Split_Lines(std::string_view strText);
 std::string Join_Lines(std::span<const std::string> astrLines, std::string_view strBetween);
 
