@@ -104,6 +104,13 @@ public:
         return static_cast<int32_t>(ftFace->glyph->advance.x >> 6);
     }
 
+    /* What drawing in grey gives: it draws nothing, but rendering may fail. */
+    int32_t Draw_Grey(uint32_t uiCode)
+    {
+        const int32_t iAdvance = Get_Advance(uiCode);
+        return iAdvance < 0 || FT_Render_Glyph(ftFace->glyph, FT_RENDER_MODE_NORMAL) != 0 ? -4 : iAdvance;
+    }
+
     int32_t Draw(Picture &stPicture, uint32_t uiCode, int64_t llX, int64_t llY, uint16_t usColor)
     {
         const int32_t iAdvance = Get_Advance(uiCode);
