@@ -3,6 +3,7 @@
 #include "display/display_device.h"
 
 constexpr uint32_t BUFFER_PIXELS = 1047896;
+constexpr uint32_t SQUARE_PIXELS = 32 * 32; // of the empty one that clears
 
 class DisplayDevice : public FontTest
 {
@@ -141,7 +142,7 @@ TEST_F(DisplayDevice, TheTallestCaptionEndsInsideItsBuffer)
     strText.pop_back();
     std::fill_n(zyr_host_captionMemory(nullptr), PLANE_BYTES / 2, 0x1111);
     Open("1");
-    EXPECT_EQ(std::count(Get_Buffer(0), Get_Buffer(2) + 32 * 32, 0x1111), 0);
+    EXPECT_EQ(std::count(Get_Buffer(0), Get_Buffer(2) + SQUARE_PIXELS, 0x1111), 0);
     std::fill_n(zyr_host_captionMemory(nullptr), PLANE_BYTES / 2, 0x1111); // old captions
     zyr_display_setFontSize(40);
     stFont.Set_Size(48, 48);
