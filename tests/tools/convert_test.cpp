@@ -182,6 +182,11 @@ TEST(ZyrsubConvert, NoLanguageIsLost)
     const std::string strMerged = stFolder.Path("merged.smi");
     Run_Zyrsub("convert subrip-crlf.srt subrip-utf8.srt --class-name krcc --class-name KRCC -o " + strMerged);
     EXPECT_EQ(Read_Tracks(strMerged).size(), 2U);
+    stFolder.Write("ko.smi", Make_Sami({"\uD55C\uAE00\uC790\uB9C9"}));
+    Run_Zyrsub("convert " + stFolder.Path("ko.smi") + " " + stFolder.Path("ko.smi") + " --force -o " +
+               strMerged);
+    Expect_Values(Read_Tracks(strMerged), {{"/1/class", "\uD55C\uAE00\uC790"
+                                                        "2"}});
 
     stFolder.Write("none.srt", "nothing here\r\n");
     const RunResult stNone =

@@ -29,6 +29,14 @@ static std::string Make_ClassName(const std::string &strMovie)
     return (strTag == "KO" ? "KR" : strTag) + "CC";
 }
 
+// At most so many bytes, and no part of a character.
+static std::string Cut_Utf8(const std::string &strUtf8, size_t uiMost)
+{
+    size_t uiEnd = std::min(strUtf8.size(), uiMost);
+    while (uiEnd > 0 && uiEnd < strUtf8.size() && (strUtf8[uiEnd] & 0xC0) == 0x80) --uiEnd;
+    return strUtf8.substr(0, uiEnd);
+}
+
 // The first of NAME, NAME2, NAME3 ... that is not taken, in any letter case; cut so that uiMost bytes hold it.
 static std::string Make_Unique(const std::string &strWanted, std::vector<std::string> &astrTaken,
                                size_t uiMost)
@@ -39,7 +47,7 @@ static std::string Make_Unique(const std::string &strWanted, std::vector<std::st
     };
     for (int iNumber = 2; std::any_of(astrTaken.begin(), astrTaken.end(), pfTaken); ++iNumber) {
         const std::string strNumber = std::to_string(iNumber);
-        strName = strWanted.substr(0, uiMost - strNumber.size()) + strNumber;
+        strName = Cut_Utf8(strWanted, uiMost - strNumber.size()) + strNumber;
     }
     astrTaken.push_back(strName);
     return strName;
