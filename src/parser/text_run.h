@@ -189,7 +189,7 @@ inline bool Is_StopAhead()
 inline bool Is_CharAhead()
 {
     const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int32_t iHeld = stInfo.iStreamDataSize - stInfo.iStreamBufIndex;
+    const int32_t iHeld = Get_HeldBytes(stInfo);
     if (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u) return iHeld >= 2;
     const uint8_t *const pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
     uint16_t usUnit = 0;
