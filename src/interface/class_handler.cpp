@@ -3,10 +3,10 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "caption/parser_state.h"
+#include "format/sami/sami_classes.h"
 #include "interface/stream_setup.h"
-#include "parser/char_reader.h"
-#include "parser/sami_classes.h"
+#include "record/parser_state.h"
+#include "text/char_reader.h"
 #include "zyr/zyr_subtitle.h"
 
 namespace

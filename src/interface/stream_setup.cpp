@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "caption/parser_state.h"
+#include "record/parser_state.h"
 #include "zyr_base.h"
 #include "zyr_log.h"
 

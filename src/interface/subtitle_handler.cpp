@@ -4,12 +4,12 @@
 #include <cstring>
 #include <ctime>
 
-#include "caption/host_callbacks.h"
-#include "caption/parser_state.h"
-#include "caption/parser_table.h"
+#include "format/sami/sami_classes.h"
 #include "interface/stream_setup.h"
-#include "parser/char_reader.h"
-#include "parser/sami_classes.h"
+#include "pump/parser_table.h"
+#include "record/host_callbacks.h"
+#include "record/parser_state.h"
+#include "text/char_reader.h"
 #include "zyr/zyr_subtitle.h"
 #include "zyr_base.h"
 #include "zyr_log.h"

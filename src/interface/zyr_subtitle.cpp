@@ -2,8 +2,8 @@
 
 #include "zyr/zyr_subtitle.h"
 
-#include "caption/host_callbacks.h"
-#include "caption/parser_state.h"
+#include "record/host_callbacks.h"
+#include "record/parser_state.h"
 #include "zyr_log.h"
 
 namespace

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "parser/encoding.h"
 #include "subtitle_source.h"
+#include "text/encoding.h"
 
 enum EncodingRule {
     E_RULE_MARK,     // a byte order mark

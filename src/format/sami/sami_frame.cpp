@@ -1,0 +1,416 @@
+// SAMI, frame by frame: the frame index says where the next SYNC tag of the class stands; from there the SYNC
+// tag, the P tag that names the class, and the text up to the next SYNC tag are read.
+
+#include <algorithm>
+#include <cstdint>
+
+#include "format/sami/sami_classes.h"
+#include "format/sami/sami_index.h"
+#include "format/sami/sami_skip.h"
+#include "format/sami/sami_tags.h"
+#include "markup/caption_text.h"
+#include "markup/html_tag.h"
+#include "text/char_reader.h"
+#include "text/text_helpers.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+constexpr const char *FRAME_PARSER_NAME = "FrameParser_SAMI";
+
+enum SamiFrameState : uint32_t {
+    E_FRAME_SEEK_TAG, // before the text, outside a tag
+    E_FRAME_HEAD_TAG, // before the text, in a tag
+    E_FRAME_TEXT,     // the text states stand in the order of MarkupState
+    E_FRAME_TAG,
+    E_FRAME_ENTITY,
+};
+
+constexpr uint32_t SYNC_NAME_UNITS = 5; // "<SYNC"
+
+/** A tag before the text, as far as its name tells. */
+enum HeadTag : uint32_t {
+    E_HEAD_NAME,  // the name has not ended yet
+    E_HEAD_OTHER, // neither of the two
+    E_HEAD_SYNC,
+    E_HEAD_P,
+};
+
+struct SamiFrame {
+    SamiFrameState eState;
+    HeadTag eTag;
+    bool bParagraph; // a good SYNC tag was read: a P tag is expected, not a SYNC tag
+    bool bLogged;    // the SYNC tag at hand has led to a log line
+    bool bDone;      // reading has ended, with iResult: 1 for a frame
+    int32_t iResult;
+    uint32_t uiPlace; // of the SYNC tag at hand; NO_SYNC_PLACE while nobody has asked
+    void *hFile;
+    int32_t iStart; // of the SYNC tag, ms
+    int32_t iEnd;   // of the SYNC tag, ms
+};
+
+constexpr StopUnits TAG_STOP = {1, {'<'}, false};
+constexpr StopUnits NAME_STOPS = {6, {'<', '>', ' ', '\t', '\r', '\n'}, false};
+constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
+constexpr StopUnits TEXT_STOPS = {6, {0, '\t', '\n', '\r', '<', '&'}, true};
+
+/** @return whether the tag buffer holds exactly this text, ASCII case aside. */
+template <uint32_t BYTES>
+bool Is_TagText(const char (&szText)[BYTES])
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength != BYTES - 1) return false;
+    for (uint32_t uiPos = 0; uiPos < BYTES - 1; ++uiPos)
+        if (To_Upper(stTag.ausTagBuf[uiPos]) != static_cast<uint8_t>(szText[uiPos])) return false;
+    return true;
+}
+
+void End_Frame(SamiFrame &stFrame, int32_t iResult)
+{
+    stFrame.bDone = true;
+    stFrame.iResult = iResult;
+}
+
+void Start_HeadTag(SamiFrame &stFrame)
+{
+    s_pstTagControlInfo->ausTagBuf[0] = '<';
+    s_pstTagControlInfo->uiTagLength = 1;
+    stFrame.eState = E_FRAME_HEAD_TAG;
+    stFrame.eTag = E_HEAD_NAME;
+}
+
+void Start_Text(SamiFrame &stFrame)
+{
+    pstQuibCaptionParserInfo->uiConvLength = 0;
+    stFrame.eState = E_FRAME_TEXT;
+}
+
+void Fail_Seek(SamiFrame &stFrame, int64_t llReached)
+{
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", __LINE__,
+                        static_cast<int32_t>(llReached));
+    End_Frame(stFrame, -1);
+}
+
+/** @return whether a P tag of this class stands at the read position; it is taken then. */
+bool Take_UsualParagraph(const CaptionClassInfo &stClass)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    uint16_t ausName[ZYR_CLASS_NAME_UNITS];
+    uint32_t uiNameUnits = 0;
+    const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
+    if (uiUnits == 0 || uiNameUnits != stClass.uiNameLength ||
+        !std::equal(ausName, ausName + uiNameUnits, stClass.ausName))
+        return false;
+    Take_BufferUnits(stUnits, uiUnits);
+    return true;
+}
+
+/** Take a usual SYNC tag at the read position, and with it the usual P tag of the current class. */
+void Take_UsualHead(SamiFrame &stFrame)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    uint32_t uiStart = 0;
+    const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_SyncTag(stUnits, &uiStart) : 0;
+    if (uiUnits == 0) return;
+    Take_BufferUnits(stUnits, uiUnits);
+    stFrame.iStart = static_cast<int32_t>(uiStart);
+    stFrame.iEnd = OPEN_END_PTS;
+    stFrame.bParagraph = true;
+    Skip_PlainRun<TAG_STOP>();
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (Take_UsualParagraph(stInfo.astClassInfo[stInfo.uiCurrClass])) Start_Text(stFrame);
+}
+
+void Go_To_Place(SamiFrame &stFrame, uint32_t uiPlace)
+{
+    stFrame.uiPlace = uiPlace;
+    stFrame.eState = E_FRAME_SEEK_TAG;
+    const int64_t llReached =
+        Move_ReadPosition(stFrame.hFile, Get_PlacePosition(uiPlace), E_READ_AHEAD_SHORT);
+    if (llReached < 0)
+        Fail_Seek(stFrame, llReached);
+    else
+        Take_UsualHead(stFrame);
+}
+
+/** Read on behind a SYNC tag that does not lead to the text, at the next one that may. */
+void Read_On_Behind(SamiFrame &stFrame, uint32_t uiPassed)
+{
+    const uint32_t uiStop = Find_NextStop(pstQuibCaptionParserInfo->uiCurrClass, uiPassed + 1);
+    Go_To_Place(stFrame, uiStop);
+    const bool bTimesKnown = stFrame.bParagraph || stFrame.bDone || uiStop == uiPassed + 1;
+    if (!bTimesKnown && Needs_TimesBefore(uiStop)) Go_To_Place(stFrame, uiStop - 1);
+}
+
+/**
+ * The SYNC tag at hand does not lead to the text: read on at the next one that may.
+ *
+ * @param[in] uiSelected  class that it would have led to the text; ZYR_CLASS_MAX = none
+ */
+void Pass_SyncTag(SamiFrame &stFrame, uint32_t uiSelected)
+{
+    const bool bLogged = stFrame.bLogged;
+    stFrame.bLogged = false;
+    stFrame.bParagraph = false;
+    if (stFrame.uiPlace == NO_SYNC_PLACE)
+        stFrame.uiPlace = Find_SyncPlace(pstQuibCaptionParserInfo->llCurrFilePos);
+    if (!Is_SyncTagPlace(stFrame.uiPlace)) return;
+    if (!bLogged) Note_PassedPlace(stFrame.uiPlace, uiSelected);
+    Read_On_Behind(stFrame, stFrame.uiPlace);
+}
+
+/** The name of a tag before the text has ended: what is it? */
+void Note_TagName(SamiFrame &stFrame)
+{
+    stFrame.eTag = E_HEAD_OTHER;
+    if (Is_TagText("<SYNC")) {
+        stFrame.eTag = E_HEAD_SYNC;
+        if (stFrame.bParagraph) Pass_SyncTag(stFrame, ZYR_CLASS_MAX); // the later SYNC tag counts
+    } else if (stFrame.bParagraph && Is_TagText("<P")) {
+        stFrame.eTag = E_HEAD_P;
+    }
+}
+
+void Take_SyncTag(SamiFrame &stFrame, int32_t iResult)
+{
+    if (Get_TagId(iResult) != E_HTML_TAG_SYNC) return;
+    stFrame.iStart = s_pstTagControlInfo->iSyncStart;
+    stFrame.iEnd = s_pstTagControlInfo->iSyncEnd;
+    stFrame.bParagraph = true;
+}
+
+void Take_ParagraphTag(SamiFrame &stFrame, int32_t iResult)
+{
+    const uint32_t uiSelected = s_pstTagControlInfo->uiSelectedClass;
+    if (Get_TagId(iResult) == E_HTML_TAG_P && uiSelected != pstQuibCaptionParserInfo->uiCurrClass)
+        Pass_SyncTag(stFrame, uiSelected);
+    else
+        Start_Text(stFrame);
+}
+
+void Drop_SyncTag(SamiFrame &stFrame)
+{
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
+                        __LINE__, FRAME_PARSER_NAME);
+    Pass_SyncTag(stFrame, ZYR_CLASS_MAX);
+}
+
+/** A tag before the text is complete. */
+void Finish_HeadTag(SamiFrame &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    stFrame.eState = E_FRAME_SEEK_TAG;
+    if (stFrame.eTag == E_HEAD_SYNC || stFrame.eTag == E_HEAD_P) {
+        const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+        stFrame.bLogged = stFrame.bLogged || stTag.bLogged || iResult == -1;
+        if (iResult == -1)
+            Drop_SyncTag(stFrame);
+        else if (stFrame.bParagraph)
+            Take_ParagraphTag(stFrame, iResult);
+        else
+            Take_SyncTag(stFrame, iResult);
+    } else if (stFrame.bParagraph || Is_TagText("</BODY>") || Is_TagText("</SAMI>")) {
+        Start_Text(stFrame);
+    }
+}
+
+// One function per state. Each gives whether its unit is done with; if not, the next state sees it again.
+
+bool Step_SeekTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<')
+        Start_HeadTag(stFrame);
+    else
+        Skip_PlainRun<TAG_STOP>();
+    return true;
+}
+
+bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<') {
+        Start_HeadTag(stFrame);
+        return true;
+    }
+    const bool bSpace = usChar == ' ' || usChar == '\t' || usChar == '\r' || usChar == '\n';
+    if (bSpace && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
+    if (stFrame.eState != E_FRAME_HEAD_TAG) return true; // reading goes on elsewhere
+    Collect_TagUnit(usChar, TAG_TEXT_UNITS);
+    if (usChar == '>')
+        Finish_HeadTag(stFrame);
+    else if (stFrame.eTag == E_HEAD_NAME)
+        Collect_TagRun<NAME_STOPS>();
+    else
+        Collect_TagRun<TAG_ENDS>();
+    return true;
+}
+
+SamiFrameState Get_MarkupState(MarkupState eState)
+{
+    return static_cast<SamiFrameState>(E_FRAME_TEXT + static_cast<uint32_t>(eState));
+}
+
+/** A tag in the text, or the SYNC tag that ends it, begins. */
+void Begin_FrameTag(SamiFrame &stFrame)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    const bool bNameHeld = Holds_UsualTag(stUnits);
+    if (bNameHeld && Begins_With(stUnits, SYNC_NAME)) {
+        End_Frame(stFrame, 1);
+        return;
+    }
+    stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>('<'));
+    if (bNameHeld) Collect_TagRun<TAG_ENDS>(); // cannot pass over the name of a SYNC tag
+}
+
+bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<')
+        Begin_FrameTag(stFrame);
+    else
+        stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
+    return true;
+}
+
+bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    stFrame.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
+    if (stFrame.eState != E_FRAME_TAG) return true;
+    if (Is_TagText("<SYNC"))
+        End_Frame(stFrame, 1);
+    else if (s_pstTagControlInfo->uiTagLength > SYNC_NAME_UNITS)
+        Collect_TagRun<TAG_ENDS>();
+    return true;
+}
+
+bool Step_FrameEntity(SamiFrame &stFrame, uint16_t usChar)
+{
+    const MarkupStep stStep = Step_Entity(usChar);
+    stFrame.eState = Get_MarkupState(stStep.eNext);
+    return !stStep.bAgain;
+}
+
+bool Step_Frame(SamiFrame &stFrame, uint16_t usChar)
+{
+    switch (stFrame.eState) {
+    case E_FRAME_SEEK_TAG: return Step_SeekTag(stFrame, usChar);
+    case E_FRAME_HEAD_TAG: return Step_HeadTag(stFrame, usChar);
+    case E_FRAME_TEXT: return Step_Text(stFrame, usChar);
+    case E_FRAME_TAG: return Step_FrameTag(stFrame, usChar);
+    default: return Step_FrameEntity(stFrame, usChar);
+    }
+}
+
+/** @return 1; a frame ends where the next one of its class begins, if there is one. */
+int32_t Complete_Frame(const SamiFrame &stFrame)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    Complete_FrameText();
+    const uint32_t uiNext = Find_NextFrame(stInfo.uiCurrClass);
+    stInfo.iStartPTS = stFrame.iStart;
+    stInfo.iCurrPTS = stFrame.iStart;
+    stInfo.iEndPTS = uiNext < s_uiFrameInfoNums ? s_pstFrameInfoArray[uiNext].iPTS : stFrame.iEnd;
+    return 1;
+}
+
+/** The file has ended before a text began: the last SYNC tag leads nowhere. */
+void Note_EndOfFile(const SamiFrame &stFrame)
+{
+    const bool bLast = Is_SyncTagPlace(stFrame.uiPlace) && !Is_SyncTagPlace(stFrame.uiPlace + 1);
+    if (bLast && !stFrame.bLogged) Note_PassedPlace(stFrame.uiPlace, ZYR_CLASS_MAX);
+}
+
+/** Go to a frame's SYNC tag and read from there. */
+void Read_From(SamiFrame &stFrame, int64_t llFilePos)
+{
+    const int64_t llReached = Move_ReadPosition(stFrame.hFile, llFilePos, E_READ_AHEAD_SHORT);
+    if (llReached < 0) {
+        Fail_Seek(stFrame, llReached);
+        return;
+    }
+    const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(stFrame.hFile) : 1;
+    if (iRead >= 1) {
+        Take_UsualHead(stFrame);
+        return;
+    }
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", __LINE__,
+                        iRead);
+    End_Frame(stFrame, iRead);
+}
+
+/** Begin with the frame at a file position, or where it is known to be read from. */
+void Start_Frame(SamiFrame &stFrame, int64_t llFilePos)
+{
+    stFrame.uiPlace = Find_PassedStart(pstQuibCaptionParserInfo->uiCurrClass, llFilePos);
+    if (stFrame.uiPlace == NO_SYNC_PLACE)
+        Read_From(stFrame, llFilePos);
+    else
+        Read_On_Behind(stFrame, stFrame.uiPlace);
+    if (!stFrame.bDone) pstQuibCaptionParserInfo->llCurrFilePos = llFilePos;
+}
+
+void Read_Unit(SamiFrame &stFrame)
+{
+    const bool bText = stFrame.eState == E_FRAME_TEXT && !Is_StopAhead<TEXT_STOPS>(); // stops come in a row
+    if (bText) Append_PlainRun<TEXT_STOPS>();
+    uint16_t usChar = 0;
+    const int32_t iResult = Get_CharCode(stFrame.hFile, &usChar, 0);
+    if (iResult > 0) {
+        while (!Step_Frame(stFrame, usChar)) {}
+    } else if (iResult == 0) {
+        Mark_EndOfData();
+        if (stFrame.eState < E_FRAME_TEXT) Note_EndOfFile(stFrame);
+        End_Frame(stFrame, stFrame.eState < E_FRAME_TEXT ? NO_CAPTION_DATA : 1);
+    } else {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
+                            iResult);
+        End_Frame(stFrame, iResult);
+    }
+}
+
+} // namespace
+
+int32_t FrameParser_SAMI(void)
+{
+    if (!Is_StreamReady()) return -1;
+    Clear_TagQueue();
+    SamiFrame stFrame = {};
+    stFrame.hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    stFrame.iEnd = OPEN_END_PTS;
+    const uint32_t uiClass = pstQuibCaptionParserInfo->uiCurrClass;
+    const uint32_t uiFrame = Find_NextFrame(uiClass);
+    if (uiFrame >= s_uiFrameInfoNums) {
+        Mark_EndOfData();
+        return NO_CAPTION_DATA;
+    }
+    s_auiClassFrameCursor[uiClass] = uiFrame + 1;
+    Start_Frame(stFrame, s_pstFrameInfoArray[uiFrame].llFilePos);
+    while (!stFrame.bDone) Read_Unit(stFrame);
+    return stFrame.iResult == 1 ? Complete_Frame(stFrame) : stFrame.iResult;
+}
+
+int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPTS*/,
+                  QuibCaptionParserInfo * /*pstInfo*/)
+{
+    if (!Is_StreamReady()) return -1;
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (s_uiFrameInfoNums == 0 || stInfo.uiCurrClass >= ZYR_CLASS_MAX) return -1;
+    const uint32_t uiPick = Find_FrameBefore(stInfo.uiCurrClass, uiTargetMs);
+    const SamiFrameInfo &stPick = s_pstFrameInfoArray[uiPick];
+    s_auiClassFrameCursor[stInfo.uiCurrClass] = uiPick;
+    const int64_t llReached = Move_ReadPosition(hFile, stPick.llFilePos, E_READ_AHEAD_SHORT);
+    if (llReached < 0) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] Seek_SAMI() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
+                            static_cast<int32_t>(llReached));
+        return -1;
+    }
+    stInfo.llCurrFilePos = stPick.llFilePos;
+    stInfo.iCurrPTS = static_cast<int32_t>(static_cast<uint32_t>(stPick.iPTS) - 1u);
+    return 1;
+}

@@ -1,0 +1,431 @@
+// SAMI, reading ahead: the whole file is scanned once for SYNC and P tags, which give the frame index and the
+// language classes. The STYLE block that declares the classes is passed over: what counts is what is used.
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "format/sami/sami_index.h"
+#include "format/sami/sami_skip.h"
+#include "format/sami/sami_tags.h"
+#include "text/char_reader.h"
+#include "text/text_helpers.h"
+#include "text/text_run.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+/** Where the scan stands in a tag that it looks at. */
+enum SamiScanState : uint32_t {
+    E_SAMI_OUTSIDE,     // also the rest of a tag that says nothing to the scan: only "<" matters in both
+    E_SAMI_NAME,        // matching the tag's name
+    E_SAMI_ATTRIBUTE,   // matching the name of its first attribute
+    E_SAMI_SEEK_EQUALS, // anything before the "=", even a ">"
+    E_SAMI_START_VALUE,
+    E_SAMI_CLASS_VALUE,
+};
+
+/** A tag that the scan looks at. */
+struct SamiTagRow {
+    const char *pszName;
+    const char *pszAttribute; // its first attribute; NULL: the tag ends the scan
+    SamiScanState eValue;     // state that reads the attribute's value
+};
+
+constexpr SamiTagRow SamiTagTable[] = {
+    {"SYNC", "START", E_SAMI_START_VALUE},
+    {"P", "CLASS", E_SAMI_CLASS_VALUE},
+    {"/BODY", nullptr, E_SAMI_OUTSIDE},
+    {"/SAMI", nullptr, E_SAMI_OUTSIDE},
+};
+
+constexpr const SamiTagRow *SYNC_TAG = &SamiTagTable[0];
+
+constexpr StopUnits TAG_STOP = {1, {'<'}, false};
+constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
+constexpr int32_t NO_MIN_PTS = 0x0FFFFFFF; // smallest time of no frames
+
+/** Places and times of some frames. */
+struct FrameStatistics {
+    uint32_t uiNums;
+    int64_t llFirstPos;
+    int32_t iMinPTS;
+    int64_t llLastPos;
+    int32_t iMaxPTS;
+};
+
+/** The SYNC tag last recorded. */
+struct CurrentFrame {
+    bool bKnown;
+    bool bIndexed; // it has an entry, the last one of the index
+    int32_t iPTS;
+    int64_t llPos;
+};
+
+struct SamiScan {
+    void *hFile;
+    SamiScanState eState;
+    const SamiTagRow *pstTag;
+    uint32_t uiMatched;                      // units of the name being matched
+    int64_t llBytes;                         // bytes read since the scan began
+    int64_t llTagBytes;                      // bytes read before the tag's "<"
+    uint32_t uiDigits;                       // digits of the START value
+    uint32_t uiStart;                        // START value, ms
+    uint16_t ausClass[ZYR_CLASS_NAME_UNITS]; // CLASS value in upper case
+    uint32_t uiClassUnits;                   // units of it, also those beyond the room
+    bool bSyncOpen;                          // the ">" of a SYNC tag is still to come
+    bool bOffStart;                          // the scan did not begin at the file's start
+    CurrentFrame stFrame;
+    FrameStatistics stPending;    // frames without a class so far
+    FrameStatistics stPendingOld; // the same before the current frame
+};
+
+/** What a unit led to. */
+enum ScanResult : uint32_t { E_SCAN_ON, E_SCAN_END, E_SCAN_FAILED };
+
+/** How the scan ended. */
+enum ScanEnd : uint32_t {
+    E_END_OF_BODY, // at "</BODY>" or "</SAMI>"
+    E_END_OF_FILE,
+    E_END_OF_READING, // a read failed
+    E_END_FAILED,     // a frame could not be recorded
+};
+
+bool Is_TagSpace(uint32_t uiUnit)
+{
+    return uiUnit == ' ' || uiUnit == '\t' || uiUnit == '\r' || uiUnit == '\n';
+}
+
+// ---- Frames ----
+
+/** Count the current frame as one without a class. */
+void Count_Unclassified(SamiScan &stScan)
+{
+    const CurrentFrame &stFrame = stScan.stFrame;
+    FrameStatistics &stPending = stScan.stPending;
+    if (stPending.uiNums == 0) stPending.llFirstPos = stFrame.llPos;
+    ++stPending.uiNums;
+    stScan.stPendingOld = stPending;
+    stPending.iMinPTS = std::min(stPending.iMinPTS, stFrame.iPTS);
+    stPending.iMaxPTS = std::max(stPending.iMaxPTS, stFrame.iPTS);
+    stPending.llLastPos = stFrame.llPos;
+}
+
+/** The current frame has a class: take it out of those that have none. */
+void Uncount_Unclassified(SamiScan &stScan)
+{
+    if (stScan.stPending.uiNums > 0) --stScan.stPending.uiNums;
+    stScan.stPending.iMinPTS = stScan.stPendingOld.iMinPTS;
+    stScan.stPending.iMaxPTS = stScan.stPendingOld.iMaxPTS;
+    stScan.stPending.llLastPos = stScan.stPendingOld.llLastPos;
+}
+
+/** Record the SYNC tag whose START value has just ended. */
+ScanResult Record_Frame(SamiScan &stScan)
+{
+    const int64_t llTell = QUIBCAPTCB_FileTell(stScan.hFile);
+    if (llTell < 0) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] HeaderParser_SAMI() - File Tell Failed! (ERROR = %d)\n", __LINE__,
+                            static_cast<int32_t>(llTell));
+        return E_SCAN_FAILED;
+    }
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const int64_t llPos =
+        llTell - stInfo.iStreamDataSize + stInfo.iStreamBufIndex - (stScan.llBytes - stScan.llTagBytes);
+    stScan.bOffStart = stScan.bOffStart || llPos != stScan.llTagBytes;
+    stScan.stFrame = {true, s_uiFrameInfoNums < s_uiFrameInfoMax, static_cast<int32_t>(stScan.uiStart),
+                      llPos};
+    Count_Unclassified(stScan);
+    if (stScan.stFrame.bIndexed) return Append_Frame(stScan.stFrame.iPTS, llPos) ? E_SCAN_ON : E_SCAN_FAILED;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Many Frame Information! [%d]\n", __LINE__,
+                        s_uiFrameInfoMax);
+    return E_SCAN_ON;
+}
+
+// ---- Classes ----
+
+void Log_TooManyClasses()
+{
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] HeaderParser_SAMI() - Too Many Language Class! [%d]\n", __LINE__,
+                        pstQuibCaptionParserInfo->uiClassNums);
+}
+
+/** @return the class of this name, which is added when it is new, or NULL (logged) when there is no room. */
+CaptionClassInfo *Find_Class(const uint16_t *pusName, uint32_t uiUnits)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    for (uint32_t uiClass = 0; uiClass < stInfo.uiClassNums; ++uiClass) {
+        CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
+        if (stClass.uiNameLength == uiUnits && std::equal(pusName, pusName + uiUnits, stClass.ausName))
+            return &stClass;
+    }
+    if (stInfo.uiClassNums == ZYR_CLASS_MAX) {
+        Log_TooManyClasses();
+        return nullptr;
+    }
+    CaptionClassInfo &stClass = stInfo.astClassInfo[stInfo.uiClassNums++];
+    std::copy(pusName, pusName + uiUnits, stClass.ausName);
+    stClass.uiNameLength = uiUnits;
+    return &stClass;
+}
+
+/** Count the current frame for the class of the P tag whose CLASS value has just ended. */
+void Assign_Class(SamiScan &stScan)
+{
+    const uint32_t uiUnits = std::min(stScan.uiClassUnits, static_cast<uint32_t>(ZYR_CLASS_NAME_UNITS));
+    CaptionClassInfo *const pstClass = Find_Class(stScan.ausClass, uiUnits);
+    const CurrentFrame &stFrame = stScan.stFrame;
+    if (pstClass == nullptr || !stFrame.bKnown) return;
+    (pstClass->uiFrameNums > 0 ? pstClass->llLastFramePos : pstClass->llFirstFramePos) = stFrame.llPos;
+    pstClass->iMinPTS = std::min(pstClass->iMinPTS, stFrame.iPTS);
+    pstClass->iMaxPTS = std::max(pstClass->iMaxPTS, stFrame.iPTS);
+    ++pstClass->uiFrameNums;
+    if (stFrame.bIndexed)
+        s_pstFrameInfoArray[s_uiFrameInfoNums - 1].uiClassIndex =
+            static_cast<uint32_t>(pstClass - pstQuibCaptionParserInfo->astClassInfo);
+    Uncount_Unclassified(stScan);
+}
+
+/** Make the frames that have no class a class without a name. */
+void Add_UnnamedClass(const FrameStatistics &stPending)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.uiClassNums == ZYR_CLASS_MAX) {
+        Log_TooManyClasses();
+        return;
+    }
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
+        if (s_pstFrameInfoArray[uiFrame].uiClassIndex == ZYR_CLASS_MAX)
+            s_pstFrameInfoArray[uiFrame].uiClassIndex = stInfo.uiClassNums;
+    CaptionClassInfo &stClass = stInfo.astClassInfo[stInfo.uiClassNums++];
+    stClass.uiNameLength = 0;
+    stClass.llFirstFramePos = stPending.llFirstPos;
+    stClass.iMinPTS = stPending.iMinPTS;
+    stClass.llLastFramePos = stPending.llLastPos;
+    stClass.iMaxPTS = stPending.iMaxPTS;
+    stClass.uiFrameNums = stPending.uiNums;
+}
+
+void Clear_Classes()
+{
+    pstQuibCaptionParserInfo->uiClassNums = 0;
+    for (CaptionClassInfo &stClass : pstQuibCaptionParserInfo->astClassInfo) {
+        stClass.uiNameLength = 0;
+        stClass.llFirstFramePos = 0;
+        stClass.iMinPTS = NO_MIN_PTS;
+        stClass.llLastFramePos = 0;
+        stClass.iMaxPTS = 0;
+        stClass.uiFrameNums = 0;
+    }
+}
+
+// ---- The scan: one function per state ----
+
+void Start_Tag(SamiScan &stScan, int32_t iBytes)
+{
+    stScan.eState = E_SAMI_NAME;
+    stScan.bSyncOpen = false;
+    stScan.pstTag = SamiTagTable;
+    stScan.uiMatched = 0;
+    stScan.llTagBytes = stScan.llBytes - iBytes;
+}
+
+/** @return the tag whose name goes on with this unit, or NULL. */
+const SamiTagRow *Find_Tag(const SamiScan &stScan, uint32_t uiUnit)
+{
+    for (const SamiTagRow *pstRow = stScan.pstTag; pstRow != std::end(SamiTagTable); ++pstRow)
+        if (std::strncmp(pstRow->pszName, stScan.pstTag->pszName, stScan.uiMatched) == 0 &&
+            static_cast<uint8_t>(pstRow->pszName[stScan.uiMatched]) == uiUnit)
+            return pstRow;
+    return nullptr;
+}
+
+ScanResult Step_Name(SamiScan &stScan, uint32_t uiUnit)
+{
+    const SamiTagRow *const pstTag = uiUnit == 0 ? nullptr : Find_Tag(stScan, uiUnit);
+    if (pstTag != nullptr) {
+        stScan.pstTag = pstTag;
+        ++stScan.uiMatched;
+        return E_SCAN_ON;
+    }
+    stScan.eState = E_SAMI_OUTSIDE;
+    if (stScan.pstTag->pszName[stScan.uiMatched] != '\0') return E_SCAN_ON;
+    if (stScan.pstTag->pszAttribute == nullptr) return uiUnit == '>' ? E_SCAN_END : E_SCAN_ON;
+    if (!Is_TagSpace(uiUnit)) return E_SCAN_ON;
+    stScan.eState = E_SAMI_ATTRIBUTE;
+    stScan.uiMatched = 0;
+    stScan.bSyncOpen = stScan.pstTag == SYNC_TAG;
+    return E_SCAN_ON;
+}
+
+ScanResult Step_Attribute(SamiScan &stScan, uint32_t uiUnit)
+{
+    if (uiUnit == ' ' && stScan.uiMatched == 0) return E_SCAN_ON;
+    const char *const pszAttribute = stScan.pstTag->pszAttribute;
+    if (static_cast<uint8_t>(pszAttribute[stScan.uiMatched]) != uiUnit)
+        stScan.eState = E_SAMI_OUTSIDE;
+    else if (pszAttribute[++stScan.uiMatched] == '\0')
+        stScan.eState = E_SAMI_SEEK_EQUALS;
+    return E_SCAN_ON;
+}
+
+ScanResult Step_SeekEquals(SamiScan &stScan, uint32_t uiUnit)
+{
+    if (uiUnit != '=') return E_SCAN_ON;
+    stScan.eState = stScan.pstTag->eValue;
+    stScan.uiDigits = 0;
+    stScan.uiStart = 0;
+    stScan.uiClassUnits = 0;
+    return E_SCAN_ON;
+}
+
+ScanResult Step_StartValue(SamiScan &stScan, uint32_t uiUnit)
+{
+    if (Is_Digit(uiUnit)) {
+        stScan.uiStart = stScan.uiStart * 10 + (uiUnit - '0');
+        ++stScan.uiDigits;
+        return E_SCAN_ON;
+    }
+    stScan.eState = E_SAMI_OUTSIDE;
+    const bool bGood = stScan.uiDigits > 0 && (uiUnit == ' ' || uiUnit == '>');
+    return bGood ? Record_Frame(stScan) : E_SCAN_ON;
+}
+
+ScanResult Step_ClassValue(SamiScan &stScan, uint32_t uiUnit)
+{
+    if (!Is_TagSpace(uiUnit) && uiUnit != '>') {
+        if (stScan.uiClassUnits < ZYR_CLASS_NAME_UNITS)
+            stScan.ausClass[stScan.uiClassUnits] = static_cast<uint16_t>(uiUnit);
+        ++stScan.uiClassUnits;
+        return E_SCAN_ON;
+    }
+    stScan.eState = E_SAMI_OUTSIDE;
+    if (stScan.uiClassUnits > 0) Assign_Class(stScan);
+    return E_SCAN_ON;
+}
+
+ScanResult Step_Scan(SamiScan &stScan, uint32_t uiUnit)
+{
+    switch (stScan.eState) {
+    case E_SAMI_NAME: return Step_Name(stScan, uiUnit);
+    case E_SAMI_ATTRIBUTE: return Step_Attribute(stScan, uiUnit);
+    case E_SAMI_SEEK_EQUALS: return Step_SeekEquals(stScan, uiUnit);
+    case E_SAMI_START_VALUE: return Step_StartValue(stScan, uiUnit);
+    case E_SAMI_CLASS_VALUE: return Step_ClassValue(stScan, uiUnit);
+    default: return E_SCAN_ON;
+    }
+}
+
+/** Note the place of a SYNC tag that is complete. @return false without memory (logged). */
+bool Close_SyncTag(SamiScan &stScan)
+{
+    if (!stScan.bSyncOpen) return true;
+    stScan.bSyncOpen = false;
+    return Append_SyncPlace(stScan.llTagBytes);
+}
+
+// ---- The usual tags at once ----
+
+ScanResult Take_SyncTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
+{
+    stScan.llTagBytes = stScan.llBytes;
+    stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
+    return Append_SyncPlace(stScan.llTagBytes) ? Record_Frame(stScan) : E_SCAN_FAILED;
+}
+
+void Take_ParagraphTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
+{
+    stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
+    Assign_Class(stScan);
+}
+
+/** @return whether the tag at the read position says nothing to the scan. */
+bool Is_OtherTag(const BufferUnits &stUnits)
+{
+    // From 0x80 on a byte may be one that is dropped, and the name be any.
+    const uint32_t uiFirst = To_Upper(stUnits[1]);
+    if (uiFirst != '/') return uiFirst != 'S' && uiFirst != 'P' && uiFirst < 0x80;
+    const uint32_t uiSecond = To_Upper(stUnits[2]);
+    return uiSecond != 'B' && uiSecond != 'S' && uiSecond < 0x80;
+}
+
+/** Take the tag at the read position if it is a usual one. @return whether it was taken. */
+bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
+{
+    const BufferUnits stUnits = Get_BufferUnits();
+    if (!Holds_UsualTag(stUnits) || stUnits[0] != '<') return false;
+    if (Is_OtherTag(stUnits)) {
+        stScan.bSyncOpen = false;
+        stScan.llBytes += Take_BufferUnits(stUnits, 1);
+        return true;
+    }
+    uint32_t uiUnits = Match_SyncTag(stUnits, &stScan.uiStart);
+    if (uiUnits > 0) {
+        stScan.bSyncOpen = false;
+        *peResult = Take_SyncTag(stScan, stUnits, uiUnits);
+        return true;
+    }
+    uiUnits = Match_ParagraphTag(stUnits, stScan.ausClass, &stScan.uiClassUnits);
+    if (uiUnits == 0) return false;
+    stScan.bSyncOpen = false;
+    Take_ParagraphTag(stScan, stUnits, uiUnits);
+    return true;
+}
+
+/** Pass over what says nothing to the scan, and take the usual tags in between. */
+ScanResult Scan_Outside(SamiScan &stScan)
+{
+    ScanResult eResult = E_SCAN_ON;
+    do stScan.llBytes += stScan.bSyncOpen ? Skip_PlainRun<TAG_ENDS>() : Skip_PlainRun<TAG_STOP>();
+    while (Take_UsualTag(stScan, &eResult) && eResult == E_SCAN_ON);
+    return eResult;
+}
+
+/** Scan up to the end, whatever it is. */
+ScanEnd Scan_File(SamiScan &stScan)
+{
+    for (;;) {
+        if (stScan.eState == E_SAMI_OUTSIDE && Scan_Outside(stScan) == E_SCAN_FAILED) return E_END_FAILED;
+        uint16_t usChar = 0;
+        const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, 1);
+        if (iBytes <= 0) return iBytes == 0 ? E_END_OF_FILE : E_END_OF_READING;
+        stScan.llBytes += iBytes;
+        if (usChar == '<') {
+            Start_Tag(stScan, iBytes);
+            continue;
+        }
+        if (usChar == '>' && !Close_SyncTag(stScan)) return E_END_FAILED;
+        const ScanResult eResult = Step_Scan(stScan, To_Upper(usChar));
+        if (eResult != E_SCAN_ON) return eResult == E_SCAN_END ? E_END_OF_BODY : E_END_FAILED;
+    }
+}
+
+/** Complete classes and index. @return false without memory (logged). */
+bool Finish_Scan(const SamiScan &stScan, ScanEnd eEnd)
+{
+    if (stScan.stPending.uiNums > 0) Add_UnnamedClass(stScan.stPending);
+    // A list that a read error cut short would hide tags that a later read may well give.
+    if (stScan.bOffStart || eEnd == E_END_OF_READING) Begin_SyncPlaces();
+    const int64_t llEndPos = eEnd == E_END_OF_BODY ? stScan.llTagBytes : stScan.llBytes;
+    return Finish_FrameIndex() && Finish_SyncPlaces(llEndPos, eEnd == E_END_OF_FILE);
+}
+
+} // namespace
+
+int32_t HeaderParser_SAMI(void *hFile)
+{
+    if (!Is_HeaderReady() || !Begin_FrameIndex()) return -1;
+    Begin_SyncPlaces();
+    Clear_Classes();
+    SamiScan stScan = {};
+    stScan.hFile = hFile;
+    stScan.stPending.iMinPTS = NO_MIN_PTS;
+    const ScanEnd eEnd = Scan_File(stScan);
+    if (eEnd != E_END_FAILED && Finish_Scan(stScan, eEnd)) return 1;
+    Drop_FrameIndex();
+    Drop_SyncPlaces();
+    return -1;
+}

@@ -1,0 +1,153 @@
+#include "format/sami/sami_index.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "format/stable_sort.h"
+#include "record/parser_state.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+constexpr uint32_t BYTES_PER_FRAME = 40; // no reasonable file has more SYNC tags than one in so many bytes
+constexpr uint32_t SPARE_FRAMES = 100;   // and these
+constexpr uint32_t FIRST_FRAMES = 1024;  // entries to begin with
+constexpr uint32_t NEAR_FRAMES = 4;      // entries to look at before the class's own list is searched
+
+uint32_t s_uiFrameRoom = 0;                       // entries that the array has room for
+uint32_t s_auiClassStart[ZYR_CLASS_MAX + 2] = {}; // where each class's entries begin in the class order
+
+/** The entries' numbers, class after class and ascending in each; they stand behind the entries. */
+uint32_t *Get_ClassOrder()
+{
+    return reinterpret_cast<uint32_t *>(s_pstFrameInfoArray + s_uiFrameInfoNums);
+}
+
+/** The numbers of one class's entries. */
+struct ClassFrames {
+    const uint32_t *puiBegin;
+    const uint32_t *puiEnd;
+};
+
+ClassFrames Get_ClassFrames(uint32_t uiClass)
+{
+    return {Get_ClassOrder() + s_auiClassStart[uiClass], Get_ClassOrder() + s_auiClassStart[uiClass + 1]};
+}
+
+SamiFrameInfo *Allocate_Frames(uint32_t uiBytes)
+{
+    auto *const pastFrame = static_cast<SamiFrameInfo *>(QUIBCAPTCB_Allocate_Memory(uiBytes));
+    if (pastFrame == nullptr)
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] Frame Information Array Memory Allocation Failed!\n", __LINE__);
+    return pastFrame;
+}
+
+void Replace_Frames(SamiFrameInfo *pastFrame)
+{
+    if (s_pstFrameInfoArray != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstFrameInfoArray);
+    s_pstFrameInfoArray = pastFrame;
+}
+
+bool Grow_Frames()
+{
+    const uint32_t uiRoom = std::min(s_uiFrameInfoMax, s_uiFrameRoom == 0 ? FIRST_FRAMES : 2 * s_uiFrameRoom);
+    SamiFrameInfo *const pastFrame = Allocate_Frames(uiRoom * sizeof(SamiFrameInfo));
+    if (pastFrame == nullptr) return false;
+    if (s_uiFrameInfoNums > 0)
+        std::memcpy(pastFrame, s_pstFrameInfoArray, s_uiFrameInfoNums * sizeof(SamiFrameInfo));
+    Replace_Frames(pastFrame);
+    s_uiFrameRoom = uiRoom;
+    return true;
+}
+
+/** Key whose unsigned order is the order of the times. */
+uint32_t Get_TimeKey(const SamiFrameInfo &stFrame)
+{
+    return static_cast<uint32_t>(stFrame.iPTS) ^ 0x80000000u;
+}
+
+/** @return whether an entry's time, taken as unsigned, is before a target. */
+bool Is_Before(uint32_t uiFrame, uint32_t uiTargetMs)
+{
+    return static_cast<uint32_t>(s_pstFrameInfoArray[uiFrame].iPTS) < uiTargetMs;
+}
+
+} // namespace
+
+bool Begin_FrameIndex()
+{
+    Replace_Frames(nullptr);
+    Drop_FrameIndex();
+    s_uiFrameRoom = 0;
+    s_uiFrameInfoMax = static_cast<uint32_t>(s_llCaptionFileSize / BYTES_PER_FRAME) + SPARE_FRAMES;
+    return Grow_Frames();
+}
+
+bool Append_Frame(int32_t iPTS, int64_t llFilePos)
+{
+    if (s_uiFrameInfoNums == s_uiFrameRoom && !Grow_Frames()) return false;
+    s_pstFrameInfoArray[s_uiFrameInfoNums++] = {ZYR_CLASS_MAX, iPTS, llFilePos};
+    return true;
+}
+
+bool Finish_FrameIndex()
+{
+    const uint32_t uiNums = s_uiFrameInfoNums;
+    if (uiNums == 0) return true;
+    SamiFrameInfo *const pastFrame = Allocate_Frames(uiNums * (sizeof(SamiFrameInfo) + sizeof(uint32_t)));
+    if (pastFrame == nullptr) return false;
+    if (Is_Sorted(s_pstFrameInfoArray, uiNums, Get_TimeKey))
+        std::memcpy(pastFrame, s_pstFrameInfoArray, uiNums * sizeof(SamiFrameInfo));
+    else
+        Sort_Stable(s_pstFrameInfoArray, pastFrame, uiNums, Get_TimeKey);
+    Replace_Frames(pastFrame);
+    Order_FramesByClass();
+    return true;
+}
+
+void Drop_FrameIndex()
+{
+    s_uiFrameInfoNums = 0;
+    for (uint32_t &uiCursor : s_auiClassFrameCursor) uiCursor = 0;
+}
+
+void Order_FramesByClass()
+{
+    if (s_uiFrameInfoNums == 0) return;
+    uint32_t auiPlace[ZYR_CLASS_MAX + 2] = {}; // one slot later than its class, so that the sums are starts
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
+        ++auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex + 1];
+    for (uint32_t uiClass = 1; uiClass < ZYR_CLASS_MAX + 2; ++uiClass)
+        auiPlace[uiClass] += auiPlace[uiClass - 1];
+    std::copy(std::begin(auiPlace), std::end(auiPlace), s_auiClassStart);
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
+        Get_ClassOrder()[auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex]++] = uiFrame;
+}
+
+uint32_t Find_ClassFrame(uint32_t uiClass, uint32_t uiFrom)
+{
+    for (uint32_t uiFrame = uiFrom; uiFrame < s_uiFrameInfoNums; ++uiFrame) {
+        if (s_pstFrameInfoArray[uiFrame].uiClassIndex == uiClass) return uiFrame;
+        if (uiFrame - uiFrom < NEAR_FRAMES) continue;
+        const ClassFrames stFrames = Get_ClassFrames(uiClass);
+        const uint32_t *const puiFrame = std::lower_bound(stFrames.puiBegin, stFrames.puiEnd, uiFrame);
+        return puiFrame == stFrames.puiEnd ? s_uiFrameInfoNums : *puiFrame;
+    }
+    return s_uiFrameInfoNums;
+}
+
+uint32_t Find_FrameBefore(uint32_t uiClass, uint32_t uiTargetMs)
+{
+    const ClassFrames stFrames = Get_ClassFrames(uiClass);
+    // Negative times come first and are the late ones as unsigned numbers, so each part ascends by itself.
+    const uint32_t *const puiSplit =
+        std::partition_point(stFrames.puiBegin, stFrames.puiEnd,
+                             [](uint32_t uiFrame) { return s_pstFrameInfoArray[uiFrame].iPTS < 0; });
+    const auto fnIsBefore = [=](uint32_t uiFrame) { return Is_Before(uiFrame, uiTargetMs); };
+    const uint32_t *puiStop = std::partition_point(stFrames.puiBegin, puiSplit, fnIsBefore);
+    if (puiStop == puiSplit) puiStop = std::partition_point(puiSplit, stFrames.puiEnd, fnIsBefore);
+    return puiStop == stFrames.puiBegin ? 0 : puiStop[-1];
+}

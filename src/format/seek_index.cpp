@@ -1,0 +1,184 @@
+#include "format/seek_index.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "text/char_reader.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+/** A place, and what is known of the block from it to the next one. */
+struct SeekBlock {
+    SeekPlace stPlace;
+    uint32_t uiMaxStart;
+    uint32_t uiStarts;
+    bool bQuiet; // scanned from end to end, and nothing was logged
+};
+
+constexpr uint32_t PLACES_MAX = 2049; // odd: when every other place goes, the last one stays
+constexpr int64_t FIRST_BLOCK_BYTES = 2048;
+
+/** Entries whose starts decide all times that a scan remembers, however it began. */
+constexpr uint32_t SETTLED_STARTS = 2;
+
+// Eighty kilobytes that are touched only as far as they are used: there is nothing to allocate, and so
+// nothing that can fail.
+SeekBlock s_astBlock[PLACES_MAX];
+uint32_t s_uiPlaces = 0;
+int64_t s_llBlockBytes = FIRST_BLOCK_BYTES; // least length of a block
+bool s_bInStep = true;                      // the reader stands at the ends of entries
+void *s_hIndexed = nullptr;                 // the file that the places are of
+uint32_t s_uiIndexedOption = 0;             // and the parsing option with which it was read
+
+void Start_Block(SeekTrack &stTrack, uint32_t uiBlock)
+{
+    stTrack.uiBlock = uiBlock;
+    stTrack.uiNext = uiBlock + 1;
+    stTrack.uiMaxStart = 0;
+    stTrack.uiStarts = 0;
+    stTrack.bLogged = false;
+}
+
+/** Let blocks be twice as long, two and two becoming one. */
+void Halve_Places()
+{
+    const uint32_t uiKept = (s_uiPlaces + 1) / 2;
+    for (uint32_t uiBlock = 0; uiBlock < uiKept; ++uiBlock) {
+        SeekBlock &stBlock = s_astBlock[uiBlock];
+        stBlock = s_astBlock[size_t{2} * uiBlock];
+        if (uiBlock + 1 == uiKept) break;
+        const SeekBlock &stSecond = s_astBlock[size_t{2} * uiBlock + 1];
+        stBlock.uiMaxStart = std::max(stBlock.uiMaxStart, stSecond.uiMaxStart);
+        stBlock.uiStarts += stSecond.uiStarts;
+        stBlock.bQuiet = stBlock.bQuiet && stSecond.bQuiet;
+    }
+    s_uiPlaces = uiKept;
+    s_llBlockBytes *= 2;
+}
+
+/** Add a place behind all others. */
+void Add_Place(const SeekPlace &stPlace)
+{
+    if (s_uiPlaces == PLACES_MAX) Halve_Places();
+    s_astBlock[s_uiPlaces++] = {stPlace, 0, 0, false};
+}
+
+/** The block that was scanned ends here. */
+void Describe_Block(const SeekTrack &stTrack)
+{
+    SeekBlock &stBlock = s_astBlock[stTrack.uiBlock];
+    stBlock.uiMaxStart = stTrack.uiMaxStart;
+    stBlock.uiStarts = stTrack.uiStarts;
+    stBlock.bQuiet = !stTrack.bLogged;
+}
+
+/** Learn from a scan that stands at the end of an entry. */
+void Note_SeekPlace(SeekTrack &stTrack, const SeekPlace &stPlace)
+{
+    while (stTrack.uiNext < s_uiPlaces && s_astBlock[stTrack.uiNext].stPlace.llPos < stPlace.llPos) {
+        ++stTrack.uiNext; // passed without a stop there: the scan is out of step
+        stTrack.uiBlock = NO_SEEK_BLOCK;
+        s_bInStep = false;
+    }
+    const bool bKnown = stTrack.uiNext < s_uiPlaces;
+    if (bKnown && s_astBlock[stTrack.uiNext].stPlace.llPos > stPlace.llPos) return;
+    if (!bKnown && (!s_bInStep || s_uiPlaces == 0 || stTrack.uiScanned < SETTLED_STARTS ||
+                    stPlace.llPos < s_astBlock[s_uiPlaces - 1].stPlace.llPos + s_llBlockBytes))
+        return;
+    if (stTrack.uiBlock != NO_SEEK_BLOCK) Describe_Block(stTrack);
+    if (!bKnown) {
+        Add_Place(stPlace);
+        stTrack.uiNext = s_uiPlaces - 1;
+    }
+    s_bInStep = true;
+    Start_Block(stTrack, stTrack.uiNext);
+}
+
+} // namespace
+
+void Forget_SeekPlaces()
+{
+    s_uiPlaces = 0;
+    s_llBlockBytes = FIRST_BLOCK_BYTES;
+    s_bInStep = true;
+}
+
+void Lose_SeekStep()
+{
+    s_bInStep = false;
+}
+
+SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bAtStart)
+{
+    if (s_hIndexed != s_hSubtitleFile || s_uiIndexedOption != s_uiParsingOption) Forget_SeekPlaces();
+    if (bAtStart && s_uiPlaces > 0 && s_astBlock[0].stPlace.llPos != stPlace.llPos) Forget_SeekPlaces();
+    s_hIndexed = s_hSubtitleFile;
+    s_uiIndexedOption = s_uiParsingOption;
+    SeekTrack stTrack = {uiTargetMs, NO_SEEK_BLOCK, 0, 0, 0, 0, false};
+    if (bAtStart) {
+        if (s_uiPlaces == 0) Add_Place(stPlace);
+        s_bInStep = true;
+        stTrack.uiScanned = SETTLED_STARTS;
+        Start_Block(stTrack, 0);
+        return stTrack;
+    }
+    const SeekBlock *const pstNext = std::lower_bound(
+        s_astBlock, s_astBlock + s_uiPlaces, stPlace.llPos,
+        [](const SeekBlock &stBlock, int64_t llPos) { return stBlock.stPlace.llPos < llPos; });
+    stTrack.uiNext = static_cast<uint32_t>(pstNext - s_astBlock);
+    if (stTrack.uiNext < s_uiPlaces && pstNext->stPlace.llPos == stPlace.llPos)
+        Start_Block(stTrack, stTrack.uiNext);
+    return stTrack;
+}
+
+int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
+{
+    if (stTrack.uiBlock == NO_SEEK_BLOCK) return 1;
+    uint32_t uiBlock = stTrack.uiBlock;
+    uint32_t uiScanned = stTrack.uiScanned;
+    while (uiBlock + 1 < s_uiPlaces && s_astBlock[uiBlock].bQuiet &&
+           s_astBlock[uiBlock].uiMaxStart <= stTrack.uiTargetMs)
+        uiScanned += s_astBlock[uiBlock++].uiStarts;
+    if (uiBlock == stTrack.uiBlock || uiScanned < SETTLED_STARTS) return 1;
+    stPlace = s_astBlock[uiBlock].stPlace;
+    stTrack.uiScanned = uiScanned;
+    Start_Block(stTrack, uiBlock);
+    // The frame parser is likely to go on from one of these two: one read then serves the scan and the frame.
+    const int64_t llReached = Move_ReadPosition(hFile, stPlace.llPrevPos, E_READ_AHEAD_FULL);
+    return llReached < 0 ? llReached : Move_ReadPosition(hFile, stPlace.llPos, E_READ_AHEAD_FULL);
+}
+
+int64_t Pass_SeekEntry(SeekScan &stSeek, bool bLogged, void *hFile)
+{
+    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || bLogged;
+    Note_SeekPlace(stSeek.stTrack, stSeek.stPlace);
+    return Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
+}
+
+int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)
+{
+    Lose_SeekStep();
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] %s() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__, pszSeek,
+                        static_cast<int32_t>(llReached));
+    return -1;
+}
+
+int32_t Fail_Read(const char *pszParser, int32_t iResult)
+{
+    if (iResult != NO_CAPTION_DATA) Lose_SeekStep(); // the end of the data is a place like any other
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Get_CharCode() Failed! (ERROR = %d)\n",
+                        __LINE__, pszParser, iResult);
+    return iResult;
+}
+
+int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t uiTime)
+{
+    const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
+    if (llReached < 0) return Fail_SeekMove(pszSeek, llReached);
+    pstQuibCaptionParserInfo->llCurrFilePos = llPos;
+    pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiTime);
+    return 1;
+}

@@ -1,0 +1,431 @@
+// The header pass of SSA: the whole file is read once, when it is opened. Each Dialogue line becomes a node
+// of the frame list, each Style line a style; titles are kept. The text of the Dialogue lines is left to the
+// frame parser.
+
+#include <cstring>
+
+#include "format/ssa/ssa_line.h"
+#include "format/ssa/style_list.h"
+#include "markup/caption_text.h"
+#include "text/char_reader.h"
+#include "text/text_helpers.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+/** Sections of the file, by the rows of SectionTable. */
+enum SSASection : uint32_t {
+    E_SSA_SECTION_SCRIPT_INFO,
+    E_SSA_SECTION_STYLES,
+    E_SSA_SECTION_EVENTS,
+    E_SSA_SECTION_UNKNOWN, // passed over up to the next "["
+};
+
+constexpr const char *SectionTable[] = {"Script Info", "v4 Styles", "Events"};
+static_assert(sizeof(SectionTable) / sizeof(SectionTable[0]) == E_SSA_SECTION_UNKNOWN);
+
+enum HeaderState : uint32_t {
+    E_HEADER_FIND_SECTION, // anything before a "["
+    E_HEADER_SECTION,      // the name behind it
+    E_HEADER_SKIP_LINE,    // anything up to the CR
+    E_HEADER_LINE_END,     // from there to the LF
+    E_HEADER_KEY,
+    E_HEADER_VALUE,  // of a title
+    E_HEADER_STYLE,  // the fields of a style
+    E_HEADER_MARKED, // first field of a Dialogue line
+    E_HEADER_START,  // its second field
+};
+
+constexpr uint32_t SECTION_UNITS = 30; // longest section name, its "]" included
+constexpr int64_t NO_POSITION = -1;
+
+/** Number fields of a Style line, behind the style's and the font's name. */
+constexpr uint32_t SSAStyleInfo::*const STYLE_NUMBERS[] = {
+    &SSAStyleInfo::uiFontSize,       &SSAStyleInfo::uiPrimaryColour, &SSAStyleInfo::uiSecondaryColour,
+    &SSAStyleInfo::uiTertiaryColour, &SSAStyleInfo::uiBackColour,    &SSAStyleInfo::uiBold,
+    &SSAStyleInfo::uiItalic,         &SSAStyleInfo::uiBorderStyle,   &SSAStyleInfo::uiOutline,
+    &SSAStyleInfo::uiShadow,         &SSAStyleInfo::uiAlignment,     &SSAStyleInfo::uiMarginL,
+    &SSAStyleInfo::uiMarginR,        &SSAStyleInfo::uiMarginV,       &SSAStyleInfo::uiAlphaLevel,
+    &SSAStyleInfo::uiEncoding,
+};
+constexpr uint32_t STYLE_NAMES = 2;
+constexpr uint32_t LAST_STYLE_FIELD = STYLE_NAMES + sizeof(STYLE_NUMBERS) / sizeof(STYLE_NUMBERS[0]) - 1;
+
+struct HeaderScan {
+    void *hFile;
+    HeaderState eState;
+    uint32_t eSection;
+    int32_t iRawMode;
+    int32_t iResult;      // 1, or why the pass ends
+    int64_t llEventsPos;  // where the lines of [Events] begin; NO_POSITION before it was found
+    int64_t llBufferPos;  // file position of the read buffer's first byte; NO_POSITION = not asked yet
+    int64_t llLineBytes;  // bytes of the line read so far; right in the states that need it
+    uint32_t eTitle;      // which title the value is
+    uint32_t uiTextUnits; // units of ausSSAHeaderText that are used up
+    uint32_t uiField;     // of the Style line
+    SSAStyleInfo stStyle; // the Style line so far
+};
+
+constexpr StopUnits CR_STOP = {1, {'\r'}, false};
+constexpr StopUnits LF_STOP = {1, {'\n'}, false};
+constexpr StopUnits SECTION_STOP = {1, {'['}, false};
+constexpr StopUnits KEY_STOPS = {4, {'\r', ':', ';', '['}, false};
+constexpr StopUnits MARKED_STOPS = {2, {'\r', ','}, false};
+constexpr StopUnits START_STOPS = {3, {'\r', ',', ' '}, false};
+constexpr StopUnits STYLE_STOPS = {4, {'\r', ',', ';', ' '}, false};
+
+/** Put a unit into the tag buffer. @return whether that has filled it. */
+bool Hold_Unit(uint16_t usChar)
+{
+    Collect_TagUnit(usChar, TAG_BUF_UNITS);
+    return s_pstTagControlInfo->uiTagLength == TAG_BUF_UNITS;
+}
+
+/** Double-byte characters, as the reader gives them in raw mode. */
+void Hide_DoubleBytes(uint16_t *pusUnits, uint32_t uiNums)
+{
+    if (s_uiTextEncoding != E_TEXT_ENCODING_ANSI) return;
+    for (uint32_t uiPos = 0; uiPos < uiNums; ++uiPos)
+        if (pusUnits[uiPos] > 0xFF) pusUnits[uiPos] = 0xFFFF;
+}
+
+/** Put the units up to the next stop that the read buffer holds into the tag buffer. One place is left, so
+ * that it is always Hold_Unit() that finds the buffer full. */
+template <StopUnits STOPS>
+void Hold_Run(HeaderScan &stScan)
+{
+    constexpr uint32_t RUN_UNITS = TAG_BUF_UNITS - 1;
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength >= RUN_UNITS) return;
+    const int32_t iBefore = stInfo.iStreamBufIndex;
+    uint16_t *const pusTarget = stTag.ausTagBuf + stTag.uiTagLength;
+    const uint32_t uiUnits = Take_PlainRun<STOPS>(pusTarget, RUN_UNITS - stTag.uiTagLength, false).uiUnits;
+    if (stScan.iRawMode != 0) Hide_DoubleBytes(pusTarget, uiUnits);
+    stScan.llLineBytes += stInfo.iStreamBufIndex - iBefore;
+    stTag.uiTagLength += uiUnits;
+}
+
+/** Let the next state see the unit again. */
+bool Hand_On(HeaderScan &stScan, HeaderState eState)
+{
+    stScan.eState = eState;
+    return false;
+}
+
+/** Where the reader stands. The file is asked once for each filling of the buffer. @return false when it does
+ * not tell. */
+bool Get_Position(HeaderScan &stScan, int64_t *pllPos)
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (stScan.llBufferPos < 0) {
+        const int64_t llTold = QUIBCAPTCB_FileTell(stScan.hFile);
+        if (llTold < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] HeaderParser_SSA() - File Tell Failed! (ERROR = %d)\n", __LINE__,
+                                static_cast<int32_t>(llTold));
+            stScan.iResult = -1;
+            return false;
+        }
+        stScan.llBufferPos = llTold - stInfo.iStreamDataSize;
+    }
+    *pllPos = stScan.llBufferPos + stInfo.iStreamBufIndex;
+    return true;
+}
+
+uint32_t Find_Section(const char *pszName)
+{
+    for (uint32_t uiSection = 0; uiSection < E_SSA_SECTION_UNKNOWN; ++uiSection)
+        if (Compare_StringNoCase(SectionTable[uiSection], pszName,
+                                 static_cast<uint32_t>(std::strlen(SectionTable[uiSection]))) != 0)
+            return uiSection;
+    return E_SSA_SECTION_UNKNOWN;
+}
+
+/** @return the section whose name, "]" included, the tag buffer holds. */
+uint32_t Get_Section()
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength < 2 || stTag.uiTagLength > SECTION_UNITS) return E_SSA_SECTION_UNKNOWN;
+    char szName[SECTION_UNITS + 1] = {};
+    uint16_t usBad = 0;
+    if (Copy_AsciiUnits(szName, stTag.ausTagBuf, stTag.uiTagLength, &usBad) == stTag.uiTagLength)
+        return Find_Section(szName);
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad SSA LineType Name Character! [0x%04X]\n",
+                        __LINE__, usBad);
+    return E_SSA_SECTION_UNKNOWN;
+}
+
+/** Keep the title that the tag buffer holds, while there is room for titles. */
+void Store_Title(HeaderScan &stScan)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    uint16_t *const pusPlace = stInfo.ausSSAHeaderText + stScan.uiTextUnits;
+    stScan.uiTextUnits += stTag.uiTagLength + 1;
+    if (stScan.uiTextUnits >= ZYR_SSA_HEADER_UNITS) return;
+    std::memcpy(pusPlace, stTag.ausTagBuf, stTag.uiTagLength * sizeof(uint16_t));
+    switch (stScan.eTitle) {
+    case E_SSA_LINE_TITLE:
+        stInfo.pusSSATitle = pusPlace;
+        stInfo.uiSSATitleLength = stTag.uiTagLength;
+        break;
+    case E_SSA_LINE_ORIGINAL_SCRIPT:
+        stInfo.pusSSAOriginalScript = pusPlace;
+        stInfo.uiSSAOriginalScriptLength = stTag.uiTagLength;
+        break;
+    default:
+        stInfo.pusSSAScriptType = pusPlace;
+        stInfo.uiSSAScriptTypeLength = stTag.uiTagLength;
+        break;
+    }
+}
+
+/** Take the field that the tag buffer holds; the last one completes the style. */
+void Finish_StyleField(HeaderScan &stScan)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint32_t uiNameUnits = stTag.uiTagLength < ZYR_SSA_NAME_UNITS
+                                     ? stTag.uiTagLength
+                                     : static_cast<uint32_t>(ZYR_SSA_NAME_UNITS);
+    if (stScan.uiField < STYLE_NAMES)
+        std::memcpy(stScan.uiField == 0 ? stScan.stStyle.ausStyleName : stScan.stStyle.ausFontName,
+                    stTag.ausTagBuf, uiNameUnits * sizeof(uint16_t));
+    else
+        stScan.stStyle.*STYLE_NUMBERS[stScan.uiField - STYLE_NAMES] =
+            QUIBCAPTPARS_Str2Number(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    if (stScan.uiField == LAST_STYLE_FIELD)
+        Add_SSAStyleInfo(&stScan.stStyle); // without memory: one style less
+    stTag.uiTagLength = 0;
+}
+
+/** Index the Dialogue line whose start time the tag buffer holds. */
+void Add_Frame(HeaderScan &stScan)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint32_t uiPTS = Parse_SSAPts(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    int64_t llPos = 0;
+    if (uiPTS == 0 || !Get_Position(stScan, &llPos)) return;
+    if (Append_CaptionFrame(uiPTS, llPos - stScan.llLineBytes) == 1) return;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] HeaderParser_SSA() - Add Frame Failed!\n",
+                        __LINE__);
+    stScan.iResult = -1;
+}
+
+// One function per state. Each gives whether its unit is done with; if not, the next state sees it again.
+
+bool Step_FindSection(HeaderScan &stScan, uint16_t usChar)
+{
+    if (usChar != '[') {
+        Skip_PlainRun<SECTION_STOP>();
+        return true;
+    }
+    s_pstTagControlInfo->uiTagLength = 0;
+    stScan.eState = E_HEADER_SECTION;
+    return true;
+}
+
+bool Step_Section(HeaderScan &stScan, uint16_t usChar)
+{
+    const bool bFull = Hold_Unit(usChar);
+    if (usChar == ']') {
+        stScan.eSection = Get_Section();
+        stScan.eState = stScan.eSection == E_SSA_SECTION_UNKNOWN ? E_HEADER_FIND_SECTION : E_HEADER_SKIP_LINE;
+        return true;
+    }
+    return usChar == '[' || usChar == '\r' || bFull ? Hand_On(stScan, E_HEADER_FIND_SECTION) : true;
+}
+
+bool Step_SkipLine(HeaderScan &stScan, uint16_t usChar)
+{
+    if (usChar == '\r')
+        stScan.eState = E_HEADER_LINE_END;
+    else
+        Skip_PlainRun<CR_STOP>();
+    return true;
+}
+
+void Begin_Dialogue(HeaderScan &stScan)
+{
+    stScan.iRawMode = 1; // from here on only times and line ends are read
+    stScan.eState = E_HEADER_MARKED;
+    stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
+}
+
+bool Step_LineEnd(HeaderScan &stScan, uint16_t usChar)
+{
+    if (usChar != '\n') {
+        Skip_PlainRun<LF_STOP>();
+        return true;
+    }
+    if (stScan.eSection == E_SSA_SECTION_EVENTS && stScan.llEventsPos < 0)
+        Get_Position(stScan, &stScan.llEventsPos);
+    s_pstTagControlInfo->uiTagLength = 0;
+    stScan.llLineBytes = Take_DialogueKey();
+    if (stScan.llLineBytes > 0) {
+        Begin_Dialogue(stScan);
+        return true;
+    }
+    stScan.eState = E_HEADER_KEY;
+    Hold_Run<KEY_STOPS>(stScan);
+    return true;
+}
+
+bool Begin_Value(HeaderScan &stScan)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint32_t eType = Get_SSALineType(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    stTag.uiTagLength = 0;
+    switch (eType) {
+    case E_SSA_LINE_DIALOGUE: Begin_Dialogue(stScan); break;
+    case E_SSA_LINE_STYLE:
+        stScan.stStyle = {};
+        stScan.uiField = 0;
+        stScan.eState = E_HEADER_STYLE;
+        break;
+    case E_SSA_LINE_UNKNOWN: stScan.eState = E_HEADER_SKIP_LINE; break;
+    default:
+        stScan.eTitle = eType;
+        stScan.eState = E_HEADER_VALUE;
+        break;
+    }
+    return true;
+}
+
+bool Step_Key(HeaderScan &stScan, uint16_t usChar)
+{
+    const bool bFull = Hold_Unit(usChar);
+    if (usChar == ':') return Begin_Value(stScan);
+    if (usChar == '\r' || usChar == ';' || bFull) return Hand_On(stScan, E_HEADER_SKIP_LINE);
+    return usChar == '[' ? Hand_On(stScan, E_HEADER_FIND_SECTION) : true;
+}
+
+bool Step_Value(HeaderScan &stScan, uint16_t usChar)
+{
+    if (stScan.uiTextUnits >= ZYR_SSA_HEADER_UNITS) return Hand_On(stScan, E_HEADER_SKIP_LINE);
+    if (usChar != '\r' && usChar != ';') {
+        Collect_TagUnit(usChar, TAG_BUF_UNITS);
+        return true;
+    }
+    Store_Title(stScan);
+    return Hand_On(stScan, E_HEADER_SKIP_LINE);
+}
+
+bool Step_Style(HeaderScan &stScan, uint16_t usChar)
+{
+    if (usChar == ' ') return true;
+    if (usChar == ',') {
+        Finish_StyleField(stScan);
+        if (stScan.uiField++ == LAST_STYLE_FIELD)
+            stScan.eState = E_HEADER_SKIP_LINE;
+        else
+            Hold_Run<STYLE_STOPS>(stScan);
+        return true;
+    }
+    if (usChar != '\r' && usChar != ';' && !Hold_Unit(usChar)) return true;
+    if (stScan.uiField == LAST_STYLE_FIELD) Finish_StyleField(stScan);
+    return Hand_On(stScan, E_HEADER_SKIP_LINE);
+}
+
+bool Step_Marked(HeaderScan &stScan, uint16_t usChar)
+{
+    if (usChar == '\r') return Hand_On(stScan, E_HEADER_SKIP_LINE);
+    if (usChar == ',') {
+        stScan.eState = E_HEADER_START;
+        Hold_Run<START_STOPS>(stScan);
+    } else {
+        stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
+    }
+    return true;
+}
+
+bool Step_Start(HeaderScan &stScan, uint16_t usChar)
+{
+    if (usChar == ' ') return true;
+    if (usChar == ',') {
+        Add_Frame(stScan);
+        stScan.eState = E_HEADER_SKIP_LINE;
+        Skip_PlainRun<CR_STOP>();
+        return true;
+    }
+    return usChar == '\r' || Hold_Unit(usChar) ? Hand_On(stScan, E_HEADER_SKIP_LINE) : true;
+}
+
+bool Step_Header(HeaderScan &stScan, uint16_t usChar)
+{
+    switch (stScan.eState) {
+    case E_HEADER_FIND_SECTION: return Step_FindSection(stScan, usChar);
+    case E_HEADER_SECTION: return Step_Section(stScan, usChar);
+    case E_HEADER_SKIP_LINE: return Step_SkipLine(stScan, usChar);
+    case E_HEADER_LINE_END: return Step_LineEnd(stScan, usChar);
+    case E_HEADER_KEY: return Step_Key(stScan, usChar);
+    case E_HEADER_VALUE: return Step_Value(stScan, usChar);
+    case E_HEADER_STYLE: return Step_Style(stScan, usChar);
+    case E_HEADER_MARKED: return Step_Marked(stScan, usChar);
+    default: return Step_Start(stScan, usChar);
+    }
+}
+
+/** Get_CharCode(), keeping track of the buffer: when a refill took place, the index and the bytes disagree.
+ */
+int32_t Read_Char(HeaderScan &stScan, uint16_t *pusChar)
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const int32_t iBefore = stInfo.iStreamBufIndex;
+    const int32_t iBytes = Get_CharCode(stScan.hFile, pusChar, stScan.iRawMode);
+    if (stInfo.iStreamBufIndex - iBefore != iBytes) stScan.llBufferPos = NO_POSITION;
+    return iBytes;
+}
+
+void Set_Class(int64_t llFirstFramePos)
+{
+    pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos = llFirstFramePos;
+    pstQuibCaptionParserInfo->uiClassNums = 1;
+}
+
+/** Read to the end of the file. @return 1, -1, or a negative reader result. */
+int32_t Scan_File(HeaderScan &stScan)
+{
+    while (stScan.iResult == 1) {
+        uint16_t usChar = 0;
+        const int32_t iBytes = Read_Char(stScan, &usChar);
+        if (iBytes < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] HeaderParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
+                                iBytes);
+            Set_Class(0);
+            return iBytes;
+        }
+        if (iBytes == 0) {
+            Mark_EndOfData();
+            Set_Class(stScan.llEventsPos);
+            return 1;
+        }
+        stScan.llLineBytes += iBytes;
+        while (!Step_Header(stScan, usChar)) {}
+    }
+    return stScan.iResult;
+}
+
+} // namespace
+
+int32_t HeaderParser_SSA(void *hFile)
+{
+    if (!Is_HeaderReady()) return -1;
+    Clear_CaptionFrameList();
+    HeaderScan stScan = {};
+    stScan.hFile = hFile;
+    stScan.eSection = E_SSA_SECTION_UNKNOWN;
+    stScan.iResult = 1;
+    stScan.llEventsPos = NO_POSITION;
+    stScan.llBufferPos = NO_POSITION;
+    const int32_t iResult = Scan_File(stScan);
+    Index_Styles();
+    if (Sort_CaptionFrames() == 1) return iResult;
+    Clear_CaptionFrameList(); // in file order it would be of no use
+    if (iResult != 1) return iResult;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] HeaderParser_SSA() - Add Frame Failed!\n",
+                        __LINE__);
+    return -1;
+}

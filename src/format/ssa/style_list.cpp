@@ -1,0 +1,214 @@
+#include "format/ssa/style_list.h"
+
+#include <cstring>
+
+#include "record/parser_state.h"
+
+namespace
+{
+
+constexpr uint32_t FIRST_STYLES = 16;  // more than most files have
+constexpr uint32_t MOST_STYLES = 2048; // of one block: about half a megabyte
+constexpr uint32_t WALKED_STYLES = 8;  // so few are walked faster than looked up
+constexpr size_t UNIT_BYTES = sizeof(uint16_t);
+constexpr uint32_t ENTRY_POINTER_BYTES = sizeof(void *);
+
+/** A node of the record's list and its place there. */
+struct StyleEntry {
+    SSAStyleNode stNode; // first, so that a node is its entry
+    uint32_t uiPlace;    // 0 = first of the file
+};
+
+/** A block: this, then uiStyles entries. */
+struct alignas(StyleEntry) StyleBlock {
+    StyleBlock *pstOlder;
+    uint32_t uiStyles; // room
+    uint32_t uiUsed;
+};
+
+/**
+ * The index is a tree in one array of 2 x uiIndexed entries. The upper half holds all entries in the order of
+ * their names; entry k below it is the one of 2 k and 2 k + 1 that comes first in the file. So a range of
+ * names has its first style in log n steps.
+ */
+struct StyleStore {
+    StyleBlock *pstBlock; // the newest one
+    StyleEntry *pstLast;  // end of the record's list
+    uint32_t uiStyles;
+    StyleEntry **papstIndex; // NULL = none
+    uint32_t uiIndexed;      // styles in it
+};
+
+StyleStore s_stStyles = {};
+
+StyleEntry *Get_Entries(StyleBlock *pstBlock)
+{
+    return reinterpret_cast<StyleEntry *>(pstBlock + 1);
+}
+
+bool Add_Block()
+{
+    const StyleBlock *const pstOld = s_stStyles.pstBlock;
+    uint32_t uiStyles = FIRST_STYLES;
+    if (pstOld != nullptr) uiStyles = pstOld->uiStyles < MOST_STYLES ? pstOld->uiStyles * 2 : MOST_STYLES;
+    const uint32_t uiBytes = static_cast<uint32_t>(sizeof(StyleBlock) + uiStyles * sizeof(StyleEntry));
+    StyleBlock *const pstBlock = static_cast<StyleBlock *>(QUIBCAPTCB_Allocate_Memory(uiBytes));
+    if (pstBlock == nullptr) return false;
+    *pstBlock = {s_stStyles.pstBlock, uiStyles, 0};
+    s_stStyles.pstBlock = pstBlock;
+    return true;
+}
+
+void Drop_Index()
+{
+    if (s_stStyles.papstIndex != nullptr) QUIBCAPTCB_Deallocate_Memory(s_stStyles.papstIndex);
+    s_stStyles.papstIndex = nullptr;
+    s_stStyles.uiIndexed = 0;
+}
+
+const uint16_t *Get_Name(const StyleEntry *pstEntry)
+{
+    return pstEntry->stNode.stStyle.ausStyleName;
+}
+
+/** Order by bytes: any order will do that keeps names with the same beginning together. */
+int Compare_Names(const StyleEntry *pstA, const uint16_t *pusB, uint32_t uiUnits)
+{
+    return std::memcmp(Get_Name(pstA), pusB, uiUnits * UNIT_BYTES);
+}
+
+bool Is_Before(const StyleEntry *pstA, const StyleEntry *pstB)
+{
+    return Compare_Names(pstA, Get_Name(pstB), ZYR_SSA_NAME_UNITS) < 0;
+}
+
+/** Merge two sorted runs of papstFrom, [0, uiMiddle) and [uiMiddle, uiEnd). Files often hold them in order.
+ */
+void Merge_Runs(StyleEntry *const *papstFrom, uint32_t uiMiddle, uint32_t uiEnd, StyleEntry **papstTo)
+{
+    if (uiMiddle == uiEnd || !Is_Before(papstFrom[uiMiddle], papstFrom[uiMiddle - 1])) {
+        std::memcpy(papstTo, papstFrom, size_t{uiEnd} * ENTRY_POINTER_BYTES);
+        return;
+    }
+    uint32_t uiLeft = 0;
+    uint32_t uiRight = uiMiddle;
+    for (uint32_t uiPos = 0; uiPos < uiEnd; ++uiPos) {
+        const bool bRight =
+            uiLeft == uiMiddle || (uiRight < uiEnd && Is_Before(papstFrom[uiRight], papstFrom[uiLeft]));
+        papstTo[uiPos] = papstFrom[bRight ? uiRight++ : uiLeft++];
+    }
+}
+
+/** Sort entries by name. papstScratch has room for as many. */
+void Sort_ByName(StyleEntry **papstEntry, StyleEntry **papstScratch, uint32_t uiNums)
+{
+    for (uint32_t uiRun = 1; uiRun < uiNums; uiRun *= 2) {
+        for (uint32_t uiStart = 0; uiStart < uiNums; uiStart += 2 * uiRun) {
+            const uint32_t uiLeft = uiNums - uiStart;
+            Merge_Runs(papstEntry + uiStart, uiRun < uiLeft ? uiRun : uiLeft,
+                       2 * uiRun < uiLeft ? 2 * uiRun : uiLeft, papstScratch + uiStart);
+        }
+        std::memcpy(papstEntry, papstScratch, size_t{uiNums} * ENTRY_POINTER_BYTES);
+    }
+}
+
+StyleEntry *Get_Earlier(StyleEntry *pstA, StyleEntry *pstB)
+{
+    if (pstA == nullptr) return pstB;
+    return pstA->uiPlace < pstB->uiPlace ? pstA : pstB;
+}
+
+/** First place of [uiLow, uiHigh), in the order of names, whose beginning is above the text, or (bEqual) at
+ * least equal to it; uiHigh when there is none. */
+uint32_t Find_Bound(const uint16_t *pusText, uint32_t uiUnits, bool bEqual, uint32_t uiLow, uint32_t uiHigh)
+{
+    StyleEntry *const *const papstSorted = s_stStyles.papstIndex + s_stStyles.uiIndexed;
+    while (uiLow < uiHigh) {
+        const uint32_t uiMiddle = uiLow + (uiHigh - uiLow) / 2;
+        const int iOrder = Compare_Names(papstSorted[uiMiddle], pusText, uiUnits);
+        if (iOrder > 0 || (bEqual && iOrder == 0))
+            uiHigh = uiMiddle;
+        else
+            uiLow = uiMiddle + 1;
+    }
+    return uiLow;
+}
+
+const SSAStyleInfo *Find_InIndex(const uint16_t *pusText, uint32_t uiUnits)
+{
+    StyleEntry *const *const papstIndex = s_stStyles.papstIndex;
+    const uint32_t uiNums = s_stStyles.uiIndexed;
+    const uint32_t uiStart = Find_Bound(pusText, uiUnits, true, 0, uiNums);
+    uint32_t uiEnd = uiStart; // few names begin alike: feel the way to the end of them
+    for (uint32_t uiStep = 1; uiEnd < uiNums; uiEnd += uiStep, uiStep *= 2)
+        if (Compare_Names(papstIndex[uiNums + uiEnd], pusText, uiUnits) != 0) break;
+    if (uiEnd > uiNums) uiEnd = uiNums;
+    uint32_t uiFrom = uiStart + uiNums;
+    uint32_t uiTo = Find_Bound(pusText, uiUnits, false, uiStart, uiEnd) + uiNums;
+    StyleEntry *pstFirst = nullptr;
+    for (; uiFrom < uiTo; uiFrom /= 2, uiTo /= 2) {
+        if (uiFrom % 2 != 0) pstFirst = Get_Earlier(pstFirst, papstIndex[uiFrom++]);
+        if (uiTo % 2 != 0) pstFirst = Get_Earlier(pstFirst, papstIndex[--uiTo]);
+    }
+    return pstFirst == nullptr ? nullptr : &pstFirst->stNode.stStyle;
+}
+
+} // namespace
+
+int32_t Add_SSAStyleInfo(const SSAStyleInfo *pstStyle)
+{
+    if (pstQuibCaptionParserInfo == nullptr) return -1;
+    const StyleBlock *const pstNewest = s_stStyles.pstBlock;
+    if ((pstNewest == nullptr || pstNewest->uiUsed == pstNewest->uiStyles) && !Add_Block()) return -1;
+    Drop_Index();
+    StyleEntry *const pstEntry = Get_Entries(s_stStyles.pstBlock) + s_stStyles.pstBlock->uiUsed++;
+    *pstEntry = {{*pstStyle, nullptr}, s_stStyles.uiStyles++};
+    if (s_stStyles.pstLast == nullptr)
+        pstQuibCaptionParserInfo->pstSSAStyleList = &pstEntry->stNode;
+    else
+        s_stStyles.pstLast->stNode.pstNext = &pstEntry->stNode;
+    s_stStyles.pstLast = pstEntry;
+    return 1;
+}
+
+void Index_Styles()
+{
+    Drop_Index();
+    const uint32_t uiNums = s_stStyles.uiStyles;
+    if (uiNums <= WALKED_STYLES) return;
+    StyleEntry **const papstIndex =
+        static_cast<StyleEntry **>(QUIBCAPTCB_Allocate_Memory(2 * uiNums * ENTRY_POINTER_BYTES));
+    if (papstIndex == nullptr) return;
+    uint32_t uiEntry = 2 * uiNums;
+    for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr; pstBlock = pstBlock->pstOlder)
+        for (uint32_t uiPos = pstBlock->uiUsed; uiPos-- > 0;)
+            papstIndex[--uiEntry] = Get_Entries(pstBlock) + uiPos;
+    Sort_ByName(papstIndex + uiNums, papstIndex, uiNums);
+    for (uint32_t uiPos = uiNums; --uiPos > 0;)
+        papstIndex[uiPos] = Get_Earlier(papstIndex[size_t{2} * uiPos], papstIndex[size_t{2} * uiPos + 1]);
+    s_stStyles.papstIndex = papstIndex;
+    s_stStyles.uiIndexed = uiNums;
+}
+
+const SSAStyleInfo *Find_Style(const uint16_t *pusText, uint32_t uiLen)
+{
+    if (pstQuibCaptionParserInfo == nullptr) return nullptr;
+    const uint32_t uiUnits = uiLen < ZYR_SSA_NAME_UNITS ? uiLen : static_cast<uint32_t>(ZYR_SSA_NAME_UNITS);
+    if (s_stStyles.papstIndex != nullptr) return Find_InIndex(pusText, uiUnits);
+    for (const SSAStyleNode *pstNode = pstQuibCaptionParserInfo->pstSSAStyleList; pstNode != nullptr;
+         pstNode = pstNode->pstNext)
+        if (std::memcmp(pstNode->stStyle.ausStyleName, pusText, uiUnits * UNIT_BYTES) == 0)
+            return &pstNode->stStyle;
+    return nullptr;
+}
+
+void Destroy_Styles()
+{
+    Drop_Index();
+    for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr;) {
+        StyleBlock *const pstOlder = pstBlock->pstOlder;
+        QUIBCAPTCB_Deallocate_Memory(pstBlock);
+        pstBlock = pstOlder;
+    }
+    s_stStyles = {};
+}

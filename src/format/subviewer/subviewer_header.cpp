@@ -1,0 +1,247 @@
+// SubViewer header: bracketed field names with their values, several on a line with commas in between or one
+// on each, until a line begins with the digit of the first frame's time.
+
+#include <algorithm>
+#include <cstring>
+
+#include "markup/caption_text.h"
+#include "text/char_reader.h"
+#include "text/text_helpers.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+enum SubViewerField : int32_t {
+    E_SUB_FIELD_NONE = 0,
+    E_SUB_FIELD_INFORMATION = 1,
+    E_SUB_FIELD_TITLE = 2,
+    E_SUB_FIELD_AUTHOR = 3,
+    E_SUB_FIELD_SOURCE = 4,
+    E_SUB_FIELD_PRG = 5,
+    E_SUB_FIELD_FILEPATH = 6,
+    E_SUB_FIELD_DELAY = 7,
+    E_SUB_FIELD_CD_TRACK = 8,
+    E_SUB_FIELD_COMMENT = 9,
+    E_SUB_FIELD_END_INFORMATION = 10,
+    E_SUB_FIELD_SUBTITLE = 11,
+    E_SUB_FIELD_COLF = 12,
+    E_SUB_FIELD_STYLE = 13,
+    E_SUB_FIELD_SIZE = 14,
+    E_SUB_FIELD_FONT = 15,
+    E_SUB_FIELD_BR = 16,
+};
+
+struct SubViewerFieldRow {
+    const char *pszName; // without its brackets; nullptr marks the end row
+    SubViewerField eField;
+};
+
+constexpr SubViewerFieldRow SubViewerFieldTable[] = {
+    {"INFORMATION", E_SUB_FIELD_INFORMATION},
+    {"TITLE", E_SUB_FIELD_TITLE},
+    {"AUTHOR", E_SUB_FIELD_AUTHOR},
+    {"SOURCE", E_SUB_FIELD_SOURCE},
+    {"PRG", E_SUB_FIELD_PRG},
+    {"FILEPATH", E_SUB_FIELD_FILEPATH},
+    {"DELAY", E_SUB_FIELD_DELAY},
+    {"CD TRACK", E_SUB_FIELD_CD_TRACK},
+    {"COMMENT", E_SUB_FIELD_COMMENT},
+    {"END INFORMATION", E_SUB_FIELD_END_INFORMATION},
+    {"SUBTITLE", E_SUB_FIELD_SUBTITLE},
+    {"COLF", E_SUB_FIELD_COLF},
+    {"STYLE", E_SUB_FIELD_STYLE},
+    {"SIZE", E_SUB_FIELD_SIZE},
+    {"FONT", E_SUB_FIELD_FONT},
+    {"BR", E_SUB_FIELD_BR},
+    {nullptr, E_SUB_FIELD_NONE},
+};
+
+enum HeaderState : uint32_t {
+    E_SUB_HEADER_LINE,  // outside any field
+    E_SUB_HEADER_NAME,  // from a field's "[" to its "]"
+    E_SUB_HEADER_VALUE, // behind the "]"
+    E_SUB_HEADER_END,   // the first frame's first digit has been read
+};
+
+struct HeaderScan {
+    HeaderState eState;
+    SubViewerField eField; // field whose value is being read
+    bool bSubtitle;        // SUBTITLE, without which a file is no SubViewer file, has been seen
+};
+
+SubViewerField Find_Field(const uint16_t *pusName, uint32_t uiLen)
+{
+    const SubViewerFieldRow *pstRow = SubViewerFieldTable;
+    while (pstRow->pszName != nullptr &&
+           !(std::strlen(pstRow->pszName) == uiLen && std::equal(pusName, pusName + uiLen, pstRow->pszName)))
+        ++pstRow;
+    return pstRow->eField;
+}
+
+/** Look the collected name, brackets and all, up. @return whether a value follows. */
+bool Begin_Value(HeaderScan &stScan)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint16_t *const pusName = stTag.ausTagBuf + 1;
+    uint32_t uiLen = stTag.uiTagLength - 1;
+    if (uiLen > 0 && pusName[uiLen - 1] == ']') --uiLen; // a name that fills the buffer has lost it
+    if (uiLen == 0 || std::any_of(pusName, pusName + uiLen, [](uint16_t usUnit) { return usUnit > 0x7F; })) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] HeaderParser_SubViewer() - Failed to parse the caption field!\n",
+                            __LINE__);
+        return false;
+    }
+    stScan.eField = Find_Field(pusName, uiLen);
+    if (stScan.eField == E_SUB_FIELD_NONE) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] HeaderParser_SubViewer() - Unknown caption field!\n", __LINE__);
+        return false;
+    }
+    if (stScan.eField == E_SUB_FIELD_SUBTITLE) stScan.bSubtitle = true;
+    return true;
+}
+
+/** Store the collected value as a number; an empty one counts as 0. */
+void Store_Number(uint32_t &uiTarget)
+{
+    const uint16_t *const pusValue = s_pstTagControlInfo->ausTagBuf;
+    const uint16_t *const pusEnd = pusValue + s_pstTagControlInfo->uiTagLength;
+    uint32_t uiNumber = 0;
+    for (const uint16_t *pusUnit = pusValue; pusUnit < pusEnd; ++pusUnit) {
+        if (!Is_Digit(*pusUnit)) return;
+        uiNumber = uiNumber * 10 + (*pusUnit - '0');
+    }
+    uiTarget = uiNumber;
+}
+
+/** Store the collected value, "&H" and six hexadecimal digits, as the number that the digits spell. */
+void Store_Colour(uint32_t &uiTarget)
+{
+    constexpr uint32_t COLOUR_VALUE_UNITS = 8;
+    const uint16_t *const pusValue = s_pstTagControlInfo->ausTagBuf;
+    if (s_pstTagControlInfo->uiTagLength != COLOUR_VALUE_UNITS || pusValue[0] != '&' ||
+        To_Upper(pusValue[1]) != 'H')
+        return;
+    uint32_t uiNumber = 0;
+    for (uint32_t uiIndex = 2; uiIndex < COLOUR_VALUE_UNITS; ++uiIndex) {
+        const int32_t iDigit = Get_HexValue(pusValue[uiIndex]);
+        if (iDigit < 0) return;
+        uiNumber = (uiNumber << 4) | static_cast<uint32_t>(iDigit);
+    }
+    uiTarget = uiNumber;
+}
+
+/** Store the collected value as the font's name, cut to what the record holds. */
+void Store_FontName(SubViewerHeaderInfo &stHeader)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    stHeader.uiFontNameLength = std::min(stTag.uiTagLength, static_cast<uint32_t>(ZYR_SUBVIEWER_FONT_UNITS));
+    std::copy_n(stTag.ausTagBuf, stHeader.uiFontNameLength, stHeader.ausFontName);
+}
+
+void Store_Value(SubViewerField eField)
+{
+    SubViewerHeaderInfo &stHeader = pstQuibCaptionParserInfo->stSubViewerInfo;
+    switch (eField) {
+    case E_SUB_FIELD_DELAY: Store_Number(stHeader.uiDelay); break;
+    case E_SUB_FIELD_SIZE: Store_Number(stHeader.uiSize); break;
+    case E_SUB_FIELD_COLF: Store_Colour(stHeader.uiColf); break;
+    case E_SUB_FIELD_FONT: Store_FontName(stHeader); break;
+    default: break;
+    }
+}
+
+// One function per state. The collector's length also counts the characters of the line so far: a digit
+// begins the frames only where a line, or what follows a field's value, begins.
+
+HeaderState Step_Line(uint16_t usChar)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (Is_LineEnd(usChar)) {
+        stTag.uiTagLength = 0;
+    } else if (usChar == '[') {
+        stTag.uiTagLength = 0;
+        Collect_TagUnit(usChar, TAG_TEXT_UNITS);
+        return E_SUB_HEADER_NAME;
+    } else if (Is_Digit(usChar) && stTag.uiTagLength == 0) {
+        return E_SUB_HEADER_END;
+    } else {
+        ++stTag.uiTagLength;
+    }
+    return E_SUB_HEADER_LINE;
+}
+
+HeaderState Step_Name(HeaderScan &stScan, uint16_t usChar)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    Collect_TagUnit(usChar, TAG_TEXT_UNITS);
+    if (usChar == '[') stTag.uiTagLength = 1; // the name begins afresh behind this bracket
+    if (usChar != ']' && !Is_LineEnd(usChar)) return E_SUB_HEADER_NAME;
+    const bool bValue = usChar == ']' && Begin_Value(stScan);
+    stTag.uiTagLength = 0;
+    return bValue ? E_SUB_HEADER_VALUE : E_SUB_HEADER_LINE;
+}
+
+HeaderState Step_Value(const HeaderScan &stScan, uint16_t usChar)
+{
+    if (!Is_LineEnd(usChar) && usChar != ',') {
+        Collect_TagUnit(usChar, TAG_TEXT_UNITS);
+        return E_SUB_HEADER_VALUE;
+    }
+    Store_Value(stScan.eField);
+    s_pstTagControlInfo->uiTagLength = 0;
+    return E_SUB_HEADER_LINE;
+}
+
+HeaderState Step_Header(HeaderScan &stScan, uint16_t usChar)
+{
+    switch (stScan.eState) {
+    case E_SUB_HEADER_LINE: return Step_Line(usChar);
+    case E_SUB_HEADER_NAME: return Step_Name(stScan, usChar);
+    default: return Step_Value(stScan, usChar);
+    }
+}
+
+/** @return bytes of the frames' first digit, with dropped ones before it; 0 when the file ends without one.
+ */
+int32_t Scan_Header(void *hFile, HeaderScan &stScan)
+{
+    for (;;) {
+        uint16_t usChar = 0;
+        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
+        if (iResult <= 0) return 0;
+        stScan.eState = Step_Header(stScan, usChar);
+        if (stScan.eState == E_SUB_HEADER_END) return iResult;
+    }
+}
+
+} // namespace
+
+int32_t HeaderParser_SubViewer(void *hFile)
+{
+    if (!Is_HeaderReady()) return -1;
+    s_pstTagControlInfo->uiTagLength = 0;
+    HeaderScan stScan = {E_SUB_HEADER_LINE, E_SUB_FIELD_NONE, false};
+    const int32_t iDigitBytes = Scan_Header(hFile, stScan);
+    int64_t llFirstFramePos = -1;
+    if (iDigitBytes > 0) {
+        const int64_t llFilePos = QUIBCAPTCB_FileTell(hFile);
+        if (llFilePos < 0) {
+            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                                " [%d] HeaderParser_SubViewer() - File Tell Failed! (ERROR = %d)\n", __LINE__,
+                                static_cast<int32_t>(llFilePos));
+            return -1;
+        }
+        const CaptionStreamInfo &stStream = Get_StreamInfo();
+        llFirstFramePos = llFilePos - stStream.iStreamDataSize + stStream.iStreamBufIndex - iDigitBytes;
+    }
+    if (!stScan.bSubtitle) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] HeaderParser_SubViewer() - NO SUBTITLE field dectected!\n", __LINE__);
+        return -1;
+    }
+    pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos = llFirstFramePos;
+    pstQuibCaptionParserInfo->uiClassNums = 1;
+    return 1;
+}

@@ -1,0 +1,484 @@
+#include "lines/line_output.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstring>
+
+#include "record/parser_state.h"
+#include "text/byte_block.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+constexpr uint32_t TEXT_BYTES = ZYR_OUT_TEXT_BYTES - 2; // the text itself; two zero bytes follow
+constexpr uint32_t LAST_PAIR_POS = TEXT_BYTES - 2;      // the last place where two bytes fit
+constexpr uint16_t BLANK = 0x20;
+
+constexpr bool Is_Blank(uint32_t uiUnit)
+{
+    return uiUnit == BLANK || uiUnit == '\t';
+}
+
+/** Laying out the units of one call: the record, the stream's table and the line being filled. */
+struct LineWriter {
+    QuibCaptionParserInfo &stInfo;
+    CaptionLineTable &stTable;
+    uint32_t uiLine;   // line being filled
+    uint32_t uiLength; // its units
+
+    CaptionLine &Get_Line() { return stTable.astLine[uiLine]; }
+};
+
+/** Begin a line at the write position. */
+void Start_EmptyLine(LineWriter &stWriter)
+{
+    QuibCaptionParserInfo &stInfo = stWriter.stInfo;
+    stWriter.Get_Line().uiStart = stWriter.stTable.uiWritePos;
+    stWriter.Get_Line().uiWordUnits = 0;
+    stInfo.ucPrevBlank = 0;
+    stInfo.uiBreakLength = 0;
+    stInfo.uiWordUnits = 0;
+    stInfo.uiWordUnitsAtBreak = 0;
+}
+
+/** Keep track of blank runs and words as a unit is about to be stored. */
+void Note_Unit(LineWriter &stWriter, bool bBlank)
+{
+    QuibCaptionParserInfo &stInfo = stWriter.stInfo;
+    CaptionLineTable &stTable = stWriter.stTable;
+    if (!bBlank) {
+        if (stTable.uiInBlank != 0) stTable.uiWordStart = stWriter.uiLength;
+        stTable.uiInBlank = 0;
+        ++stWriter.Get_Line().uiWordUnits;
+        ++stInfo.uiWordUnits;
+    } else if (stTable.uiInBlank == 0) {
+        stTable.uiInBlank = 1;
+        stTable.uiWordStart = 0;
+        stInfo.uiWordUnitsAtBreak = stInfo.uiWordUnits;
+        stInfo.uiBreakLength = stWriter.uiLength;
+    }
+}
+
+/** Move the word at the end of the full line to a new line, without copying it. */
+void Wrap_Word(LineWriter &stWriter)
+{
+    const QuibCaptionParserInfo &stInfo = stWriter.stInfo;
+    CaptionLine &stOld = stWriter.Get_Line();
+    CaptionLine &stNew = stWriter.stTable.astLine[stWriter.uiLine + 1];
+    const uint32_t uiWordStart = stWriter.stTable.uiWordStart;
+    stNew.uiStart = stOld.uiStart + uiWordStart;
+    stNew.uiWordUnits = stOld.uiWordUnits - stInfo.uiWordUnitsAtBreak;
+    stOld.uiWordUnits = stInfo.uiWordUnitsAtBreak;
+    stInfo.puiLineLength[stWriter.uiLine] = stInfo.uiBreakLength;
+    stWriter.uiLength -= uiWordStart;
+}
+
+/** Cut a word that is longer than a line; the unit that did not fit begins the new line. */
+void Wrap_HardBreak(LineWriter &stWriter, bool bBlank)
+{
+    CaptionLine &stNew = stWriter.stTable.astLine[stWriter.uiLine + 1];
+    stNew.uiStart = stWriter.stTable.uiWritePos;
+    stNew.uiWordUnits = bBlank ? 0 : 1;
+    stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
+    stWriter.uiLength = 0;
+}
+
+/** Cut the full line at its trailing blanks. */
+void Wrap_AtBlanks(LineWriter &stWriter)
+{
+    CaptionLine &stNew = stWriter.stTable.astLine[stWriter.uiLine + 1];
+    stNew.uiStart = stWriter.stTable.uiWritePos;
+    stNew.uiWordUnits = 0;
+    stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.stInfo.uiBreakLength;
+    stWriter.uiLength = 0;
+}
+
+enum WrapResult : uint32_t {
+    E_WRAP_STORE, // the unit goes on the new line
+    E_WRAP_BLANK, // the line was cut at the blank that did not fit
+    E_WRAP_FULL,  // there is no further line
+};
+
+/** Begin a new line for a unit that did not fit on the current one. */
+WrapResult Wrap_Line(LineWriter &stWriter, bool bBlank)
+{
+    QuibCaptionParserInfo &stInfo = stWriter.stInfo;
+    if (stWriter.uiLine + 1 >= ZYR_LINE_MAX) {
+        stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
+        stInfo.uiLineIndex = stWriter.uiLine + 1;
+        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                            " QUIB_CAPTION][%d] Line Count is MAXIMUM COUNT!\n", __LINE__);
+        return E_WRAP_FULL;
+    }
+    const bool bBlankRun = stInfo.uiBreakLength != 0;
+    const bool bAtBlanks = bBlankRun && stInfo.uiWordUnitsAtBreak == stInfo.uiWordUnits;
+    if (bAtBlanks)
+        Wrap_AtBlanks(stWriter);
+    else if (bBlankRun)
+        Wrap_Word(stWriter);
+    else
+        Wrap_HardBreak(stWriter, bBlank);
+    ++stWriter.uiLine;
+    stInfo.ucPrevBlank = 0;
+    stInfo.uiBreakLength = 0;
+    stInfo.uiWordUnitsAtBreak = 0;
+    stInfo.uiWordUnits = stWriter.Get_Line().uiWordUnits;
+    return bAtBlanks ? E_WRAP_BLANK : E_WRAP_STORE;
+}
+
+/** Copy up to LINE_UNITS units, tabs as blanks. @return a bit for each unit: it is a blank. */
+uint64_t Copy_Text(uint16_t *pusTarget, const uint16_t *pusSource, uint32_t uiUnits)
+{
+    uint64_t ullBlanks = 0;
+    if (uiUnits < BLOCK_UNITS) {
+        for (uint32_t uiPos = 0; uiPos < uiUnits; ++uiPos) {
+            const bool bBlank = Is_Blank(pusSource[uiPos]);
+            pusTarget[uiPos] = bBlank ? BLANK : pusSource[uiPos];
+            ullBlanks |= uint64_t{bBlank} << uiPos;
+        }
+        return ullBlanks;
+    }
+    const uint32_t uiLast = uiUnits - BLOCK_UNITS; // the last block may overlap the one before
+    for (uint32_t uiPos = 0; uiPos < uiLast; uiPos += BLOCK_UNITS)
+        ullBlanks |= uint64_t{Copy_TextBlock(pusTarget + uiPos, pusSource + uiPos)} << uiPos;
+    return ullBlanks | uint64_t{Copy_TextBlock(pusTarget + uiLast, pusSource + uiLast)} << uiLast;
+}
+
+/** @return the bits below bit uiPos; uiPos is at most 64. */
+constexpr uint64_t Get_LowBits(uint32_t uiPos)
+{
+    return uiPos < 64 ? (uint64_t{1} << uiPos) - 1 : ~uint64_t{0};
+}
+
+uint32_t Get_LastBit(uint64_t ullBits)
+{
+    return 63 - static_cast<uint32_t>(std::countl_zero(ullBits));
+}
+
+uint32_t Count_Bits(uint64_t ullBits)
+{
+    return static_cast<uint32_t>(std::popcount(ullBits));
+}
+
+/** What Note_Unit() notes, for a run of units at once. Of several words and blank runs the last ones count.
+ */
+void Note_Run(LineWriter &stWriter, uint64_t ullBlanks, uint32_t uiUnits)
+{
+    QuibCaptionParserInfo &stInfo = stWriter.stInfo;
+    CaptionLineTable &stTable = stWriter.stTable;
+    const uint64_t ullBehindBlank = ullBlanks << 1 | stTable.uiInBlank;
+    const uint64_t ullBlankStarts = ullBlanks & ~ullBehindBlank;
+    const uint64_t ullWordStarts = ~ullBlanks & ullBehindBlank & Get_LowBits(uiUnits);
+    if (ullBlankStarts != 0) {
+        const uint32_t uiBreak = Get_LastBit(ullBlankStarts);
+        stInfo.uiBreakLength = stWriter.uiLength + uiBreak;
+        stInfo.uiWordUnitsAtBreak =
+            stInfo.uiWordUnits + uiBreak - Count_Bits(ullBlanks & Get_LowBits(uiBreak));
+    }
+    if (ullWordStarts > ullBlankStarts)
+        stTable.uiWordStart = stWriter.uiLength + Get_LastBit(ullWordStarts);
+    else if (ullBlankStarts != 0)
+        stTable.uiWordStart = 0;
+    stTable.uiInBlank = (ullBlanks & ~Get_LowBits(uiUnits - 1)) != 0 ? 1 : 0;
+    const uint32_t uiWordUnits = uiUnits - Count_Bits(ullBlanks);
+    stWriter.Get_Line().uiWordUnits += uiWordUnits;
+    stInfo.uiWordUnits += uiWordUnits;
+}
+
+/** Store the units that fit on the line. @return the first unit not stored. */
+const uint16_t *Store_Run(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
+{
+    CaptionLineTable &stTable = stWriter.stTable;
+    const uint32_t uiLineRoom = LINE_UNITS - stWriter.uiLength;
+    const uint32_t uiBufRoom = TEXT_BUF_UNITS - stTable.uiWritePos;
+    const uint32_t uiUnits = std::min({static_cast<uint32_t>(pusEnd - pusUnit), uiLineRoom, uiBufRoom});
+    Note_Run(stWriter, Copy_Text(stTable.pusTextBuf + stTable.uiWritePos, pusUnit, uiUnits), uiUnits);
+    stTable.uiWritePos += uiUnits;
+    stWriter.uiLength += uiUnits;
+    return pusUnit + uiUnits;
+}
+
+/** Store a unit that has been noted. */
+void Store_Unit(LineWriter &stWriter, uint16_t usUnit)
+{
+    CaptionLineTable &stTable = stWriter.stTable;
+    stTable.pusTextBuf[stTable.uiWritePos++] = usUnit;
+    ++stWriter.uiLength;
+}
+
+/** Lay the units out until there are no more, or the frame is full. */
+void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
+{
+    const CaptionLineTable &stTable = stWriter.stTable;
+    while (pusUnit < pusEnd) {
+        if (stWriter.uiLength < LINE_UNITS && stTable.uiWritePos < TEXT_BUF_UNITS) {
+            pusUnit = Store_Run(stWriter, pusUnit, pusEnd);
+            continue;
+        }
+        const bool bBlank = Is_Blank(*pusUnit);
+        Note_Unit(stWriter, bBlank);
+        if (stWriter.uiLength >= LINE_UNITS) {
+            const WrapResult eResult = Wrap_Line(stWriter, bBlank);
+            if (eResult == E_WRAP_FULL) return;
+            if (eResult == E_WRAP_BLANK) {
+                // Blanks behind the cut go; a tab begins the new line.
+                while (pusUnit < pusEnd && *pusUnit == BLANK) ++pusUnit;
+                continue;
+            }
+        }
+        if (stTable.uiWritePos >= TEXT_BUF_UNITS) break;
+        Store_Unit(stWriter, bBlank ? BLANK : *pusUnit);
+        ++pusUnit;
+    }
+    stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
+    stWriter.stInfo.uiLineIndex = stWriter.uiLine;
+}
+
+/** How a line went into the output text. */
+enum AppendResult : uint32_t { E_APPEND_DONE, E_APPEND_STOP };
+
+void Put_Byte(QuibCaptionParserInfo &stInfo, uint32_t uiByte)
+{
+    stInfo.aucOutText[stInfo.uiOutTextLength++] = static_cast<uint8_t>(uiByte);
+}
+
+/** Write units to the output text from uiLength on, as far as there is room for two bytes. @return its new
+ * length. */
+uint32_t Put_AnsiUnits(uint8_t *pucText, uint32_t uiLength, const uint16_t *pusUnits, uint32_t uiUnits)
+{
+    for (uint32_t uiPos = 0; uiPos < uiUnits && uiLength <= LAST_PAIR_POS;) {
+        const uint32_t uiUnit = pusUnits[uiPos];
+        const bool bBlock = uiUnit < 0x80 && uiUnits - uiPos >= BLOCK_UNITS &&
+                            LAST_PAIR_POS - uiLength >= BLOCK_UNITS && pusUnits[uiPos + 1] < 0x80;
+        if (bBlock && Narrow_Block(pucText + uiLength, pusUnits + uiPos)) {
+            uiPos += BLOCK_UNITS;
+            uiLength += BLOCK_UNITS;
+            continue;
+        }
+        if (uiUnit >= 0x80)
+            pucText[uiLength++] = static_cast<uint8_t>(uiUnit >> 8); // double-byte, or a high single byte
+        pucText[uiLength++] = static_cast<uint8_t>(uiUnit);
+        ++uiPos;
+    }
+    return uiLength;
+}
+
+AppendResult Append_AnsiLine(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits,
+                             bool bMerged)
+{
+    if (stInfo.uiOutTextLength > 0) {
+        if (stInfo.uiOutTextLength > LAST_PAIR_POS) {
+            if (bMerged)
+                __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG, "TextLength:%d", stInfo.uiOutTextLength);
+            return E_APPEND_STOP;
+        }
+        Put_Byte(stInfo, '\n');
+    }
+    stInfo.uiOutTextLength = Put_AnsiUnits(stInfo.aucOutText, stInfo.uiOutTextLength, pusUnits, uiUnits);
+    return E_APPEND_DONE;
+}
+
+AppendResult Append_Utf16Line(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits)
+{
+    if (stInfo.uiOutTextLength > 0) {
+        if (stInfo.uiOutTextLength > LAST_PAIR_POS - 2) return E_APPEND_STOP;
+        Put_Byte(stInfo, '\n');
+        Put_Byte(stInfo, 0);
+    }
+    if (stInfo.uiOutTextLength + 2 * uiUnits > TEXT_BYTES) return E_APPEND_STOP;
+    std::memcpy(stInfo.aucOutText + stInfo.uiOutTextLength, pusUnits, size_t{2} * uiUnits);
+    stInfo.uiOutTextLength += 2 * uiUnits;
+    return E_APPEND_DONE;
+}
+
+AppendResult Append_Utf8Line(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits)
+{
+    if (stInfo.uiOutTextLength > 0) {
+        if (stInfo.uiOutTextLength + 1 > TEXT_BYTES) return E_APPEND_STOP;
+        Put_Byte(stInfo, '\n');
+    }
+    if (stInfo.uiOutTextLength + 2 * uiUnits > TEXT_BYTES) return E_APPEND_STOP;
+    uint8_t *const pucTarget = stInfo.aucOutText + stInfo.uiOutTextLength;
+    const int32_t iRoom = static_cast<int32_t>(TEXT_BYTES - stInfo.uiOutTextLength);
+    const int32_t iBytes = _UnicodeToUTF8(pusUnits, static_cast<int32_t>(uiUnits), pucTarget, iRoom);
+    if (iBytes == 0) std::memset(pucTarget, 0, static_cast<size_t>(iRoom));
+    stInfo.uiOutTextLength += static_cast<uint32_t>(iBytes);
+    return E_APPEND_DONE;
+}
+
+/** Put one line behind the output text. */
+AppendResult Append_Line(const CaptionLineTable &stTable, uint32_t uiLine, bool bMerged)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const uint16_t *const pusUnits = stTable.pusTextBuf + stTable.astLine[uiLine].uiStart;
+    const uint32_t uiUnits = stTable.astLine[uiLine].uiLength;
+    AppendResult eResult = E_APPEND_DONE;
+    switch (stInfo.uiOutputTextCharacterSet) {
+    case E_OUTPUT_CHARSET_ANSI: eResult = Append_AnsiLine(stInfo, pusUnits, uiUnits, bMerged); break;
+    case E_OUTPUT_CHARSET_UTF16: eResult = Append_Utf16Line(stInfo, pusUnits, uiUnits); break;
+    default: eResult = Append_Utf8Line(stInfo, pusUnits, uiUnits); break;
+    }
+    if (eResult == E_APPEND_DONE) ++stInfo.uiOutLineNums;
+    return eResult;
+}
+
+void Append_StreamLines(uint32_t uiStream)
+{
+    const CaptionLineTable &stTable = s_astLineTable[uiStream];
+    const uint32_t uiLines = stTable.pusTextBuf == nullptr ? 0 : stTable.uiLineNums;
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG, "iCount:%d, uiDispLineNums:%d", uiStream, uiLines);
+    for (uint32_t uiLine = 0; uiLine < uiLines; ++uiLine) {
+        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG, "iLineCount:%d, uiDispLineNums:%d", uiLine,
+                            uiLines);
+        if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, true) == E_APPEND_STOP)
+            return;
+    }
+}
+
+/** The time in which all frames of the streams are shown. */
+void Merge_Times()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    bool bFirst = true;
+    stInfo.iOutStartPTS = 0;
+    stInfo.iOutEndPTS = NO_NEXT_PTS;
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {
+        const CaptionStreamState &stState = stInfo.astStreamState[uiStream];
+        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG, "GetFramePTS[%d]:%d, %d", uiStream,
+                            stState.iStartPTS, stState.iEndPTS);
+        if (stState.iEndPTS <= 0) continue;
+        if (bFirst || stState.iStartPTS > stInfo.iOutStartPTS) stInfo.iOutStartPTS = stState.iStartPTS;
+        if (bFirst || stState.iEndPTS < stInfo.iOutEndPTS) stInfo.iOutEndPTS = stState.iEndPTS;
+        bFirst = false;
+    }
+}
+
+} // namespace
+
+void Lay_Out_Text()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const uint32_t uiUnits = stInfo.uiConvLength < CONV_BUF_UNITS ? stInfo.uiConvLength : CONV_BUF_UNITS;
+    stInfo.uiConvLength = 0;
+    if (uiUnits == 0 || stInfo.uiLineIndex >= ZYR_LINE_MAX) return;
+
+    LineWriter stWriter = {stInfo, s_astLineTable[stInfo.uiCurrStream], stInfo.uiLineIndex,
+                           stInfo.puiLineLength[stInfo.uiLineIndex]};
+    const uint16_t *pusUnit = stInfo.pusConvBuf;
+    const uint16_t *const pusEnd = pusUnit + uiUnits;
+    if (stWriter.uiLength == 0) {
+        while (pusUnit < pusEnd && *pusUnit == BLANK) ++pusUnit;
+        Start_EmptyLine(stWriter);
+    }
+    Lay_Out(stWriter, pusUnit, pusEnd);
+}
+
+void Convert_CaptionStringToBitmap(void)
+{
+    if (Is_StreamReady()) Lay_Out_Text();
+}
+
+void Break_OutputLine()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.uiLineIndex >= s_uiMaxLineNums) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Line Count (%d) is more than %d!\n",
+                            __LINE__, stInfo.uiLineIndex, s_uiMaxLineNums);
+        return;
+    }
+    uint32_t &uiLength = stInfo.puiLineLength[stInfo.uiLineIndex];
+    if (uiLength == 0) return;
+    if (stInfo.uiWordUnits == 0) {
+        CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+        stTable.uiWritePos =
+            stTable.astLine[stInfo.uiLineIndex].uiStart; // only blanks: their room is free again
+        uiLength = 0;
+    } else {
+        if (stInfo.uiBreakLength != 0 && stInfo.uiWordUnits == stInfo.uiWordUnitsAtBreak)
+            uiLength = stInfo.uiBreakLength;
+        ++stInfo.uiLineIndex;
+    }
+    stInfo.ucPrevBlank = 0;
+    stInfo.uiBreakLength = 0;
+    stInfo.uiWordUnits = 0;
+}
+
+void Close_LastLine()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.uiLineIndex >= s_uiMaxLineNums) return;
+    uint32_t &uiLength = stInfo.puiLineLength[stInfo.uiLineIndex];
+    if (stInfo.uiWordUnits == stInfo.uiWordUnitsAtBreak) uiLength = stInfo.uiBreakLength;
+    if (uiLength != 0) ++stInfo.uiLineIndex;
+}
+
+void Finish_CaptionLines(uint32_t uiStream)
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    CaptionLineTable &stTable = s_astLineTable[uiStream];
+    uint32_t uiLines =
+        stInfo.uiLineIndex < ZYR_LINE_MAX ? stInfo.uiLineIndex : static_cast<uint32_t>(ZYR_LINE_MAX);
+    if (uiLines > 0 && stInfo.puiLineLength[uiLines - 1] != 0 &&
+        stTable.astLine[uiLines - 1].uiWordUnits == 0)
+        --uiLines;
+    stTable.uiLineNums = uiLines;
+    for (uint32_t uiLine = 0; uiLine < ZYR_LINE_MAX; ++uiLine)
+        stTable.astLine[uiLine].uiLength = stInfo.puiLineLength[uiLine];
+}
+
+void Clear_OutputBlock()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    // Only the last text and the byte or two behind it can be other than zero.
+    std::memset(stInfo.aucOutText, 0,
+                stInfo.uiOutTextLength < TEXT_BYTES ? stInfo.uiOutTextLength : TEXT_BYTES);
+    stInfo.iOutStartPTS = 0;
+    stInfo.iOutEndPTS = 0;
+    stInfo.uiOutLineNums = 0;
+    stInfo.uiOutTextLength = 0;
+}
+
+void Clear_LineTable(uint32_t uiStream)
+{
+    CaptionLineTable &stTable = s_astLineTable[uiStream];
+    stTable.uiWritePos = 0;
+    stTable.uiWordStart = 0;
+    stTable.uiInBlank = 0;
+    stTable.uiLineNums = 0;
+    for (CaptionLine &stLine : stTable.astLine) {
+        stLine.uiStart = 0;
+        stLine.uiWordUnits = 0;
+    }
+}
+
+void Show_StreamLines()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    Clear_OutputBlock();
+    stInfo.uiOutStreamIndex = stInfo.uiCurrStream;
+    stInfo.iOutStartPTS = stInfo.astStreamState[stInfo.uiCurrStream].iStartPTS;
+    stInfo.iOutEndPTS = stInfo.astStreamState[stInfo.uiCurrStream].iEndPTS;
+    Finish_CaptionLines(stInfo.uiCurrStream);
+    const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine)
+        if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
+            return;
+}
+
+void Display_LineBitmapDataToDisplayBuffer(void)
+{
+    if (Is_StreamReady()) Show_StreamLines();
+}
+
+void Display_LineBitmapDataToDisplayBufferEx(void)
+{
+    if (pstQuibCaptionParserInfo == nullptr) return;
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    Clear_OutputBlock();
+    Merge_Times();
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums && uiStream < ZYR_STREAM_MAX; ++uiStream)
+        Append_StreamLines(uiStream);
+    stInfo.uiOutTextLength += 2; // the two closing zero bytes are counted here
+}

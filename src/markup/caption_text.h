@@ -1,0 +1,128 @@
+/*
+ * What the formats share on the way from characters to output lines: the convert buffer, blank folding, the
+ * tags and entities of markup text, the pattern that ends an entry.
+ */
+#pragma once
+
+#include <cstdint>
+
+#include "lines/line_output.h"
+#include "record/parser_state.h"
+#include "text/text_run.h"
+
+/** Put a unit into the convert buffer, and hand the text over when only one more would fit. */
+inline void Append_Unit(uint16_t usUnit)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.pusConvBuf[stInfo.uiConvLength++] = usUnit;
+    if (stInfo.uiConvLength + 1 >= s_uiConvBufSize) Lay_Out_Text();
+}
+
+/** Put units into the convert buffer as they are: blanks are not folded again. */
+void Append_Units(const uint16_t *pusUnits, uint32_t uiNums);
+
+/** Put the blank of a run of blanks and tabs into the convert buffer: the first one counts. */
+inline void Append_FoldedBlank()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.ucPrevBlank != 0) return;
+    Append_Unit(0x20);
+    stInfo.ucPrevBlank = 1;
+}
+
+/** Put the plain units that the read buffer holds into the convert buffer. */
+template <StopUnits STOPS>
+void Append_PlainRun()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    while (stInfo.uiConvLength + 1 < s_uiConvBufSize && !Is_StopAhead<STOPS>()) {
+        const uint32_t uiRoom = s_uiConvBufSize - 1 - stInfo.uiConvLength;
+        const PlainRun stRun =
+            Take_PlainRun<STOPS>(stInfo.pusConvBuf + stInfo.uiConvLength, uiRoom, stInfo.ucPrevBlank != 0);
+        if (stRun.uiUnits == 0) return;
+        stInfo.uiConvLength += stRun.uiUnits;
+        if (stRun.uiUnits == uiRoom) Lay_Out_Text();
+        stInfo.ucPrevBlank = stRun.bLastBlank ? 1 : 0;
+        if (stRun.uiUnits < uiRoom) return;
+    }
+}
+
+/** Put a unit into the tag buffer while it is not full. */
+inline void Collect_TagUnit(uint16_t usUnit, uint32_t uiMax)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength < uiMax) stTag.ausTagBuf[stTag.uiTagLength++] = usUnit;
+}
+
+/** Put the plain units that the read buffer holds into the tag buffer, as far as they fit. */
+template <StopUnits STOPS>
+inline void Collect_TagRun()
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    stTag.uiTagLength +=
+        Take_PlainRun<STOPS>(stTag.ausTagBuf + stTag.uiTagLength, TAG_TEXT_UNITS - stTag.uiTagLength, false)
+            .uiUnits;
+}
+
+/** Where markup text stands. */
+enum MarkupState : uint32_t { E_MARKUP_TEXT, E_MARKUP_TAG, E_MARKUP_ENTITY };
+
+/** What a unit led to. */
+struct MarkupStep {
+    MarkupState eNext;
+    bool bAgain; // the next state sees the unit again
+};
+
+/** Hand the text so far over, so that it keeps its style, and begin a tag or an entity with its first unit.
+ */
+void Begin_Markup(uint16_t usFirst);
+
+/**
+ * One unit of markup text. STOPS must hold every unit that is neither text nor markup in the format, such as
+ * its line ends; those are dropped.
+ */
+template <StopUnits STOPS>
+inline MarkupState Step_MarkupText(uint16_t usChar)
+{
+    if (usChar == ' ' || usChar == '\t') {
+        Append_FoldedBlank();
+        return E_MARKUP_TEXT;
+    }
+    pstQuibCaptionParserInfo->ucPrevBlank = 0;
+    if (usChar == '<' || usChar == '&') {
+        Begin_Markup(usChar);
+        return usChar == '<' ? E_MARKUP_TAG : E_MARKUP_ENTITY;
+    }
+    if (!STOPS.Holds(usChar)) Append_Unit(usChar);
+    return E_MARKUP_TEXT;
+}
+
+/** One more unit of a tag. @param[in] pszParser  name of the frame parser, for the log */
+MarkupStep Step_Tag(uint16_t usChar, const char *pszParser);
+
+/** One more unit of an entity. */
+MarkupStep Step_Entity(uint16_t usChar);
+
+/** Hand the rest of a frame's text over and close its last line. */
+void Complete_FrameText();
+
+/** Units of the pattern CR LF CR LF, an empty line, that ends an entry. */
+constexpr uint32_t ENTRY_END_UNITS = 4;
+
+/** @return whether a unit is the next one of the pattern, uiMatched of which have been seen. */
+constexpr bool Matches_EntryEnd(uint32_t uiMatched, uint16_t usChar)
+{
+    return usChar == (uiMatched % 2 == 0 ? '\r' : '\n');
+}
+
+/** Take the units of the pattern that the read buffer holds, uiMatched of which have been seen. @return units
+ * seen now. */
+inline uint32_t Take_EntryEnd(uint32_t uiMatched)
+{
+    Take_AsciiUnits([&uiMatched](uint8_t ucUnit) {
+        if (uiMatched == ENTRY_END_UNITS || !Matches_EntryEnd(uiMatched, ucUnit)) return false;
+        ++uiMatched;
+        return true;
+    });
+    return uiMatched;
+}

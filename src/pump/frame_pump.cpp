@@ -1,0 +1,319 @@
+#include "pump/frame_pump.h"
+
+#include <cstring>
+
+#include "lines/line_output.h"
+#include "pump/parser_table.h"
+#include "record/host_callbacks.h"
+#include "record/parser_state.h"
+#include "text/char_reader.h"
+#include "zyr_base.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+constexpr int32_t FRAME_READY = 2;
+constexpr int32_t NO_FRAME = -2;
+constexpr int32_t PARSED_FRAME = 1;
+constexpr int32_t PARSED_LAST_FRAME = -6;
+
+constexpr uint32_t CONV_BUF_BYTES = CONV_BUF_UNITS * sizeof(uint16_t);
+constexpr uint32_t LINE_LENGTH_BYTES = ZYR_LINE_MAX * sizeof(uint32_t);
+
+template <typename Type>
+Type *Allocate(uint32_t uiBytes)
+{
+    return static_cast<Type *>(ZYR_malloc(uiBytes));
+}
+
+void Free_And_Clear(void *pvBlock)
+{
+    if (pvBlock != nullptr) ZYR_free(pvBlock);
+}
+
+void Log_NoConvertBuffer()
+{
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                        " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Convert Buffer Memory allocation Error!\n",
+                        __LINE__);
+}
+
+void Log_ParsingFailed()
+{
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                        " QUIB_CAPTION][%d] Failed in caption file parsing!\n", __LINE__);
+}
+
+void Reset_FrameStyle()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.uiLineIndex = 0;
+    stInfo.uiDisplayMode = 0;
+    stInfo.uiFontSize = s_uiFontHeight;
+    stInfo.usFontColor = static_cast<uint16_t>(s_uiFontColor);
+    stInfo.usOutlineColor = 0;
+    stInfo.uiHighlight = 0;
+    stInfo.ucPrevBlank = 0;
+    stInfo.uiConvLength = 0;
+    stInfo.uiBreakLength = 0;
+    stInfo.uiWordUnits = 0;
+    stInfo.uiWordUnitsAtBreak = 0;
+    std::memset(stInfo.puiLineLength, 0, LINE_LENGTH_BYTES);
+    stInfo.uiCurrStream = 0;
+}
+
+/** SAMI: choose the stream whose next frame is earliest; the first one on equal times, or when none has a
+ * frame. */
+void Choose_EarliestStream()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.iNextPTS = NO_NEXT_PTS;
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {
+        const uint32_t uiClass = stInfo.astStreamState[uiStream].uiClassIndex;
+        const int32_t iPTS = CAPTIONPARS_SAMI_GetNextFramePTS(uiClass);
+        if (iPTS == -2) {
+            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                                " QUIB_CAPTION][%d] Class index [%d] is inavlid !!\n", __LINE__, uiClass);
+        } else if (iPTS < 0 && iPTS != -3) {
+            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                                " QUIB_CAPTION][%d] CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n", __LINE__);
+        } else if (iPTS >= 0 && iPTS < stInfo.iNextPTS) {
+            stInfo.iNextPTS = iPTS;
+            stInfo.uiCurrStream = uiStream;
+        }
+    }
+}
+
+void Load_Stream(uint32_t uiStream)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const CaptionStreamState &stState = stInfo.astStreamState[uiStream];
+    stInfo.llStartFilePos = stState.llStartFilePos;
+    stInfo.llCurrFilePos = stState.llCurrFilePos;
+    stInfo.iCurrPTS = stState.iCurrPTS;
+    stInfo.uiCurrClass = stState.uiClassIndex;
+}
+
+/** Prepare_CaptionFrame() without taking the chosen stream's last lines away. */
+void Prepare_Keeping_Lines()
+{
+    Reset_FrameStyle();
+    if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI) Choose_EarliestStream();
+    Load_Stream(pstQuibCaptionParserInfo->uiCurrStream);
+    Clear_OutputBlock();
+}
+
+void Copy_Back()
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    CaptionStreamState &stState = pstQuibCaptionParserInfo->astStreamState[stInfo.uiCurrStream];
+    stState.iCurrPTS = stInfo.iCurrPTS;
+    stState.llCurrFilePos = stInfo.llCurrFilePos;
+    stState.iStartPTS = stInfo.iStartPTS;
+    stState.iEndPTS = stInfo.iEndPTS;
+}
+
+bool Is_Frame(int32_t iResult)
+{
+    return iResult == PARSED_FRAME || iResult == PARSED_LAST_FRAME;
+}
+
+/** @return whether the current stream failed because it has no more frames; the parsers have said so already.
+ */
+bool Is_AtEnd()
+{
+    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && s_stCaptionFrameList.uiCurrNode == Get_TailNode())
+        return true; // also in a file without lines: like the other formats, it is at its end at once
+    return Get_StreamInfo().iStreamDataSize == NO_CAPTION_DATA;
+}
+
+/** @return the open format's parsers; NULL when nothing is open, or (logged) without a frame parser. */
+const CaptionParser *Get_FrameParser()
+{
+    if (pstQuibCaptionParserInfo == nullptr || s_eCaptionFormat >= E_CAPTION_FORMAT_NONE) return nullptr;
+    const CaptionParser *const pstParser = &CaptionParserTable[s_eCaptionFormat];
+    if (pstParser->pfFrameParser != nullptr) return pstParser;
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                        " QUIB_CAPTION][%d] It does not exist the frame parser!\n", __LINE__);
+    return nullptr;
+}
+
+/** Run the frame parser for one of several frames. @return whether there is a frame; a failure is logged. */
+bool Parse_OneOfSeveral(const CaptionParser *pstParser)
+{
+    if (Is_Frame(pstParser->pfFrameParser())) return true;
+    if (!Is_AtEnd()) Log_ParsingFailed();
+    return false;
+}
+
+/** Seek one stream. @return whether it worked; a missing seek function leaves the stream where it is. */
+bool Seek_Stream(uint32_t uiStream, uint32_t uiTargetMs)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    CaptionStreamState &stState = stInfo.astStreamState[uiStream];
+    stInfo.uiCurrStream = uiStream; // whose read buffer the seek repositions
+    Load_Stream(uiStream);
+    const auto pfSeek = CaptionParserTable[s_eCaptionFormat].pfSeek;
+    if (pfSeek == nullptr) {
+        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                            "[Caption][%d] QUIB_CAPTION_SeekCaptionFrame() - It is NOT a seek function!\n",
+                            __LINE__);
+        return true;
+    }
+    const uint32_t bBackward = static_cast<uint32_t>(stState.iCurrPTS) >= uiTargetMs ? 1 : 0;
+    if (pfSeek(uiTargetMs, bBackward, stState.iCurrPTS, &stInfo) != 1) {
+        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                            "[Caption][%d] QUIB_CAPTION_SeekCaptionFrame() is failed!\n", __LINE__);
+        return false;
+    }
+    stState.iCurrPTS = stInfo.iCurrPTS;
+    stState.llCurrFilePos = stInfo.llCurrFilePos;
+    stState.iStartPTS = 0;
+    stState.iEndPTS = 0;
+    return true;
+}
+
+} // namespace
+
+int32_t QUIB_CAPTION_Open(void)
+{
+    if (pstQuibCaptionParserInfo != nullptr) {
+        QUIB_CAPTION_Close();
+        Close_SubtitleFile();
+        s_eCaptionFormat = E_CAPTION_FORMAT_NONE;
+    }
+    QuibCaptionParserInfo *const pstInfo = Allocate<QuibCaptionParserInfo>(sizeof(QuibCaptionParserInfo));
+    pstQuibCaptionParserInfo = pstInfo;
+    if (pstInfo == nullptr) {
+        Log_NoConvertBuffer();
+        return -1;
+    }
+    std::memset(pstInfo, 0, sizeof(*pstInfo));
+    pstInfo->pusConvBuf = Allocate<uint16_t>(CONV_BUF_BYTES);
+    if (pstInfo->pusConvBuf != nullptr) pstInfo->puiLineLength = Allocate<uint32_t>(LINE_LENGTH_BYTES);
+    if (pstInfo->puiLineLength == nullptr) {
+        Log_NoConvertBuffer();
+        return -1;
+    }
+    std::memset(pstInfo->puiLineLength, 0, LINE_LENGTH_BYTES);
+    pstInfo->astStreamInfo[0].pucStreamBuf = Allocate<uint8_t>(STREAM_BUF_BYTES);
+    if (pstInfo->astStreamInfo[0].pucStreamBuf == nullptr) {
+        __android_log_print(
+            ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+            " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n", __LINE__);
+        return -1;
+    }
+    if (QuibCaptionParser_Create_MemoryBuffers(CONV_BUF_UNITS, ZYR_LINE_MAX, STREAM_BUF_BYTES) != 1)
+        return -1;
+    std::memset(s_astLineTable, 0, sizeof(s_astLineTable));
+    Forget_StreamBuffers();
+    return 1;
+}
+
+void QUIB_CAPTION_Close(void)
+{
+    QuibCaptionParserInfo *const pstInfo = pstQuibCaptionParserInfo;
+    if (pstInfo != nullptr) {
+        Free_And_Clear(pstInfo->pusConvBuf);
+        Free_And_Clear(pstInfo->puiLineLength);
+        for (CaptionStreamInfo &stStream : pstInfo->astStreamInfo) Free_And_Clear(stStream.pucStreamBuf);
+        QuibCaptionParser_Destroy_SSA_MemoryBuffers();
+        pstQuibCaptionParserInfo = nullptr;
+        ZYR_free(pstInfo);
+    }
+    QuibCaptionParser_Destroy_MemoryBuffers();
+    for (CaptionLineTable &stTable : s_astLineTable) {
+        Free_And_Clear(stTable.pusTextBuf);
+        stTable.pusTextBuf = nullptr;
+    }
+    Forget_StreamBuffers();
+}
+
+void Prepare_CaptionFrame()
+{
+    Prepare_Keeping_Lines();
+    Clear_LineTable(pstQuibCaptionParserInfo->uiCurrStream);
+}
+
+int32_t QUIB_CAPTION_ParsingProcess(void)
+{
+    const CaptionParser *const pstParser = Get_FrameParser();
+    if (pstParser == nullptr || pstQuibCaptionParserInfo->uiStreamNums == 0) return NO_FRAME;
+    Prepare_CaptionFrame();
+    if (Is_Frame(pstParser->pfFrameParser())) {
+        Copy_Back();
+        Show_StreamLines();
+        return FRAME_READY;
+    }
+    if (Get_StreamInfo().iStreamDataSize >= 0 && !Is_AtEnd()) Log_ParsingFailed();
+    return NO_FRAME;
+}
+
+int32_t QUIB_CAPTION_ParsingProcessEx(void)
+{
+    const CaptionParser *const pstParser = Get_FrameParser();
+    if (pstParser == nullptr) return NO_FRAME;
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.uiStreamNums == 0) {
+        Log_ParsingFailed();
+        return NO_FRAME;
+    }
+    int32_t iBestPTS = NO_NEXT_PTS;
+    uint32_t uiPrevStream = ZYR_STREAM_MAX;
+    for (uint32_t uiFrames = 0; uiFrames < stInfo.uiStreamNums; ++uiFrames) {
+        Prepare_Keeping_Lines();
+        if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI) {
+            if (stInfo.iNextPTS > iBestPTS) break; // the other streams' frames come later
+            iBestPTS = stInfo.iNextPTS;
+        }
+        if (stInfo.uiCurrStream == uiPrevStream) break;
+        Clear_LineTable(stInfo.uiCurrStream);
+        if (!Parse_OneOfSeveral(pstParser)) {
+            if (uiFrames > 0)
+                Display_LineBitmapDataToDisplayBufferEx();
+            else if (!Is_AtEnd())
+                Log_ParsingFailed();
+            return NO_FRAME;
+        }
+        Finish_CaptionLines(stInfo.uiCurrStream);
+        Copy_Back();
+        uiPrevStream = stInfo.uiCurrStream;
+    }
+    Display_LineBitmapDataToDisplayBufferEx();
+    return FRAME_READY;
+}
+
+int32_t QUIB_CAPTION_PreParsingProcessEx(int32_t iTargetMs)
+{
+    const CaptionParser *const pstParser = Get_FrameParser();
+    if (pstParser == nullptr) return NO_FRAME;
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    uint32_t uiPrevStream = ZYR_STREAM_MAX;
+    for (uint32_t uiFrames = 0; uiFrames < stInfo.uiStreamNums; ++uiFrames) {
+        Prepare_CaptionFrame();
+        if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI && stInfo.iNextPTS >= iTargetMs) break;
+        if (stInfo.uiCurrStream == uiPrevStream) break;
+        if (!Parse_OneOfSeveral(pstParser)) return NO_FRAME;
+        Finish_CaptionLines(stInfo.uiCurrStream);
+        Copy_Back();
+        uiPrevStream = stInfo.uiCurrStream;
+    }
+    return FRAME_READY;
+}
+
+int32_t QUIB_CAPTION_SeekCaptionFrame(uint32_t uiTargetMs)
+{
+    if (pstQuibCaptionParserInfo == nullptr || s_eCaptionFormat >= E_CAPTION_FORMAT_NONE) return 1;
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.uiCurrStream = 0;
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream)
+        if (!Seek_Stream(uiStream, uiTargetMs)) return -1;
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream)
+        s_astLineTable[uiStream].uiLineNums = 0;
+    if (s_eCaptionFormat != E_CAPTION_FORMAT_SAMI) return 1;
+    if (QUIB_CAPTION_PreParsingProcessEx(static_cast<int32_t>(uiTargetMs)) == FRAME_READY) return 1;
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                        " [CAPTION][%d] QUIB_CAPTION_PreParsingProcessEx() Failed!\n", __LINE__);
+    return -1;
+}

@@ -1,0 +1,66 @@
+/*
+ * Reading the subtitle file, character by character or a run of plain characters at a time.
+ *
+ * The reader works on the read buffer of the current stream. Parsers use Get_CharCode() for every character
+ * they must look at, and Take_PlainRun() / Skip_PlainRun() (text/text_run.h) for the stretches in between.
+ */
+#pragma once
+
+#include <cstdint>
+
+#include "record/parser_state.h"
+
+/** The part of Get_CharCode() that refills the buffer and decodes characters of several bytes. */
+int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode);
+
+/**
+ * Read one character.
+ *
+ * @param[out] pusChar   the character, as one 16-bit unit
+ * @param[in]  iRawMode  1: double-byte characters are passed over and given as 0xFFFF
+ * @return bytes taken from the file, passed-over ones included; 0 at its end; negative on a failed read, and
+ *         NO_CAPTION_DATA once the stream is marked as exhausted
+ */
+inline int32_t Get_CharCode(void *hFile, uint16_t *pusChar, int32_t iRawMode)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (stInfo.iStreamBufIndex < stInfo.iStreamDataSize &&
+        (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE) > 1u) { // neither of the two UTF-16 encodings
+        const uint8_t ucByte = stInfo.pucStreamBuf[stInfo.iStreamBufIndex];
+        if (ucByte < 0x80) {
+            ++stInfo.iStreamBufIndex;
+            *pusChar = ucByte;
+            return 1;
+        }
+    }
+    return Get_DecodedChar(hFile, pusChar, iRawMode);
+}
+
+/** @return file position of the next character, bytes. */
+int64_t Get_ReadPosition(void *hFile);
+
+/** How much of the file the next refill is likely to need. */
+enum ReadAhead : uint32_t {
+    E_READ_AHEAD_FULL,  // the text behind the position will be read on
+    E_READ_AHEAD_SHORT, // a jump: one frame is wanted
+};
+
+/**
+ * Move the reader of the current stream, which also takes an end-of-data mark away. When the buffer still
+ * holds the position, it is used as it is.
+ *
+ * @return the position reached, or a negative value when the file could not be moved
+ */
+int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead);
+
+/** Refill the current stream's buffer. @return bytes read, 0 at the end of the file, negative on an error. */
+int32_t Fill_StreamBuffer(void *hFile);
+
+/** Forget what the read buffers hold: another file, or other buffers, are in use. */
+void Forget_StreamBuffers();
+
+/** Mark the current stream's data as exhausted. */
+inline void Mark_EndOfData()
+{
+    Get_StreamInfo().iStreamDataSize = NO_CAPTION_DATA;
+}
