@@ -119,15 +119,6 @@ bool Is_Frame(int32_t iResult)
     return iResult == PARSED_FRAME || iResult == PARSED_LAST_FRAME;
 }
 
-/** @return whether the current stream failed because it has no more frames; the parsers have said so already.
- */
-bool Is_AtEnd()
-{
-    if (s_eCaptionFormat == E_CAPTION_FORMAT_SSA && s_stCaptionFrameList.uiCurrNode == Get_TailNode())
-        return true; // also in a file without lines: like the other formats, it is at its end at once
-    return Get_StreamInfo().iStreamDataSize == NO_CAPTION_DATA;
-}
-
 /** @return the open format's parsers; NULL when nothing is open, or (logged) without a frame parser. */
 const CaptionParser *Get_FrameParser()
 {
@@ -143,7 +134,7 @@ const CaptionParser *Get_FrameParser()
 bool Parse_OneOfSeveral(const CaptionParser *pstParser)
 {
     if (Is_Frame(pstParser->pfFrameParser())) return true;
-    if (!Is_AtEnd()) Log_ParsingFailed();
+    Log_ParsingFailed();
     return false;
 }
 
@@ -246,7 +237,7 @@ int32_t QUIB_CAPTION_ParsingProcess(void)
         Show_StreamLines();
         return FRAME_READY;
     }
-    if (Get_StreamInfo().iStreamDataSize >= 0 && !Is_AtEnd()) Log_ParsingFailed();
+    if (Get_StreamInfo().iStreamDataSize >= 0) Log_ParsingFailed(); // else the data is exhausted: no failure
     return NO_FRAME;
 }
 
@@ -272,8 +263,8 @@ int32_t QUIB_CAPTION_ParsingProcessEx(void)
         if (!Parse_OneOfSeveral(pstParser)) {
             if (uiFrames > 0)
                 Display_LineBitmapDataToDisplayBufferEx();
-            else if (!Is_AtEnd())
-                Log_ParsingFailed();
+            else
+                Log_ParsingFailed(); // the moment as a whole has failed, too
             return NO_FRAME;
         }
         Finish_CaptionLines(stInfo.uiCurrStream);

@@ -29,20 +29,21 @@ const std::string PADDING(70000, ' ');
 
 struct Format {
     std::string strEnding;
+    std::string strNoFrames; // the least file that opens
     std::string strFile;
     uint32_t uiSpareable; // allocations that an open can do without: for styles, and to find them faster
 };
 
 const Format FORMATS[] = {
-    {".srt", Repeat(Entry("Hello"), 40) + PADDING, 0},
-    {".SUB", SUB_HEADER + Repeat(Sub("7") + Sub("01.00"), 30) + Sub("01.00", PADDING), 0},
+    {".srt", "x", Repeat(Entry("Hello"), 40) + PADDING, 0},
+    {".SUB", SUB_HEADER, SUB_HEADER + Repeat(Sub("7") + Sub("01.00"), 30) + Sub("01.00", PADDING), 0},
     // More styles than are compared one by one, more lines than the list begins with.
-    {".ssa",
+    {".ssa", "x",
      "[v4 Styles]\r\n" + Repeat(STYLE, 40) + "[Events]\r\n" +
          Repeat(Ssa("0:00:05.00", "x") + Ssa("0:00:01.00", "y"), 200) + PADDING,
      3},
     // Frames that lead far, and more of them than the index begins with.
-    {".smi",
+    {".smi", "<SYNC Start=1>",
      Repeat(Smi("5", "K>k<P Class=E>e"), 40) + Smi("9", "E>e") + Repeat(Smi("7", "K>k"), 1100) + PADDING, 0},
 };
 
@@ -202,7 +203,8 @@ TEST_F(EngineTest, MessagesComeInOrder)
     const std::string NO_DATA = "Get_CharCode() - No Caption Data!\n";
     const std::string SUB_END = "FrameParser_SubViewer() - Get_CharCode() Failed! (ERROR = -1111)\n";
     const std::string NO_SEEK = "[QUIBCAPTCB_FileSeek] Error FileSeek! SeekPos = [-1]\n"
-                                "FrameParser_SSA() - Failed in setting a seek position of caption file!\n";
+                                "FrameParser_SSA() - Failed in setting a seek position of caption file!\n"
+                                "QUIB_CAPTION] Failed in caption file parsing!\n";
     const struct {
         const char *pszEnding;
         std::string strFile; // with mistakes
@@ -241,6 +243,38 @@ TEST_F(EngineTest, MessagesComeInOrder)
                 strLog += Take_Text(strLine);
         EXPECT_EQ(strLog, stCase.strLog) << stCase.pszEnding;
     }
+}
+
+/** After the last frame every call says again that it has failed, as often as its steps have. */
+TEST_P(Formats, EveryCallTellsTheEnd)
+{
+    const struct {
+        const char *pszWhat;
+        int32_t (*pfCall)();
+        size_t uiMessages;
+    } CALLS[] = {
+        // Data that is known to be exhausted is no failure; the SSA list's end is not the data's.
+        {"one frame", QUIB_CAPTION_ParsingProcess, GetParam().strEnding == ".ssa" ? 1u : 0u},
+        {"all streams", QUIB_CAPTION_ParsingProcessEx, 2},
+        {"skipping", [] { return QUIB_CAPTION_PreParsingProcessEx(INT32_MAX); }, 1},
+    };
+    for (const bool bFrames : {true, false}) {
+        const std::string strFile = bFrames ? GetParam().strFile : GetParam().strNoFrames;
+        ASSERT_EQ(Open(GetParam().strEnding.c_str(), strFile), 0u);
+        Count_Frames();
+        for (uint32_t uiRound = 0; uiRound < 2; ++uiRound)
+            for (const auto &stCall : CALLS) {
+                m_vecLog.clear();
+                EXPECT_EQ(stCall.pfCall(), -2) << stCall.pszWhat;
+                EXPECT_EQ(Count_Log("Failed in caption file parsing!"), stCall.uiMessages) << stCall.pszWhat;
+            }
+    }
+    ASSERT_EQ(Open(GetParam().strEnding.c_str(), GetParam().strFile), 0u);
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    for (CaptionStreamInfo &stStream : stInfo.astStreamInfo) stStream.iStreamDataSize = NO_CAPTION_DATA;
+    ASSERT_EQ(zyrSubtitle_seek(0), 0u);
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream)
+        EXPECT_NE(stInfo.astStreamInfo[uiStream].iStreamDataSize, NO_CAPTION_DATA) << uiStream;
 }
 
 } // namespace
