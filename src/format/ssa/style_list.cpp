@@ -7,9 +7,9 @@
 namespace
 {
 
-constexpr uint32_t FIRST_STYLES = 16;  // more than most files have
-constexpr uint32_t MOST_STYLES = 2048; // of one block: about half a megabyte
-constexpr uint32_t WALKED_STYLES = 8;  // so few are walked faster than looked up
+constexpr uint32_t FIRST_STYLES = 16; // more than most files have
+constexpr uint32_t STYLES_MAX = 4096; // a megabyte: no film needs more
+constexpr uint32_t WALKED_STYLES = 8; // so few are walked faster than looked up
 constexpr size_t UNIT_BYTES = sizeof(uint16_t);
 constexpr uint32_t ENTRY_POINTER_BYTES = sizeof(void *);
 
@@ -48,9 +48,10 @@ StyleEntry *Get_Entries(StyleBlock *pstBlock)
 
 bool Add_Block()
 {
-    const StyleBlock *const pstOld = s_stStyles.pstBlock;
+    const uint32_t uiLeft = STYLES_MAX - s_stStyles.uiStyles;
     uint32_t uiStyles = FIRST_STYLES;
-    if (pstOld != nullptr) uiStyles = pstOld->uiStyles < MOST_STYLES ? pstOld->uiStyles * 2 : MOST_STYLES;
+    if (s_stStyles.pstBlock != nullptr) uiStyles = s_stStyles.pstBlock->uiStyles * 2;
+    if (uiStyles > uiLeft) uiStyles = uiLeft;
     const uint32_t uiBytes = static_cast<uint32_t>(sizeof(StyleBlock) + uiStyles * sizeof(StyleEntry));
     StyleBlock *const pstBlock = static_cast<StyleBlock *>(QUIBCAPTCB_Allocate_Memory(uiBytes));
     if (pstBlock == nullptr) return false;
@@ -157,7 +158,7 @@ const SSAStyleInfo *Find_InIndex(const uint16_t *pusText, uint32_t uiUnits)
 
 int32_t Add_SSAStyleInfo(const SSAStyleInfo *pstStyle)
 {
-    if (pstQuibCaptionParserInfo == nullptr) return -1;
+    if (pstQuibCaptionParserInfo == nullptr || s_stStyles.uiStyles == STYLES_MAX) return -1;
     const StyleBlock *const pstNewest = s_stStyles.pstBlock;
     if ((pstNewest == nullptr || pstNewest->uiUsed == pstNewest->uiStyles) && !Add_Block()) return -1;
     Drop_Index();

@@ -10,7 +10,8 @@
 
 #include "zyr/quib_caption.h"
 
-/** Put a copy of a style at the end of the record's list. @return 1, or -1 without memory. */
+/** Put a copy of a style at the end of the record's list. @return 1, or -1: no memory, or 4,096 are
+ * there. */
 int32_t Add_SSAStyleInfo(const SSAStyleInfo *pstStyle);
 
 /** Make the look-up index of all styles added so far. */

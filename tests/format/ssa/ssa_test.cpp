@@ -227,6 +227,21 @@ TEST_F(SsaTest, StyleIsTheFirstThatBeginsWithTheField)
     EXPECT_EQ(Get_Fields().pstStyle, nullptr);
 }
 
+TEST_F(SsaTest, NoMoreThan4096StylesAreKept)
+{
+    const std::string strNumbers = ",0,0,0,0,0,0,0,0,0,2,0,0,0,0,0";
+    const std::string strFull =
+        INFO + Repeat(Style("s", "1" + strNumbers), 4095) + Style("Last", "7" + strNumbers);
+    std::vector<uint64_t> vecHeld;
+    for (const uint32_t uiMore : {0u, 200000u}) {
+        const std::string strFile = strFull + Repeat(DEFAULT_STYLE, uiMore) + EVENTS;
+        EXPECT_EQ(First_Look(strFile + Line("0:00:01.00", "x", "Last")), "1000-9500 x: 20 7 0000 0 0");
+        EXPECT_EQ(First_Look(strFile + Line("0:00:01.00", "x", "Default")), "1000-9500 x: 0 16 FFFF 0 0");
+        vecHeld.push_back(zyr_host_liveBytes());
+    }
+    EXPECT_EQ(vecHeld[0], vecHeld[1]);
+}
+
 // ---- Frames ----
 
 TEST_F(SsaTest, EveryFieldIsRead)
