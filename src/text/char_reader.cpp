@@ -220,10 +220,17 @@ int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 
 int64_t Get_ReadPosition(void *hFile)
 {
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
     const bool bKnown = s_llReaderPos >= 0 && hFile == s_hReaderFile;
-    return (bKnown ? s_llReaderPos : QUIBCAPTCB_FileTell(hFile)) - stInfo.iStreamDataSize +
-           stInfo.iStreamBufIndex;
+    return (bKnown ? s_llReaderPos : QUIBCAPTCB_FileTell(hFile)) - Get_HeldBytes(Get_StreamInfo());
+}
+
+bool Is_ReaderAt(void *hFile, int64_t llPos)
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (stInfo.iStreamDataSize == NO_CAPTION_DATA) return false;
+    const int64_t llTold = QUIBCAPTCB_FileTell(hFile);
+    const bool bMoved = s_llReaderPos >= 0 && llTold != s_llReaderPos;
+    return llTold >= 0 && !bMoved && llTold - Get_HeldBytes(stInfo) == llPos;
 }
 
 int32_t Fill_StreamBuffer(void *hFile)

@@ -36,8 +36,16 @@ inline int32_t Get_CharCode(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     return Get_DecodedChar(hFile, pusChar, iRawMode);
 }
 
-/** @return file position of the next character, bytes. */
+/** @return file position of the next character, bytes; after a failed read, when nothing is held, the file's.
+ */
 int64_t Get_ReadPosition(void *hFile);
+
+/**
+ * Ask the file, which a host may have moved, whether the next character stands at a position.
+ *
+ * @return false also when the file does not tell, and once the stream is marked as exhausted
+ */
+bool Is_ReaderAt(void *hFile, int64_t llPos);
 
 /** How much of the file the next refill is likely to need. */
 enum ReadAhead : uint32_t {

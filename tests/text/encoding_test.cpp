@@ -139,6 +139,17 @@ TEST_F(Reader, RunsAndSkipsAgreeWithSingleCharacters)
     }
 }
 
+TEST_F(Reader, AMarkIsReadOnUntilAReadFails)
+{
+    for (const bool bFails : {false, true}) {
+        Read_InChunks(1);
+        zyr_host_failFile(ZYR_HOST_READ, bFails ? 2 : 0, -5, 0);
+        ASSERT_EQ(Open(".srt", Encode("a", E_UTF16LE)), 0u);
+        EXPECT_EQ(zyrSubtitle_getOutputTextCharacterSet(),
+                  uint32_t{bFails ? E_OUTPUT_CHARSET_ANSI : E_OUTPUT_CHARSET_UTF16});
+    }
+}
+
 TEST_F(Reader, TellsTheEndAndErrors)
 {
     ASSERT_EQ(Open(".srt", "ab"), 0u);
@@ -146,15 +157,20 @@ TEST_F(Reader, TellsTheEndAndErrors)
     zyr_host_failFile(1, 1, -5, 0);
     EXPECT_EQ(Read_Characters(false).size(), 2u);
     EXPECT_EQ(Count_Log("QUIBCAPTCB_FileRead() Failed! (ERROR = -5)"), 1u);
+    EXPECT_EQ(Get_ReadPosition(s_hSubtitleFile), 2) << "the place is the file's: nothing is held";
     EXPECT_EQ(Get_CharCode(s_hSubtitleFile, &usChar, 0), 0)
         << "an error is not the end: the next call tries again";
     EXPECT_EQ(Count_Log("End of Caption File!"), 1u);
+    EXPECT_TRUE(Is_ReaderAt(s_hSubtitleFile, 2));
     Mark_EndOfData();
+    EXPECT_FALSE(Is_ReaderAt(s_hSubtitleFile, 2)) << "it must be moved, to take the mark away";
     EXPECT_EQ(Get_CharCode(s_hSubtitleFile, &usChar, 0), NO_CAPTION_DATA);
     EXPECT_EQ(Count_Log("No Caption Data!"), 1u);
     EXPECT_EQ(Move_ReadPosition(s_hSubtitleFile, 1, E_READ_AHEAD_FULL), 1);
     EXPECT_GT(Get_CharCode(s_hSubtitleFile, &usChar, 0), 0) << "moving takes the mark away";
     EXPECT_EQ(usChar, 'b');
+    QUIBCAPTCB_FileSeek(s_hSubtitleFile, 1, 0);
+    EXPECT_FALSE(Is_ReaderAt(s_hSubtitleFile, 1)) << "a host has moved the file";
 }
 
 } // namespace

@@ -477,7 +477,8 @@ int32_t FrameParser_SSA(void)
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     Clear_TagQueue();
     const int64_t llWanted = s_stCaptionFrameList.pastNode[s_stCaptionFrameList.uiCurrNode].llFilePos;
-    const int64_t llReached = Move_ReadPosition(hFile, llWanted, E_READ_AHEAD_SHORT);
+    const bool bThere = Is_ReaderAt(hFile, llWanted);
+    const int64_t llReached = bThere ? llWanted : Move_ReadPosition(hFile, llWanted, E_READ_AHEAD_SHORT);
     if (llReached < 0) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                             " [%d] FrameParser_SSA() - Failed in setting a seek position of caption file!\n",

@@ -490,6 +490,18 @@ TEST_F(SsaTest, FramesAfterASeek)
     EXPECT_EQ(Texts_From(9), "");
 }
 
+TEST_F(SsaTest, AFrameThatStandsWhereTheReaderIsNeedsNoMove)
+{
+    // Too far from the first line for one read buffer to hold both.
+    ASSERT_TRUE(
+        Open_File(EVENTS + Second(1, "1") + "; " + std::string(70000, 'x') + "\r\n" + Second(3, "3")));
+    Next();
+    ASSERT_EQ(zyrSubtitle_seek(2000), 0u);
+    zyr_host_failFile(ZYR_HOST_SEEK, 1, -1, 0);
+    EXPECT_EQ(Next(), "3000-9500 3");
+    EXPECT_EQ(Next(), "!!none") << "the move behind the last line is the first one";
+}
+
 TEST_F(SsaTest, AFileThatCanBeMovedAnywhereEndsToo)
 {
     ASSERT_TRUE(Open_File(EVENTS + Second(1, "x")));

@@ -111,4 +111,22 @@ TEST_F(SubRip, SeekLeavesTheLastEntryThatHasBegun)
     }
 }
 
+TEST_F(SubRip, ReadingGoesOnWhereAReadHasFailed)
+{
+    const std::string strFirst = Entry("a");
+    for (const bool bSeek : {false, true}) {
+        Read_InChunks(static_cast<uint32_t>(strFirst.size()));
+        ASSERT_EQ(Open(".srt", strFirst + Entry("b", "0:0:3,0 0:0:4,0")), 0u);
+        EXPECT_EQ(Next(), "1000-2000 a");
+        zyr_host_failFile(ZYR_HOST_READ, 1, -5, 0);
+        EXPECT_EQ(Next(), "!none");
+        if (bSeek) {
+            ASSERT_EQ(zyrSubtitle_seek(3500), 0u) << "from where the read failed on";
+        }
+        EXPECT_EQ(Next(), "3000-4000 b");
+        EXPECT_EQ(pstQuibCaptionParserInfo->astStreamState[0].llCurrFilePos,
+                  static_cast<int64_t>(strFirst.size()));
+    }
+}
+
 } // namespace
