@@ -29,8 +29,26 @@ SeekBlock s_astBlock[PLACES_MAX];
 uint32_t s_uiPlaces = 0;
 int64_t s_llBlockBytes = FIRST_BLOCK_BYTES; // least length of a block
 bool s_bInStep = true;                      // the reader stands at the ends of entries
-void *s_hIndexed = nullptr;                 // the file that the places are of
-uint32_t s_uiIndexedOption = 0;             // and the parsing option with which it was read
+
+/** What the places are of. */
+struct IndexedFile {
+    void *hFile;
+    uint32_t uiReaderRound; // the same handle may stand for another file once the reader has begun anew
+    uint32_t uiOption;      // parsing option with which it was read
+
+    bool operator==(const IndexedFile &stOther) const = default;
+};
+
+IndexedFile s_stIndexed = {};
+
+/** Forget what is known of another file, or of the same one read otherwise. */
+void Forget_OtherFile()
+{
+    const IndexedFile stNow = {s_hSubtitleFile, Get_ReaderRound(), s_uiParsingOption};
+    if (s_stIndexed == stNow) return;
+    Forget_SeekPlaces();
+    s_stIndexed = stNow;
+}
 
 void Start_Block(SeekTrack &stTrack, uint32_t uiBlock)
 {
@@ -112,10 +130,8 @@ void Lose_SeekStep()
 
 SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bAtStart)
 {
-    if (s_hIndexed != s_hSubtitleFile || s_uiIndexedOption != s_uiParsingOption) Forget_SeekPlaces();
+    Forget_OtherFile();
     if (bAtStart && s_uiPlaces > 0 && s_astBlock[0].stPlace.llPos != stPlace.llPos) Forget_SeekPlaces();
-    s_hIndexed = s_hSubtitleFile;
-    s_uiIndexedOption = s_uiParsingOption;
     SeekTrack stTrack = {uiTargetMs, NO_SEEK_BLOCK, 0, 0, 0, 0, false};
     if (bAtStart) {
         if (s_uiPlaces == 0) Add_Place(stPlace);

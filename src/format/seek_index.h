@@ -39,7 +39,7 @@ struct SeekScan {
 
 constexpr uint32_t NO_SEEK_BLOCK = UINT32_MAX;
 
-/** Forget everything: another file is read. */
+/** Forget everything. */
 void Forget_SeekPlaces();
 
 /** The reader has lost its step: where it goes on need not be the end of an entry. */

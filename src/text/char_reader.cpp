@@ -1,6 +1,5 @@
 #include "text/char_reader.h"
 
-#include "format/seek_index.h"
 #include "text/encoding.h"
 #include "text/text_run.h"
 #include "zyr_log.h"
@@ -14,6 +13,8 @@ struct StreamWindow {
     int32_t iBytes;       // bytes held; 0 = nothing that could be used again
     uint32_t uiFillBytes; // bytes to ask for at the next refill; 0 = a full read
 };
+
+uint32_t s_uiReaderRound = 0; // how often the reader has begun anew
 
 StreamWindow s_astStreamWindow[ZYR_STREAM_MAX] = {};
 
@@ -284,11 +285,16 @@ int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
     return s_llReaderPos;
 }
 
+uint32_t Get_ReaderRound()
+{
+    return s_uiReaderRound;
+}
+
 void Forget_StreamBuffers()
 {
     for (StreamWindow &stWindow : s_astStreamWindow) stWindow = {};
     s_llReaderPos = -1;
-    Forget_SeekPlaces();
+    ++s_uiReaderRound;
 }
 
 int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)

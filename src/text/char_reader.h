@@ -67,6 +67,9 @@ int32_t Fill_StreamBuffer(void *hFile);
 /** Forget what the read buffers hold: another file, or other buffers, are in use. */
 void Forget_StreamBuffers();
 
+/** @return a number that changes whenever Forget_StreamBuffers() is called: what was learnt of a file goes then. */
+uint32_t Get_ReaderRound();
+
 /** Mark the current stream's data as exhausted. */
 inline void Mark_EndOfData()
 {
