@@ -1,6 +1,8 @@
 // zyrsub play: as text into a pipe and on a terminal, and in a window of a virtual X server.
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -71,10 +73,14 @@ class Terminal
 {
 public:
     explicit Terminal(const std::string &strMovie) : m_stChild(Start(strMovie, m_iMaster)) {}
-    ~Terminal() { close(m_iMaster); }
+    ~Terminal()
+    {
+        if (Is_There()) close(m_iMaster);
+    }
     Terminal(const Terminal &) = delete;
     Terminal &operator=(const Terminal &) = delete;
 
+    bool Is_There() const { return m_iMaster >= 0; }
     void Press(std::string_view strKey) const
     {
         EXPECT_EQ(write(m_iMaster, strKey.data(), strKey.size()), static_cast<ssize_t>(strKey.size()));
@@ -131,6 +137,7 @@ TEST(ZyrsubPlay, TerminalKeys)
         {"q", "\x1b[?1049l"},
     };
     Terminal stTerminal(Sample("sami-interleaved.smi"));
+    if (!stTerminal.Is_There()) GTEST_SKIP() << "no pseudo terminal here: " << std::strerror(errno);
     for (const auto &[pszKey, pszShown] : apszKeys) {
         stTerminal.Press(pszKey);
         ASSERT_TRUE(stTerminal.Shows(pszShown)) << pszKey << ": " << pszShown;
