@@ -120,12 +120,11 @@ bool Parse_Header()
     return false;
 }
 
+/** Names are in upper case, and a shorter one has zeros behind it. */
 bool Is_KoreanName(const CaptionClassInfo &stClass)
 {
     const uint16_t *const pusName = stClass.ausName;
-    if (stClass.uiNameLength < 2) return false;
-    return (pusName[0] == 'K' && (pusName[1] == 'O' || pusName[1] == 'R')) ||
-           (pusName[0] == 'k' && (pusName[1] == 'o' || pusName[1] == 'r'));
+    return pusName[0] == 'K' && (pusName[1] == 'O' || pusName[1] == 'R');
 }
 
 /** The class that takes stray unnamed frames in: with several to choose from, the Korean one. */

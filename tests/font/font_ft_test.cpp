@@ -60,12 +60,12 @@ protected:
         Picture stPicture(410, 180, 411), stJudge(410, 180, 411);
         stPicture.Make_Destination();
         zyr_fontDraw_setFontColor(0x8410, 0, 0, 0);
+        ASSERT_EQ(zyr_fontFT_drawChar(0x10, uiCode, 200, 60), stFont.Draw_Grey(uiCode));
         for (const auto &[iX, iY] : aaiPlaces)
             ASSERT_EQ(
                 zyr_fontFT_drawChar(0x20F, uiCode, static_cast<uint32_t>(iX), static_cast<uint32_t>(iY)),
                 stFont.Draw(stJudge, uiCode, iX, iY, 0x8410))
                 << "at " << iX;
-        ASSERT_EQ(zyr_fontFT_drawChar(0x10, uiCode, 0, 0), stFont.Draw_Grey(uiCode));
         ASSERT_TRUE(stPicture == stJudge);
     }
 };
@@ -79,7 +79,7 @@ static constexpr uint32_t TrickyCodes[] = {' ',  'A',    'J',    'f',    'g',   
 TEST_F(FontFT, EveryCharacterIsAsRenderedAnew)
 {
     static constexpr uint32_t aauiSizes[][2] = {
-        {32, 32},   {4, 4},     {32, 32},  {6, 6},   {32, 40},    {44, 22}, {0, 9},         {22, 44},
+        {32, 32},   {40, 32},   {4, 4},    {32, 32}, {6, 6},      {32, 40}, {44, 22},       {0, 9},  {22, 44},
         {3000, 32}, {256, 256}, {257, 90}, {48, 48}, {9, 700000}, {48, 48}, {1U << 31, 16}, {31, 31}};
     for (const char *pszFailing : {"", "malloc"}) { // with and without memory for what was seen
         s_strFailing = pszFailing;

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "format/seek_index.h"
+#include "zyr_base.h"
 
 namespace
 {
@@ -31,6 +32,15 @@ uint32_t Draw(std::mt19937 &stRandom, uint32_t uiBelow)
     return static_cast<uint32_t>(stRandom() % uiBelow);
 }
 
+/** An entry that starts at a second. */
+std::string Get_Entry(const char *pszEntry, uint32_t uiSeconds, uint32_t uiEntry)
+{
+    char szEntry[200];
+    snprintf(szEntry, sizeof(szEntry), pszEntry, uiSeconds / 3600, uiSeconds / 60 % 60, uiSeconds % 60,
+             uiEntry);
+    return szEntry;
+}
+
 class SeekIndex : public EngineTest, public testing::WithParamInterface<Format>
 {
 protected:
@@ -39,12 +49,9 @@ protected:
     {
         std::string strFile = GetParam().pszHeader;
         for (uint32_t uiEntry = 1; uiEntry <= ENTRIES; ++uiEntry) {
-            const uint32_t uiSeconds = uiEntry * (STEP_MS / 1000);
             const bool bBad = uiBadEvery != 0 && uiEntry % uiBadEvery == 0;
-            char szEntry[200];
-            snprintf(szEntry, sizeof(szEntry), bBad ? GetParam().pszBad : GetParam().pszEntry,
-                     uiSeconds / 3600, uiSeconds / 60 % 60, uiSeconds % 60, uiEntry);
-            strFile += szEntry;
+            strFile += Get_Entry(bBad ? GetParam().pszBad : GetParam().pszEntry, uiEntry * (STEP_MS / 1000),
+                                 uiEntry);
         }
         return strFile;
     }
@@ -107,6 +114,44 @@ TEST_P(SeekIndex, LaterSeeksReadLittle)
     }
     EXPECT_LE(zyr_host_fileCalls(ZYR_HOST_READ) - uiBefore,
               2 * SEEKS); // one of 64 KiB; two at the file's end
+}
+
+TEST_P(SeekIndex, AnotherFileOrOptionIsScannedAnew)
+{
+    // A late entry in the middle, where a scan for an earlier time stops: in the text of the entry before it
+    // while a lead byte takes that entry's end away.
+    const auto fnFile = [](const std::string &strLead) {
+        std::string strFile = Get_File(0);
+        const std::string strEnd = "\r\n\r\n";
+        const std::string strLate = Get_Entry(GetParam().pszEntry, 359999, 0);
+        const size_t uiPlace = strFile.find(strEnd, strFile.find("entry 2000"));
+        return strFile.insert(uiPlace, strLead + strEnd + strLate.substr(0, strLate.size() - strEnd.size()));
+    };
+    const auto fnIndex = [this](const std::string &strFile) {
+        return Open(GetParam().pszEnding, strFile) == 0 && Seek(LENGTH_MS).ends_with("entry 4000");
+    };
+    constexpr uint32_t TARGET = 3000 * STEP_MS;
+    ASSERT_TRUE(fnIndex(fnFile("\xB0")));
+    EXPECT_TRUE(Seek(TARGET).ends_with("entry 3000"));
+    QUIBCAPTPARS_Set_ParsingOption(2); // every byte is a character
+    EXPECT_NE(Seek(TARGET).find("entry 2000"), std::string::npos);
+
+    ASSERT_TRUE(fnIndex(Get_File(0)));
+    ASSERT_EQ(Open(GetParam().pszEnding, fnFile("")), 0u); // its handle is likely to be the old one
+    EXPECT_TRUE(Seek(TARGET).ends_with("entry 2000"));
+
+    ASSERT_TRUE(fnIndex(Get_File(0)));
+    const std::string strOther = fnFile("");
+    zyr_host_mapMemory("zyrhost:other", strOther.data(), static_cast<uint32_t>(strOther.size()));
+    void *const hOther = ZYR_fopen("zyrhost:other", "rb");
+    TRACK_SetFileHandleOfSubtitleData(hOther);
+    EXPECT_TRUE(Seek(TARGET).ends_with("entry 2000"));
+    ZYR_fclose(hOther);
+
+    ASSERT_TRUE(fnIndex(Get_File(0)));
+    const size_t uiStart = Get_File(0).find(Get_Entry(GetParam().pszEntry, 3500 * STEP_MS / 1000, 3500));
+    pstQuibCaptionParserInfo->astStreamState[0].llStartFilePos = static_cast<int64_t>(uiStart);
+    EXPECT_TRUE(Seek(TARGET).ends_with("entry 3500")) << "another start is another index";
 }
 
 TEST_P(SeekIndex, FailuresAreReported)

@@ -64,6 +64,7 @@ TEST_F(Markup, TagsLeaveTheirStyle)
         {"a digit ends a name", "<font a1=2 color=red>", "0 F800", "Unexpected Character! (0x0031)"},
         {"twenty attributes are enough", "<font" + Repeat(" a=1", 20) + " color=red>", "0 FFFF", "Argument Count is FULL! (COUNT = 20)"},
         {"fifty tags can be open", Repeat("<s>", 50) + "<b>", "0 FFFF", "Tag Queue is already FULL!"},
+        {"a place in the middle is used again", Repeat("<s>", 9) + "<u><i>" + Repeat("<s>", 39) + "</i><b></u><i>", "C FFFF"},
         {"one was closed, so there is room", Repeat("<s>", 50) + "</s><b>", "4 FFFF"},
     };
     // clang-format on

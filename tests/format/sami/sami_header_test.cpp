@@ -205,7 +205,9 @@ TEST_F(SamiTest, SmallClassesAreFolded)
         {{{"A", 30}, {"B", 5}, {"C", 40}, {"D", 5}}, "A:30 C+B+D:50"},
         {{{"KRCC", 500}, {"ENCC", 400}, {"", 5}}, "KRCC:505 ENCC:400"},
         {{{"ENCC", 40}, {"KOCC", 40}, {"", 29}}, "ENCC:40 KOCC:69"}, // the Korean one, wherever it stands
-        {{{"ENCC", 40}, {"FRCC", 40}, {"", 29}}, "ENCC:69 FRCC:40"},
+        {{{"ENCC", 40}, {"KRCC", 40}, {"", 29}}, "ENCC:40 KRCC:69"},
+        {{{"ENCC", 40}, {"KACC", 40}, {"AOCC", 40}, {"ARCC", 40}, {"", 29}},
+         "ENCC:69 KACC:40 AOCC:40 ARCC:40"},
         {{{"ENCC", 40}, {"KOCC", 40}, {"", 30}}, "ENCC:40 KOCC:40 -:30"},
         {{{"A", 5}, {"", 29}}, "A:34"},
         {{{"A", 5}, {"", 31}}, "A:36"},

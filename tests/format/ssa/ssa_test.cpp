@@ -197,6 +197,11 @@ TEST_F(SsaTest, StyleGivesTheFrameItsLook)
         EXPECT_EQ(
             First_Look(INFO + Style("S", pszNumbers).append(EVENTS).append(Line("0:00:01.00", "x", "S"))),
             pszLook);
+    First_Look(INFO + Style("S", "20,0,0,0,65280,0,0,1,0,0,2,0,0,0,0,0") + EVENTS +
+               Line("0:00:01.00", "x", "S") + Second(2, "y"));
+    EXPECT_EQ(pstQuibCaptionParserInfo->usOutlineColor, 0x7E0);
+    EXPECT_EQ(Next(), "2000-9500 y");
+    EXPECT_EQ(pstQuibCaptionParserInfo->usOutlineColor, 0) << "the next frame begins without one";
     QUIBCAPT_SetFontColor(0x1234);
     EXPECT_EQ(First_Look(File(Second(1, "x"))), "1000-9500 x: 0 16 1234 0 0");
     EXPECT_EQ(Get_Fields().pstStyle, nullptr);
@@ -296,6 +301,9 @@ TEST_F(SsaTest, Texts)
         {"empty lines are not closed", File(Second(1, "\\N\\Na \\N b")), "1000-9500 a|b"},
         {"blanks", File(Second(1, "  a \t  b, {\\k1} c,")), "1000-9500 a b,  c,"},
         {"a zero", File(Second(1, {"a\0b", 3})), "1000-9500 ab"},
+        {"blanks in the times", File(Line(" 0:00:0 1.00 ", "a") + Line("0 :00:02.00", "b")),
+         "1000-9500 a; 2000-9500 b"},
+        {"no end time: no text", File("Dialogue: 0,0:00:01.00,0:00:00.00,S,,0,0,0,,x\r\n"), "1000-0 "},
         {"no text", File(Second(1, "")), "1000-9500 "},
         {"a block in a block", File(Second(1, "a{\\b1{x}b")), "1000-9500 a"},
         {"a block without an end", File(Second(1, "a{open")), "1000-9500 a"},
@@ -478,6 +486,11 @@ TEST_F(SsaTest, FramesAfterASeek)
     zyrSubtitle_seek(0);
     Next();
     EXPECT_EQ(Texts_From(700), "|1|3|5|") << "back to the head: the file's first line is no Dialogue";
+
+    ASSERT_TRUE(Open_File(Second(0, "no start: no text") + EVENTS + Second(4, "4") + Second(5, "5")));
+    EXPECT_EQ(Next(), "4000-9500 4");
+    EXPECT_EQ(zyrSubtitle_seek(700), 0u);
+    EXPECT_EQ(Play(), "0-0 ; 4000-9500 4; 5000-9500 5") << "a first line that is one";
 
     ASSERT_TRUE(Open_File(INFO + strLines)); // without [Events] there is no first position
     EXPECT_EQ(pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos, -1);

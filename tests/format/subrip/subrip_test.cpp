@@ -12,6 +12,7 @@ class SubRip : public EngineTest
 TEST_F(SubRip, Texts)
 {
     const std::string strLine = Repeat("word ", 12) + "word";
+    const std::string LAST = "1\r\n0:0:1,0 0:0:2,0\r\n"; // an entry that the file's end cuts
     static const PlayCase CASES[] = {
         {"two lines", Entry("Hello\r\nWorld"), "1000-2000 Hello|World"},
         {"characters of every length", Entry("é한 €글 z©\r\né한"), "1000-2000 é한 €글 z©|é한"},
@@ -31,7 +32,10 @@ TEST_F(SubRip, Texts)
         {"a decoded blank is not folded", Entry("a &nbsp; b"), "1000-2000 a   b"},
         {"an upper-case letter ends the entity", Entry("&AMP;&Eacute;"), "1000-2000 &AMP;&Eacute;"},
         {"an ampersand starts afresh", Entry("&am&amp;&&lt;"), "1000-2000 &am&&<"},
-        {"twelve units are no entity", Entry("&abcdefghijkl;&abcdefg"), "1000-2000 &abcdefghijkl;&abcdefg"},
+        {"eleven units may become an entity, which the file's end cuts", LAST + "a&bcdefghijk",
+         "1000-2000 a"},
+        {"twelve are none", LAST + "a&bcdefghijkl", "1000-2000 a&bcdefghijkl"},
+        {"nor are thirteen", Entry("&abcdefghijkl;&abcdefg"), "1000-2000 &abcdefghijkl;&abcdefg"},
         {"a number sign belongs behind the ampersand", Entry("&a#;&#;&#x41;"), "1000-2000 &a#;&#;&#x41;"},
         {"a tag ends an entity", Entry("&am<b>p;"), "1000-2000 &amp;"},
         {"a CR alone is dropped with a complaint", Entry("a\rb"), "!1000-2000 ab"},
@@ -92,6 +96,7 @@ TEST_F(SubRip, SeekLeavesTheLastEntryThatHasBegun)
     std::string strFile; // entries at 10, 20 .. 90 s, told apart by their text
     for (char cEntry = '1'; cEntry <= '9'; ++cEntry)
         strFile += Entry({cEntry}, std::string("0:0:") + cEntry + "0,0 --> 0:0:99,0");
+    const auto ENTRY_BYTES = static_cast<int64_t>(strFile.size() / 9);
     static constexpr struct {
         uint32_t uiFramesBefore;
         uint32_t uiTarget;
@@ -107,8 +112,22 @@ TEST_F(SubRip, SeekLeavesTheLastEntryThatHasBegun)
         ASSERT_EQ(Open(".srt", strFile), 0u);
         Play_Calls(stCase.uiFramesBefore);
         ASSERT_EQ(zyrSubtitle_seek(stCase.uiTarget), 0u);
+        const int32_t iFound = stCase.cNext - '0';
+        EXPECT_EQ(pstQuibCaptionParserInfo->llCurrFilePos, (iFound - 1) * ENTRY_BYTES);
+        EXPECT_EQ(pstQuibCaptionParserInfo->iCurrPTS, stCase.uiTarget < 10000 ? 0 : iFound * 10000)
+            << "0 where no entry was passed";
         EXPECT_EQ(Next(), std::string(1, stCase.cNext) + "0000-99000 " + stCase.cNext);
     }
+    // 1 and 3 scan from where the stream begins, 0 and 2 from where the reader stands.
+    for (const uint32_t uiBackward : {0u, 1u, 2u, 3u})
+        for (const uint32_t uiFirst : {1u, 2u}) {
+            ASSERT_EQ(Open(".srt", strFile), 0u);
+            Play_Calls(5);
+            pstQuibCaptionParserInfo->llStartFilePos = (uiFirst - 1) * ENTRY_BYTES;
+            EXPECT_EQ(Seek_SubRip(5000, uiBackward, 0, pstQuibCaptionParserInfo), 1);
+            EXPECT_EQ(pstQuibCaptionParserInfo->iCurrPTS, uiBackward % 2 == 1 ? 0 : 50000);
+            EXPECT_EQ(Next()[0], uiBackward % 2 == 1 ? '0' + static_cast<char>(uiFirst) : '5') << uiBackward;
+        }
 }
 
 TEST_F(SubRip, ReadingGoesOnWhereAReadHasFailed)
