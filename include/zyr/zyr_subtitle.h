@@ -30,7 +30,9 @@ extern "C" {
  * .smi, .SAMI, .sami, .SRT, .srt, .SUB, .sub, .SSA, .ssa that exists. The movie itself is not touched and
  * need not exist. A subtitle that is open is closed first.
  *
- * @param[in] pszMovieFileName  the movie's path, up to 508 bytes before its last dot
+ * @param[in] pszMovieFileName  the movie's path, up to 508 bytes before its last dot. What stands before that
+ *                              dot is the base name; where the movie's own name has none, a dot in a folder's
+ *                              name counts as the last: for a.b/film that is a. A path without dots counts whole
  * @param[in] iOpenOption       1: every byte of a code-page file is one character; any other value:
  *                              double-byte characters are recognised
  *

@@ -37,7 +37,7 @@ void Count_Byte(Utf8Count *pstCount, uint8_t ucByte)
     }
 }
 
-/** @return length of the run of bytes below 0x80 at the start, found eight bytes at a step. */
+/** @return length of the run of bytes below 0x80 at the start, found 32 bytes at a step. */
 uint32_t Skip_Ascii(const uint8_t *pucBytes, uint32_t uiBytes)
 {
     constexpr uint32_t STEP = 32;

@@ -47,7 +47,7 @@ TEST_F(OpenFiles, NameIsTheMoviesUpToItsLastDot)
         {"film.avi", "film.Srt", false},  {"a.b.avi", "a.b.srt", true},
         {"a.b.avi", "a.srt", false},      {"film", "film.srt", true},
         {"film.avi", "film2.srt", false}, {"film.avi", "film.avi.srt", false},
-        {"film.", "film.srt", true},
+        {"film.", "film.srt", true},      {"a.b/film", "a.srt", true}, // a dot in a folder counts
     };
     for (const auto &stCase : astCases) {
         SCOPED_TRACE(testing::Message() << stCase.pszMovie << " beside " << stCase.pszSubtitle);
