@@ -153,18 +153,12 @@ TEST(TextHelpers, TimesAndKeys)
     EXPECT_EQ(Ask(Parse_SSAPts, "0:75:00.00"), 4500000u);
     EXPECT_EQ(Ask(Parse_SSAPts, "10:00:00.00"), 0u);
     EXPECT_EQ(Ask(Parse_SSAPts, Repeat("9", 5000)), 0u);
+    // clang-format off
     static const std::pair<std::string, uint32_t> KEYS[] = {
-        {"dialogue:", 0},
-        {"Dial", 5},
-        {"STYLE", 1},
-        {"Title:", 2},
-        {"original script:", 3},
-        {"ScriptType", 4},
-        {"Comment", 5},
-        {"T", 5},
-        {"Title" + Repeat("x", 25), 2},
-        {"Title" + Repeat("x", 26), 5},
+        {"dialogue:", 0}, {"Dial", 5}, {"STYLE", 1}, {"Title:", 2}, {"original script:", 3}, {"ScriptType", 4},
+        {"Comment", 5}, {"T", 5}, {"Title" + Repeat("x", 25), 2}, {"Title" + Repeat("x", 26), 5},
     };
+    // clang-format on
     for (const auto &[strKey, uiType] : KEYS) EXPECT_EQ(Ask(Get_SSALineType, strKey), uiType) << strKey;
 }
 

@@ -40,7 +40,7 @@ TEST_F(SubRip, Texts)
         {"a tag ends an entity", Entry("&am<b>p;"), "1000-2000 &amp;"},
         {"a CR alone is dropped with a complaint", Entry("a\rb"), "!1000-2000 ab"},
         {"a line feed alone is a character", Entry("a\nb"), "1000-2000 a|b"},
-        {"lines are wrapped", Entry(Repeat("word ", 6 * 13)),
+        {"lines are wrapped", Entry(Repeat("word ", size_t{6} * 13)),
          "!1000-2000 " + Repeat(strLine + "|", 5) + strLine},
     };
     Expect_Played(".srt", CASES);
