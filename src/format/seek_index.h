@@ -92,14 +92,21 @@ int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t
  *
  * @param[in] pszSeek  the seek's name, for the log
  * @param[in] fnTake   int64_t (uint16_t): takes a unit; below 0 when the file could not be moved
+ * @param[in] fnPass   int64_t (): passes a usual entry at once; 0 when none stands there, else as fnTake
  *
  * @return the seek's result: 1, or a negative value (logged)
  */
-template <typename TakeUnit>
-int32_t Scan_ToTarget(SeekScan &stSeek, void *hFile, const char *pszSeek, const TakeUnit &fnTake)
+template <typename TakeUnit, typename PassUsual>
+int32_t Scan_ToTarget(SeekScan &stSeek, void *hFile, const char *pszSeek, const TakeUnit &fnTake,
+                      const PassUsual &fnPass)
 {
     int64_t llReached = Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
     while (!stSeek.bBeyond && llReached >= 0) {
+        const int64_t llPassed = fnPass();
+        if (llPassed != 0) {
+            llReached = llPassed;
+            continue;
+        }
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;

@@ -1,12 +1,9 @@
 #include "lines/line_output.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstring>
 
 #include "record/parser_state.h"
-#include "text/byte_block.h"
 #include "zyr_log.h"
 
 namespace
@@ -128,78 +125,6 @@ WrapResult Wrap_Line(LineWriter &stWriter, bool bBlank)
     return bAtBlanks ? E_WRAP_BLANK : E_WRAP_STORE;
 }
 
-/** Copy up to LINE_UNITS units, tabs as blanks. @return a bit for each unit: it is a blank. */
-uint64_t Copy_Text(uint16_t *pusTarget, const uint16_t *pusSource, uint32_t uiUnits)
-{
-    uint64_t ullBlanks = 0;
-    if (uiUnits < BLOCK_UNITS) {
-        for (uint32_t uiPos = 0; uiPos < uiUnits; ++uiPos) {
-            const bool bBlank = Is_Blank(pusSource[uiPos]);
-            pusTarget[uiPos] = bBlank ? BLANK : pusSource[uiPos];
-            ullBlanks |= uint64_t{bBlank} << uiPos;
-        }
-        return ullBlanks;
-    }
-    const uint32_t uiLast = uiUnits - BLOCK_UNITS; // the last block may overlap the one before
-    for (uint32_t uiPos = 0; uiPos < uiLast; uiPos += BLOCK_UNITS)
-        ullBlanks |= uint64_t{Copy_TextBlock(pusTarget + uiPos, pusSource + uiPos)} << uiPos;
-    return ullBlanks | uint64_t{Copy_TextBlock(pusTarget + uiLast, pusSource + uiLast)} << uiLast;
-}
-
-/** @return the bits below bit uiPos; uiPos is at most 64. */
-constexpr uint64_t Get_LowBits(uint32_t uiPos)
-{
-    return uiPos < 64 ? (uint64_t{1} << uiPos) - 1 : ~uint64_t{0};
-}
-
-uint32_t Get_LastBit(uint64_t ullBits)
-{
-    return 63 - static_cast<uint32_t>(std::countl_zero(ullBits));
-}
-
-uint32_t Count_Bits(uint64_t ullBits)
-{
-    return static_cast<uint32_t>(std::popcount(ullBits));
-}
-
-/** What Note_Unit() notes, for a run of units at once. Of several words and blank runs the last ones count.
- */
-void Note_Run(LineWriter &stWriter, uint64_t ullBlanks, uint32_t uiUnits)
-{
-    QuibCaptionParserInfo &stInfo = stWriter.stInfo;
-    CaptionLineTable &stTable = stWriter.stTable;
-    const uint64_t ullBehindBlank = ullBlanks << 1 | stTable.uiInBlank;
-    const uint64_t ullBlankStarts = ullBlanks & ~ullBehindBlank;
-    const uint64_t ullWordStarts = ~ullBlanks & ullBehindBlank & Get_LowBits(uiUnits);
-    if (ullBlankStarts != 0) {
-        const uint32_t uiBreak = Get_LastBit(ullBlankStarts);
-        stInfo.uiBreakLength = stWriter.uiLength + uiBreak;
-        stInfo.uiWordUnitsAtBreak =
-            stInfo.uiWordUnits + uiBreak - Count_Bits(ullBlanks & Get_LowBits(uiBreak));
-    }
-    if (ullWordStarts > ullBlankStarts)
-        stTable.uiWordStart = stWriter.uiLength + Get_LastBit(ullWordStarts);
-    else if (ullBlankStarts != 0)
-        stTable.uiWordStart = 0;
-    stTable.uiInBlank = (ullBlanks & ~Get_LowBits(uiUnits - 1)) != 0 ? 1 : 0;
-    const uint32_t uiWordUnits = uiUnits - Count_Bits(ullBlanks);
-    stWriter.Get_Line().uiWordUnits += uiWordUnits;
-    stInfo.uiWordUnits += uiWordUnits;
-}
-
-/** Store the units that fit on the line. @return the first unit not stored. */
-const uint16_t *Store_Run(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
-{
-    CaptionLineTable &stTable = stWriter.stTable;
-    const uint32_t uiLineRoom = LINE_UNITS - stWriter.uiLength;
-    const uint32_t uiBufRoom = TEXT_BUF_UNITS - stTable.uiWritePos;
-    const uint32_t uiUnits = std::min({static_cast<uint32_t>(pusEnd - pusUnit), uiLineRoom, uiBufRoom});
-    Note_Run(stWriter, Copy_Text(stTable.pusTextBuf + stTable.uiWritePos, pusUnit, uiUnits), uiUnits);
-    stTable.uiWritePos += uiUnits;
-    stWriter.uiLength += uiUnits;
-    return pusUnit + uiUnits;
-}
-
 /** Store a unit that has been noted. */
 void Store_Unit(LineWriter &stWriter, uint16_t usUnit)
 {
@@ -211,12 +136,7 @@ void Store_Unit(LineWriter &stWriter, uint16_t usUnit)
 /** Lay the units out until there are no more, or the frame is full. */
 void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusEnd)
 {
-    const CaptionLineTable &stTable = stWriter.stTable;
     while (pusUnit < pusEnd) {
-        if (stWriter.uiLength < LINE_UNITS && stTable.uiWritePos < TEXT_BUF_UNITS) {
-            pusUnit = Store_Run(stWriter, pusUnit, pusEnd);
-            continue;
-        }
         const bool bBlank = Is_Blank(*pusUnit);
         Note_Unit(stWriter, bBlank);
         if (stWriter.uiLength >= LINE_UNITS) {
@@ -228,7 +148,7 @@ void Lay_Out(LineWriter &stWriter, const uint16_t *pusUnit, const uint16_t *pusE
                 continue;
             }
         }
-        if (stTable.uiWritePos >= TEXT_BUF_UNITS) break;
+        if (stWriter.stTable.uiWritePos >= TEXT_BUF_UNITS) break;
         Store_Unit(stWriter, bBlank ? BLANK : *pusUnit);
         ++pusUnit;
     }
@@ -244,29 +164,50 @@ void Put_Byte(QuibCaptionParserInfo &stInfo, uint32_t uiByte)
     stInfo.aucOutText[stInfo.uiOutTextLength++] = static_cast<uint8_t>(uiByte);
 }
 
-/** Write units to the output text from uiLength on, as far as there is room for two bytes. @return its new
- * length. */
-uint32_t Put_AnsiUnits(uint8_t *pucText, uint32_t uiLength, const uint16_t *pusUnits, uint32_t uiUnits)
+/** A line's text: units, or bytes as they go out. */
+struct LineText {
+    const uint16_t *pusUnits;
+    uint32_t uiUnits;
+    const uint8_t *pucBytes;
+    uint32_t uiBytes; // 0 = the line stands as units
+};
+
+LineText Get_LineText(const CaptionLineTable &stTable, const CaptionLine &stLine)
 {
-    for (uint32_t uiPos = 0; uiPos < uiUnits && uiLength <= LAST_PAIR_POS;) {
-        const uint32_t uiUnit = pusUnits[uiPos];
-        const bool bBlock = uiUnit < 0x80 && uiUnits - uiPos >= BLOCK_UNITS &&
-                            LAST_PAIR_POS - uiLength >= BLOCK_UNITS && pusUnits[uiPos + 1] < 0x80;
-        if (bBlock && Narrow_Block(pucText + uiLength, pusUnits + uiPos)) {
-            uiPos += BLOCK_UNITS;
-            uiLength += BLOCK_UNITS;
-            continue;
-        }
-        if (uiUnit >= 0x80)
-            pucText[uiLength++] = static_cast<uint8_t>(uiUnit >> 8); // double-byte, or a high single byte
-        pucText[uiLength++] = static_cast<uint8_t>(uiUnit);
-        ++uiPos;
-    }
-    return uiLength;
+    const bool bBytes = stLine.uiOutBytes != 0 && stLine.uiOutUnits == stLine.uiLength;
+    if (!bBytes) return {stTable.pusTextBuf + stLine.uiStart, stLine.uiLength, nullptr, 0};
+    const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
+    return {nullptr, stLine.uiLength, pucStore + stLine.uiStart, stLine.uiOutBytes};
 }
 
-AppendResult Append_AnsiLine(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits,
-                             bool bMerged)
+/** Put a character of code-page text behind the output text, as far as there is room for two bytes. */
+bool Put_AnsiUnit(QuibCaptionParserInfo &stInfo, uint32_t uiUnit)
+{
+    if (stInfo.uiOutTextLength > LAST_PAIR_POS) return false;
+    if (uiUnit >= 0x80) Put_Byte(stInfo, uiUnit >> 8); // double-byte, or a high single byte
+    Put_Byte(stInfo, uiUnit & 0xFF);
+    return true;
+}
+
+void Put_AnsiText(QuibCaptionParserInfo &stInfo, const LineText &stText)
+{
+    if (stText.uiBytes != 0 && stInfo.uiOutTextLength + stText.uiBytes <= LAST_PAIR_POS) {
+        std::memcpy(stInfo.aucOutText + stInfo.uiOutTextLength, stText.pucBytes, stText.uiBytes);
+        stInfo.uiOutTextLength += stText.uiBytes;
+        return;
+    }
+    const uint8_t *pucByte = stText.pucBytes;
+    for (uint32_t uiUnit = 0; uiUnit < stText.uiUnits; ++uiUnit) {
+        uint32_t uiCode = 0;
+        if (stText.uiBytes == 0)
+            uiCode = stText.pusUnits[uiUnit];
+        else if (uiCode = *pucByte++; uiCode == 0 || uiCode >= 0x80)
+            uiCode = uiCode << 8 | *pucByte++;
+        if (!Put_AnsiUnit(stInfo, uiCode)) return;
+    }
+}
+
+AppendResult Append_AnsiLine(QuibCaptionParserInfo &stInfo, const LineText &stText, bool bMerged)
 {
     if (stInfo.uiOutTextLength > 0) {
         if (stInfo.uiOutTextLength > LAST_PAIR_POS) {
@@ -276,35 +217,49 @@ AppendResult Append_AnsiLine(QuibCaptionParserInfo &stInfo, const uint16_t *pusU
         }
         Put_Byte(stInfo, '\n');
     }
-    stInfo.uiOutTextLength = Put_AnsiUnits(stInfo.aucOutText, stInfo.uiOutTextLength, pusUnits, uiUnits);
+    Put_AnsiText(stInfo, stText);
     return E_APPEND_DONE;
 }
 
-AppendResult Append_Utf16Line(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits)
+AppendResult Append_Utf16Line(QuibCaptionParserInfo &stInfo, const LineText &stText)
 {
+    const uint32_t uiBytes = 2 * stText.uiUnits;
     if (stInfo.uiOutTextLength > 0) {
         if (stInfo.uiOutTextLength > LAST_PAIR_POS - 2) return E_APPEND_STOP;
         Put_Byte(stInfo, '\n');
         Put_Byte(stInfo, 0);
     }
-    if (stInfo.uiOutTextLength + 2 * uiUnits > TEXT_BYTES) return E_APPEND_STOP;
-    std::memcpy(stInfo.aucOutText + stInfo.uiOutTextLength, pusUnits, size_t{2} * uiUnits);
-    stInfo.uiOutTextLength += 2 * uiUnits;
+    if (stInfo.uiOutTextLength + uiBytes > TEXT_BYTES) return E_APPEND_STOP;
+    const void *const pvText =
+        stText.uiBytes == 0 ? static_cast<const void *>(stText.pusUnits) : stText.pucBytes;
+    std::memcpy(stInfo.aucOutText + stInfo.uiOutTextLength, pvText, uiBytes);
+    stInfo.uiOutTextLength += uiBytes;
     return E_APPEND_DONE;
 }
 
-AppendResult Append_Utf8Line(QuibCaptionParserInfo &stInfo, const uint16_t *pusUnits, uint32_t uiUnits)
+/** Copy UTF-8 text with room for a zero behind it. @return its bytes; 0 without room */
+uint32_t Put_Utf8Text(uint8_t *pucTarget, uint32_t uiRoom, const LineText &stText)
+{
+    if (stText.uiBytes == 0)
+        return static_cast<uint32_t>(_UnicodeToUTF8(stText.pusUnits, static_cast<int32_t>(stText.uiUnits),
+                                                    pucTarget, static_cast<int32_t>(uiRoom)));
+    if (stText.uiBytes >= uiRoom) return 0;
+    std::memcpy(pucTarget, stText.pucBytes, stText.uiBytes);
+    return stText.uiBytes;
+}
+
+AppendResult Append_Utf8Line(QuibCaptionParserInfo &stInfo, const LineText &stText)
 {
     if (stInfo.uiOutTextLength > 0) {
         if (stInfo.uiOutTextLength + 1 > TEXT_BYTES) return E_APPEND_STOP;
         Put_Byte(stInfo, '\n');
     }
-    if (stInfo.uiOutTextLength + 2 * uiUnits > TEXT_BYTES) return E_APPEND_STOP;
+    if (stInfo.uiOutTextLength + 2 * stText.uiUnits > TEXT_BYTES) return E_APPEND_STOP;
     uint8_t *const pucTarget = stInfo.aucOutText + stInfo.uiOutTextLength;
-    const int32_t iRoom = static_cast<int32_t>(TEXT_BYTES - stInfo.uiOutTextLength);
-    const int32_t iBytes = _UnicodeToUTF8(pusUnits, static_cast<int32_t>(uiUnits), pucTarget, iRoom);
-    if (iBytes == 0) std::memset(pucTarget, 0, static_cast<size_t>(iRoom));
-    stInfo.uiOutTextLength += static_cast<uint32_t>(iBytes);
+    const uint32_t uiRoom = TEXT_BYTES - stInfo.uiOutTextLength;
+    const uint32_t uiBytes = Put_Utf8Text(pucTarget, uiRoom, stText);
+    if (uiBytes == 0) std::memset(pucTarget, 0, uiRoom);
+    stInfo.uiOutTextLength += uiBytes;
     return E_APPEND_DONE;
 }
 
@@ -312,13 +267,12 @@ AppendResult Append_Utf8Line(QuibCaptionParserInfo &stInfo, const uint16_t *pusU
 AppendResult Append_Line(const CaptionLineTable &stTable, uint32_t uiLine, bool bMerged)
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    const uint16_t *const pusUnits = stTable.pusTextBuf + stTable.astLine[uiLine].uiStart;
-    const uint32_t uiUnits = stTable.astLine[uiLine].uiLength;
+    const LineText stText = Get_LineText(stTable, stTable.astLine[uiLine]);
     AppendResult eResult = E_APPEND_DONE;
     switch (stInfo.uiOutputTextCharacterSet) {
-    case E_OUTPUT_CHARSET_ANSI: eResult = Append_AnsiLine(stInfo, pusUnits, uiUnits, bMerged); break;
-    case E_OUTPUT_CHARSET_UTF16: eResult = Append_Utf16Line(stInfo, pusUnits, uiUnits); break;
-    default: eResult = Append_Utf8Line(stInfo, pusUnits, uiUnits); break;
+    case E_OUTPUT_CHARSET_ANSI: eResult = Append_AnsiLine(stInfo, stText, bMerged); break;
+    case E_OUTPUT_CHARSET_UTF16: eResult = Append_Utf16Line(stInfo, stText); break;
+    default: eResult = Append_Utf8Line(stInfo, stText); break;
     }
     if (eResult == E_APPEND_DONE) ++stInfo.uiOutLineNums;
     return eResult;
@@ -450,6 +404,7 @@ void Clear_LineTable(uint32_t uiStream)
     for (CaptionLine &stLine : stTable.astLine) {
         stLine.uiStart = 0;
         stLine.uiWordUnits = 0;
+        stLine.uiOutBytes = 0;
     }
 }
 

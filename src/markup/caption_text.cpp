@@ -27,12 +27,9 @@ void Restart_Markup(uint16_t usFirst)
 MarkupStep Finish_Tag(const char *pszParser)
 {
     TagControlInfo &stTag = *s_pstTagControlInfo;
-    const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
-    if (iResult == -1)
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
-                            __LINE__, pszParser);
-    else if (Get_TagId(iResult) == E_HTML_TAG_UNKNOWN &&
-             (s_uiParsingOption & E_PARSING_OPTION_SHOW_UNKNOWN_TAGS) != 0)
+    const int32_t iResult = Apply_HtmlTag(pszParser);
+    if (iResult != -1 && Get_TagId(iResult) == E_HTML_TAG_UNKNOWN &&
+        (s_uiParsingOption & E_PARSING_OPTION_SHOW_UNKNOWN_TAGS) != 0)
         Give_Back(stTag.uiTagLength);
     stTag.uiTagLength = 0;
     return {E_MARKUP_TEXT, false};
@@ -74,6 +71,16 @@ MarkupStep Drop_Entity()
 }
 
 } // namespace
+
+int32_t Apply_HtmlTag(const char *pszParser)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    if (iResult == -1)
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
+                            __LINE__, pszParser);
+    return iResult;
+}
 
 void Append_Units(const uint16_t *pusUnits, uint32_t uiNums)
 {

@@ -97,6 +97,25 @@ inline MarkupState Step_MarkupText(uint16_t usChar)
     return E_MARKUP_TEXT;
 }
 
+/** Let the tag in the tag buffer take effect; a malformed one is logged. @return as Parse_HtmlTag() */
+int32_t Apply_HtmlTag(const char *pszParser);
+
+/** One unit of markup text, which is none of those that are not text in the format. */
+inline MarkupState Step_MarkupText(uint16_t usChar)
+{
+    if (usChar == ' ' || usChar == '\t') {
+        Append_FoldedBlank();
+        return E_MARKUP_TEXT;
+    }
+    pstQuibCaptionParserInfo->ucPrevBlank = 0;
+    if (usChar == '<' || usChar == '&') {
+        Begin_Markup(usChar);
+        return usChar == '<' ? E_MARKUP_TAG : E_MARKUP_ENTITY;
+    }
+    Append_Unit(usChar);
+    return E_MARKUP_TEXT;
+}
+
 /** One more unit of a tag. @param[in] pszParser  name of the frame parser, for the log */
 MarkupStep Step_Tag(uint16_t usChar, const char *pszParser);
 

@@ -39,9 +39,11 @@ constexpr const char *HANDLER_LOG_TAG = "ZYR_SUBTITLE_HANDLER";
 
 /** One output line of a frame. */
 struct CaptionLine {
-    uint32_t uiStart;     // first unit in pusTextBuf
+    uint32_t uiStart; // first unit in pusTextBuf, or first byte of a line that stands there as it goes out
     uint32_t uiWordUnits; // units that are not blanks
     uint32_t uiLength;    // units, once the frame is finished; until then in the record's puiLineLength
+    uint32_t uiOutBytes;  // bytes of a line that stands as it goes out; 0 = the line stands there as units
+    uint32_t uiOutUnits;  // and units that these bytes are
 };
 
 /** The output lines of one stream's frame. */

@@ -1,14 +1,12 @@
 // SubRip: a number line, a time line, text lines, an empty line; entry after entry, in file order. Every line
 // ends with CR LF. There is no header and no index, so a seek scans.
 
-#include <cstddef>
-
 #include "format/seek_index.h"
+#include "format/subrip/subrip_usual.h"
 #include "lines/line_output.h"
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
 #include "markup/tag_command.h"
-#include "text/buffer_units.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
 #include "zyr_log.h"
@@ -79,45 +77,12 @@ void Check_TimeLine(SubRipScan &stScan)
     stScan.bLogged = true;
 }
 
-/** A line of the current state has ended: its CR, or the LF too, has been seen. */
-void Start_LineEnd(SubRipScan &stScan, uint32_t uiMatched = 1)
+/** A line of the current state has ended: its CR has been seen. */
+void Start_LineEnd(SubRipScan &stScan)
 {
     stScan.eReturn = stScan.eState;
     stScan.eState = E_SRT_LINE_END;
-    stScan.uiMatched = Take_EntryEnd(uiMatched);
-    stScan.bEntryEnd = stScan.uiMatched == ENTRY_END_UNITS;
-}
-
-constexpr DigitPattern TIME_LINE("00:00:00,000 --> 00:00:00,000\r\n");
-constexpr uint32_t END_PLACE = 17;   // of the end time
-constexpr uint32_t USUAL_DIGITS = 9; // of an entry's number
-constexpr uint32_t USUAL_HEAD_UNITS = USUAL_DIGITS + 2 + TIME_LINE.uiUnits;
-
-/** Set the four numbers from uiFirst on to those of the time at a place of the pattern. */
-void Set_UsualTime(TimeLine &stTime, uint32_t uiFirst, const PatternDigits &stDigits, uint32_t uiPlace)
-{
-    for (uint32_t uiPair = 0; uiPair < 3; ++uiPair)
-        stTime.auiNumber[uiFirst + uiPair] = stDigits.Get_Pair(uiPlace + 3 * uiPair);
-    stTime.auiNumber[uiFirst + 3] = stDigits.Get_Pair(uiPlace + 9) * 10 + stDigits.aucDigit[uiPlace + 11];
-}
-
-/** Take an entry's number line and time line, if they stand at the read position in their usual form. @return
- * whether they did. */
-bool Take_UsualHead(SubRipScan &stScan)
-{
-    const BufferUnits stUnits = Get_BufferUnits();
-    if (stUnits.iNums < static_cast<int32_t>(USUAL_HEAD_UNITS)) return false;
-    uint32_t uiPos = 0;
-    while (uiPos < USUAL_DIGITS && Is_Digit(stUnits[uiPos])) ++uiPos;
-    if (uiPos == 0 || stUnits[uiPos] != '\r' || stUnits[uiPos + 1] != '\n') return false;
-    PatternDigits stDigits;
-    if (!Match_Pattern<TIME_LINE>(stUnits, uiPos + 2, &stDigits)) return false;
-    Take_BufferUnits(stUnits, uiPos + 2 + TIME_LINE.uiUnits);
-    Set_UsualTime(stScan.stTime, 0, stDigits, 0);
-    Set_UsualTime(stScan.stTime, TIME_NUMBERS / 2, stDigits, END_PLACE);
-    stScan.eState = E_SRT_AFTER_TIME;
-    Start_LineEnd(stScan, 2);
-    return true;
+    stScan.uiMatched = 1;
 }
 
 // One function per state that the frame parser and the seek share. Each gives whether its unit is done with;
@@ -156,11 +121,6 @@ bool Step_Time(SubRipScan &stScan, uint16_t usChar)
 {
     if (usChar != '\r') {
         Add_TimeUnit(stScan.stTime, usChar);
-        Take_AsciiUnits([&stTime = stScan.stTime](uint8_t ucUnit) {
-            if (ucUnit == '\r') return false;
-            Add_TimeUnit(stTime, ucUnit);
-            return true;
-        });
         return true;
     }
     Check_TimeLine(stScan);
@@ -216,9 +176,6 @@ bool Is_HeaderState(SubRipState eState)
 
 // ---- Frame parser ----
 
-constexpr StopUnits TEXT_STOPS = {5, {0, '\t', '\r', '<', '&'}, true};
-constexpr StopUnits TAG_STOPS = {3, {'\r', '<', '>'}, false};
-
 /** The text states stand in the order of MarkupState. */
 SubRipState Get_MarkupState(MarkupState eState)
 {
@@ -231,30 +188,21 @@ void End_TextLine()
     Execute_TagCommand(E_TAGCMD_LINE_BREAK, nullptr);
 }
 
-/** @return whether the line end is over: CR LF, and behind it a character that is no CR. */
-bool Is_LineOver(const SubRipScan &stScan)
-{
-    return stScan.uiMatched == 2 && Is_CharAhead();
-}
-
 bool Step_Text(SubRipScan &stScan, uint16_t usChar)
 {
-    stScan.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
-    if (usChar != '\r') return true;
-    Start_LineEnd(stScan);
-    if (!Is_LineOver(stScan)) return true;
-    End_TextLine();
-    stScan.eState = E_SRT_TEXT;
+    if (usChar == '\r' || usChar == 0) {
+        pstQuibCaptionParserInfo->ucPrevBlank = 0;
+        if (usChar == '\r') Start_LineEnd(stScan);
+        return true;
+    }
+    stScan.eState = Get_MarkupState(Step_MarkupText(usChar));
     return true;
 }
 
 bool Step_FrameTag(SubRipScan &stScan, uint16_t usChar)
 {
     stScan.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
-    if (usChar == '\r')
-        Start_LineEnd(stScan); // a tag may span lines
-    else if (stScan.eState == E_SRT_TAG)
-        Collect_TagRun<TAG_STOPS>();
+    if (usChar == '\r') Start_LineEnd(stScan); // a tag may span lines
     return true;
 }
 
@@ -294,29 +242,47 @@ int32_t Complete_Frame(const SubRipScan &stScan)
     return 1;
 }
 
+/** The literal reading of an entry. */
+int32_t Read_Entry(void *hFile)
+{
+    SubRipScan stScan = {};
+    while (!stScan.bEntryEnd) {
+        uint16_t usChar = 0;
+        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
+        if (iResult < 0) return Fail_Read(FRAME_PARSER_NAME, iResult);
+        if (iResult == 0) {
+            Mark_EndOfData();
+            return Is_HeaderState(stScan.eState) ? NO_CAPTION_DATA : Complete_Frame(stScan);
+        }
+        while (!Step_Frame(stScan, usChar)) {}
+    }
+    return Complete_Frame(stScan);
+}
+
 // ---- Seek ----
 
 constexpr const char *SEEK_NAME = "Seek_SubRip";
 
-constexpr StopUnits CR_STOP = {1, {'\r'}, false};
-
 bool Step_SeekText(SubRipScan &stScan, uint16_t usChar)
 {
-    if (usChar == '\r')
-        Start_LineEnd(stScan);
-    else
-        Skip_PlainRun<CR_STOP>();
+    if (usChar == '\r') Start_LineEnd(stScan);
     return true;
 }
 
 /** The entry before is from now on the one that the scan has passed; so is its time. */
-int64_t Pass_Entry(SubRipScan &stScan, SeekScan &stSeek, void *hFile)
+int64_t Pass_Entry(SeekScan &stSeek, bool bLogged, void *hFile)
 {
     SeekPlace &stPlace = stSeek.stPlace;
     stPlace = {Get_ReadPosition(hFile), stPlace.llPos, stPlace.uiLastTime, stPlace.uiLastTime};
-    const bool bLogged = stScan.bLogged;
-    stScan = {};
     return Pass_SeekEntry(stSeek, bLogged, hFile);
+}
+
+/** Note an entry's start. @return whether it is not beyond the target */
+bool Pass_Start(SeekScan &stSeek, uint32_t uiStart)
+{
+    if (!Pass_SeekStart(stSeek, uiStart)) return false;
+    stSeek.stPlace.uiLastTime = uiStart;
+    return true;
 }
 
 bool Step_Seek(SubRipScan &stScan, SeekScan &stSeek, uint16_t usChar)
@@ -326,9 +292,7 @@ bool Step_Seek(SubRipScan &stScan, SeekScan &stSeek, uint16_t usChar)
     case E_SRT_LINE_END: return Step_LineEnd(stScan, usChar) == E_LINE_END_MATCH;
     case E_SRT_TIME:
         if (Step_Time(stScan, usChar)) return true;
-        if (!Pass_SeekStart(stSeek, Get_Time(stScan.stTime, 0))) return true;
-        stSeek.stPlace.uiLastTime = Get_Time(stScan.stTime, 0);
-        return false;
+        return !Pass_Start(stSeek, Get_Time(stScan.stTime, 0));
     default: return Step_Header(stScan, usChar);
     }
 }
@@ -350,20 +314,7 @@ int32_t FrameParser_SubRip(void)
     Clear_TagQueue();
     pstQuibCaptionParserInfo->llCurrFilePos = Get_ReadPosition(hFile);
     pstQuibCaptionParserInfo->uiConvLength = 0; // text of a frame that failed in the middle
-    SubRipScan stScan = {};
-    if (Take_UsualHead(stScan) && Is_LineOver(stScan)) stScan.eState = E_SRT_TEXT;
-    while (!stScan.bEntryEnd) {
-        if (stScan.eState == E_SRT_TEXT) Append_PlainRun<TEXT_STOPS>();
-        uint16_t usChar = 0;
-        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
-        if (iResult < 0) return Fail_Read(FRAME_PARSER_NAME, iResult);
-        if (iResult == 0) {
-            Mark_EndOfData();
-            return Is_HeaderState(stScan.eState) ? NO_CAPTION_DATA : Complete_Frame(stScan);
-        }
-        while (!Step_Frame(stScan, usChar)) {}
-    }
-    return Complete_Frame(stScan);
+    return Take_UsualSubRip() ? 1 : Read_Entry(hFile);
 }
 
 int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,
@@ -391,8 +342,17 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     }
     SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bFromStart), false};
     SubRipScan stScan = {};
-    return Scan_ToTarget(stSeek, hFile, SEEK_NAME, [&](uint16_t usChar) {
+    const auto fnTake = [&](uint16_t usChar) -> int64_t {
         while (!Step_Seek(stScan, stSeek, usChar)) {}
-        return stScan.bEntryEnd ? Pass_Entry(stScan, stSeek, hFile) : 1;
-    });
+        if (!stScan.bEntryEnd) return 1;
+        const bool bLogged = stScan.bLogged;
+        stScan = {};
+        return Pass_Entry(stSeek, bLogged, hFile);
+    };
+    const auto fnPassUsual = [&]() -> int64_t {
+        uint32_t uiStart = 0;
+        if (stScan.eState != E_SRT_SEEK_NUMBER || stScan.bLogged || !Pass_UsualSubRip(&uiStart)) return 0;
+        return Pass_Start(stSeek, uiStart) ? Pass_Entry(stSeek, false, hFile) : 1;
+    };
+    return Scan_ToTarget(stSeek, hFile, SEEK_NAME, fnTake, fnPassUsual);
 }

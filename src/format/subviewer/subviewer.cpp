@@ -330,8 +330,11 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
     SubViewerScan stScan = {};
     stScan.pszFunction = SEEK_NAME;
-    return Scan_ToTarget(stSeek, hFile, SEEK_NAME, [&](uint16_t usChar) {
-        Step_Seek(stScan, stSeek, usChar);
-        return stScan.bFrameEnd && !stSeek.bBeyond ? Pass_Frame(stScan, stSeek, hFile) : 1;
-    });
+    return Scan_ToTarget(
+        stSeek, hFile, SEEK_NAME,
+        [&](uint16_t usChar) {
+            Step_Seek(stScan, stSeek, usChar);
+            return stScan.bFrameEnd && !stSeek.bBeyond ? Pass_Frame(stScan, stSeek, hFile) : 1;
+        },
+        [] { return int64_t{0}; });
 }

@@ -1,0 +1,101 @@
+#include "format/subrip/subrip_usual.h"
+
+#include "format/usual_text.h"
+#include "markup/caption_text.h"
+#include "text/digit_pattern.h"
+#include "text/find_unit.h"
+#include "text/text_helpers.h"
+
+namespace
+{
+
+constexpr DigitPattern TIME_LINE("00:00:00,000 --> 00:00:00,000\r\n");
+constexpr uint32_t END_PLACE = 17; // of the end time
+constexpr uint32_t DIGITS_MAX = 9; // of an entry's number
+constexpr uint32_t HEAD_UNITS = DIGITS_MAX + 2 + DigitPattern::BYTES_MAX + 1;
+
+/** Number line and time line. */
+struct SubRipHead {
+    uint32_t uiUnits; // of both
+    uint32_t uiStart; // ms
+    uint32_t uiEnd;
+    bool bEmpty; // an empty line follows: its CR at least
+};
+
+uint32_t Get_Time(const PatternDigits &stDigits, uint32_t uiPlace)
+{
+    const uint32_t uiMinutes = stDigits.Get_Pair(uiPlace) * 60 + stDigits.Get_Pair(uiPlace + 3);
+    const uint32_t uiSeconds = uiMinutes * 60 + stDigits.Get_Pair(uiPlace + 6);
+    return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 9) * 10 + stDigits.aucDigit[uiPlace + 11];
+}
+
+bool Match_Head(SubRipHead *pstHead)
+{
+    uint8_t aucHead[HEAD_UNITS];
+    const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
+    if (pucHead == nullptr) return false;
+    uint32_t uiPos = 0;
+    while (uiPos < DIGITS_MAX && Is_Digit(pucHead[uiPos])) ++uiPos;
+    PatternDigits stDigits;
+    if (uiPos == 0 || pucHead[uiPos] != '\r' || pucHead[uiPos + 1] != '\n' ||
+        !Match_Pattern<TIME_LINE>(pucHead + uiPos + 2, &stDigits))
+        return false;
+    pstHead->uiUnits = uiPos + 2 + TIME_LINE.uiBytes;
+    pstHead->uiStart = Get_Time(stDigits, 0);
+    pstHead->uiEnd = Get_Time(stDigits, END_PLACE);
+    pstHead->bEmpty = pucHead[pstHead->uiUnits] == '\r';
+    return true;
+}
+
+UsualStep Take_SubRipStop(UsualText &stText, uint32_t uiUnit)
+{
+    switch (uiUnit) {
+    case '\r': return Take_UsualLineEnd(stText);
+    case '<': return Take_UsualHtmlTag(stText);
+    case '&': return Take_UsualEntity(stText);
+    case '\t': return Take_UsualTab(stText);
+    default: return E_USUAL_ODD;
+    }
+}
+
+void Apply_SubRipTag(uint32_t /*uiUnits*/)
+{
+    Apply_HtmlTag("FrameParser_SubRip");
+}
+
+constexpr UsualForm SUBRIP_FORM = {{'<', '&'}, Take_SubRipStop, Apply_SubRipTag};
+
+/** An entry without text: the time line's end and an empty line. */
+bool Take_EmptyText(UsualText &stText)
+{
+    if (stText.pucEnd - stText.pucByte < USUAL_AHEAD || stText.Get_Unit(1) != '\n') return false;
+    stText.Take_Units(2);
+    return true;
+}
+
+} // namespace
+
+bool Take_UsualSubRip()
+{
+    SubRipHead stHead;
+    UsualText stText;
+    if (!Match_Head(&stHead) || !Begin_UsualText(&stText, stHead.uiUnits)) return false;
+    if (!(stHead.bEmpty ? Take_EmptyText(stText) : Take_UsualText(stText, SUBRIP_FORM))) return false;
+    Commit_UsualText(stText, SUBRIP_FORM);
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.iStartPTS = static_cast<int32_t>(stHead.uiStart);
+    stInfo.iCurrPTS = stInfo.iStartPTS;
+    stInfo.iEndPTS = static_cast<int32_t>(stHead.uiEnd);
+    return true;
+}
+
+bool Pass_UsualSubRip(uint32_t *puiStart)
+{
+    SubRipHead stHead;
+    if (!s_bUsualReading || !Match_Head(&stHead)) return false;
+    const int32_t iBehind = Find_EmptyLine(stHead.uiUnits - 2);
+    if (iBehind < 0) return false;
+    *puiStart = stHead.uiStart;
+    Get_StreamInfo().iStreamBufIndex = iBehind;
+    return true;
+}

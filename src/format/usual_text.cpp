@@ -1,0 +1,505 @@
+#include "format/usual_text.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+
+#include "markup/entity.h"
+#include "text/text_block.h"
+#include "text/text_helpers.h"
+
+bool s_bUsualReading = true;
+uint32_t s_uiUsualEntries = 0;
+
+namespace
+{
+
+constexpr uint32_t BLANK = 0x20;
+constexpr uint32_t CONTROLS = 0x20;     // units below are none of a run of characters
+constexpr ptrdiff_t STORE_BYTES = 2048; // of a usual entry's text: six lines at their longest take 1,152
+constexpr uint32_t RUN_UNITS_MAX = 250; // of a line of the file: more are laid out in several steps
+constexpr uint32_t TAG_UNITS_MAX = 200;
+constexpr uint32_t ENTITY_UNITS_MAX = 12;
+constexpr uint32_t BLOCK_BITS = (1u << BLOCK_BYTES) - 1;
+
+constexpr bool Is_Surrogate(uint32_t uiUnit)
+{
+    return uiUnit - 0xD800 < 0x800;
+}
+
+// ---- Characters, sixteen bytes at a step ----
+
+/** What stands in a block, a bit for each byte. */
+struct BlockLook {
+    uint32_t uiStop; // where the run of characters ends
+    uint32_t uiBlank;
+    uint32_t uiTrail; // bytes that begin no unit
+    uint32_t uiOdd;   // bytes that only the literal reading can tell
+};
+
+uint32_t Count_Bits(uint32_t uiBits) // 16 of them
+{
+    uiBits -= uiBits >> 1 & 0x5555;
+    uiBits = (uiBits & 0x3333) + (uiBits >> 2 & 0x3333);
+    uiBits = (uiBits + (uiBits >> 4)) & 0x0F0F;
+    return (uiBits + (uiBits >> 8)) & 0x1F;
+}
+
+/**
+ * Tell the bytes of UTF-8 characters up to U+FFFF in good form; all others are odd.
+ *
+ * @param[in,out] uiCarry  bytes at the block's start that must continue a character, a bit for each
+ */
+void Look_AtUtf8(const TextBlock &stBlock, const uint8_t *pucByte, uint32_t &uiCarry, BlockLook &stLook)
+{
+    const auto stNextIsLate = TextBlock::Load(pucByte + 1).Find_AtLeast(0xA0);
+    const auto stThree = stBlock.Find_AtLeast(0xE0);
+    const auto stThreeLow = stBlock.Find_Equal(0xE0); // overlong with an early second byte
+    const uint32_t uiHigh = TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80));
+    const uint32_t uiLead = TextBlock::Get_Bits(stBlock.Find_AtLeast(0xC0));
+    const uint32_t uiNever =
+        TextBlock::Get_Bits(stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1) | stBlock.Find_AtLeast(0xF0) |
+                            (stBlock.Find_Equal(0xED) & stNextIsLate)); // surrogates
+    const uint32_t uiOverlong =
+        TextBlock::Get_Bits(stThreeLow) & ~TextBlock::Get_Bits(stThreeLow & stNextIsLate);
+    const uint32_t uiWanted = uiLead << 1 | TextBlock::Get_Bits(stThree) << 2 | uiCarry;
+    stLook.uiTrail = uiHigh & ~uiLead;
+    stLook.uiOdd = uiNever | uiOverlong | ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS);
+    uiCarry = uiWanted >> BLOCK_BYTES;
+}
+
+template <TextKind KIND>
+BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, const UsualForm &stForm,
+                       uint32_t &uiCarry)
+{
+    BlockLook stLook = {};
+    if constexpr (KIND == E_TEXT_UTF16) {
+        stLook.uiStop =
+            TextBlock::Get_Bits(stBlock.Find_BelowUnit(CONTROLS) | stBlock.Find_EqualUnit(stForm.aucStop[0]) |
+                                stBlock.Find_EqualUnit(stForm.aucStop[1]));
+        stLook.uiBlank = TextBlock::Get_Bits(stBlock.Find_EqualUnit(BLANK));
+        return stLook;
+    }
+    stLook.uiStop = TextBlock::Get_Bits(stBlock.Find_Below(CONTROLS) | stBlock.Find_Equal(stForm.aucStop[0]) |
+                                        stBlock.Find_Equal(stForm.aucStop[1]));
+    stLook.uiBlank = TextBlock::Get_Bits(stBlock.Find_Equal(BLANK));
+    const uint32_t uiHigh = TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80));
+    if (KIND == E_TEXT_SINGLE) stLook.uiStop |= uiHigh;
+    if ((uiHigh | uiCarry) == 0) return stLook;
+    if constexpr (KIND == E_TEXT_UTF8) Look_AtUtf8(stBlock, pucByte, uiCarry, stLook);
+    if constexpr (KIND == E_TEXT_DOUBLE) {
+        stLook.uiTrail = Find_SecondBytes(uiHigh, uiCarry);
+        stLook.uiStop &= ~stLook.uiTrail;
+        stLook.uiBlank &= ~stLook.uiTrail;
+    }
+    return stLook;
+}
+
+/** Take characters up to a stop. @return whether all of them are sure and the buffer holds the stop */
+template <TextKind KIND>
+bool Take_Characters(UsualText &stText, const UsualForm &stForm)
+{
+    constexpr uint32_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
+    constexpr uint32_t UNIT_BITS = (1u << UNIT_BYTES) - 1;
+    const uint8_t *pucByte = stText.pucByte;
+    uint8_t *pucOut = stText.pucOut;
+    uint32_t uiPrevBlank = stText.bPrevBlank ? UNIT_BITS : 0;
+    uint32_t uiCarry = 0;
+    for (;;) {
+        if (stText.pucEnd - pucByte < USUAL_AHEAD || pucOut - stText.pucStore > STORE_BYTES) return false;
+        TextBlock stBlock = TextBlock::Load(pucByte);
+        if (KIND == E_TEXT_UTF16 && stText.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
+        stBlock.Store(pucOut);
+        BlockLook stLook = Look_AtBlock<KIND>(stBlock, pucByte, stForm, uiCarry);
+        stLook.uiStop |= stLook.uiBlank & (stLook.uiBlank << UNIT_BYTES | uiPrevBlank);
+        const uint32_t uiBefore = (stLook.uiStop - 1) & ~stLook.uiStop & BLOCK_BITS; // all without a stop
+        if ((stLook.uiOdd & (uiBefore << 1 | 1)) != 0) return false;
+        if (KIND != E_TEXT_UTF16 && stLook.uiTrail != 0)
+            stText.uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
+        const uint32_t uiBytes =
+            stLook.uiStop == 0 ? BLOCK_BYTES : static_cast<uint32_t>(std::countr_zero(stLook.uiStop));
+        pucByte += uiBytes;
+        pucOut += uiBytes;
+        if (uiBytes > 0) uiPrevBlank = stLook.uiBlank >> (uiBytes - UNIT_BYTES) & UNIT_BITS;
+        if (stLook.uiStop != 0) break;
+    }
+    stText.pucByte = pucByte;
+    stText.pucOut = pucOut;
+    stText.bPrevBlank = uiPrevBlank != 0;
+    return true;
+}
+
+/** Pass over blanks of the text that go: a line's first ones, and all but the first of a run. */
+void Skip_Blanks(UsualText &stText)
+{
+    while (stText.pucEnd - stText.pucByte >= USUAL_AHEAD && stText.Get_Unit(0) == BLANK) stText.Take_Units(1);
+}
+
+/** Single bytes go out as two, the first one a zero. */
+UsualStep Take_HighBytes(UsualText &stText)
+{
+    while (stText.pucEnd - stText.pucByte >= USUAL_AHEAD && *stText.pucByte >= 0x80) {
+        if (stText.pucOut - stText.pucStore > STORE_BYTES) return E_USUAL_ODD;
+        *stText.pucOut++ = 0;
+        *stText.pucOut++ = *stText.pucByte++;
+        ++stText.uiTrails;
+    }
+    stText.bPrevBlank = false;
+    return E_USUAL_ON;
+}
+
+// ---- Units one by one: where a line is long, and in tags ----
+
+/** A unit of a line as it goes out. */
+struct LineUnit {
+    uint32_t uiBytes;
+    bool bBlank;
+};
+
+LineUnit Get_LineUnit(TextKind eKind, const uint8_t *pucUnit)
+{
+    switch (eKind) {
+    case E_TEXT_UTF16: return {2, pucUnit[0] == BLANK && pucUnit[1] == 0};
+    case E_TEXT_UTF8: return {pucUnit[0] < 0x80 ? 1u : pucUnit[0] < 0xE0 ? 2u : 3u, pucUnit[0] == BLANK};
+    case E_TEXT_DOUBLE: return {pucUnit[0] < 0x80 ? 1u : 2u, pucUnit[0] == BLANK};
+    default: return {pucUnit[0] != 0 ? 1u : 2u, pucUnit[0] == BLANK};
+    }
+}
+
+/** A unit of the file's text: its bytes, 0 where it is none that is sure. */
+uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *pusUnit)
+{
+    const uint32_t uiFirst = pucByte[0];
+    const uint32_t uiSecond = pucByte[1];
+    if (stText.eKind == E_TEXT_UTF16) {
+        *pusUnit =
+            static_cast<uint16_t>(stText.bBigEndian ? uiFirst << 8 | uiSecond : uiSecond << 8 | uiFirst);
+        return 2;
+    }
+    *pusUnit = static_cast<uint16_t>(uiFirst);
+    if (uiFirst < 0x80 || stText.eKind == E_TEXT_SINGLE) return 1;
+    if (stText.eKind == E_TEXT_DOUBLE) {
+        *pusUnit = static_cast<uint16_t>(uiFirst << 8 | uiSecond);
+        return 2;
+    }
+    const bool bThree = uiFirst >= 0xE0;
+    if ((uiSecond & 0xC0) != 0x80 || (bThree && (pucByte[2] & 0xC0) != 0x80) || uiFirst >= 0xF0 ||
+        uiFirst < 0xC2)
+        return 0;
+    const uint32_t uiCode = bThree ? (uiFirst & 0x0F) << 12 | (uiSecond & 0x3F) << 6 | (pucByte[2] & 0x3Fu)
+                                   : (uiFirst & 0x1F) << 6 | (uiSecond & 0x3F);
+    *pusUnit = static_cast<uint16_t>(uiCode);
+    return bThree ? (uiCode < 0x800 ? 0 : 3) : 2;
+}
+
+// ---- Lines ----
+
+bool Add_Line(UsualText &stText, const uint8_t *pucStart, const uint8_t *pucEnd, uint32_t uiUnits)
+{
+    if (uiUnits == 0) return true;
+    if (stText.uiLines == ZYR_LINE_MAX) return false;
+    stText.astLine[stText.uiLines++] = {static_cast<uint32_t>(pucStart - stText.pucStore),
+                                        static_cast<uint32_t>(pucEnd - pucStart), uiUnits};
+    return true;
+}
+
+/** Where a line that is walked unit by unit has its last blanks, and its last word. */
+struct LineWalk {
+    const uint8_t *pucLine;
+    uint32_t uiUnits;
+    const uint8_t *pucBreak; // end of the last word that blanks follow; NULL = none
+    uint32_t uiBreakUnits;
+    const uint8_t *pucWord; // begin of the word behind them
+    uint32_t uiWordUnits;   // units before it
+    bool bInBlank;
+};
+
+void Note_LineUnit(LineWalk &stWalk, const uint8_t *pucUnit, bool bBlank)
+{
+    if (bBlank && !stWalk.bInBlank) {
+        stWalk.pucBreak = pucUnit;
+        stWalk.uiBreakUnits = stWalk.uiUnits;
+    } else if (!bBlank && stWalk.bInBlank) {
+        stWalk.pucWord = pucUnit;
+        stWalk.uiWordUnits = stWalk.uiUnits;
+    }
+    stWalk.bInBlank = bBlank;
+}
+
+/** Begin a new line for the unit that does not fit: at the last word, or right there. */
+bool Wrap_Line(UsualText &stText, LineWalk &stWalk, const uint8_t *pucUnit)
+{
+    const bool bHard = stWalk.pucBreak == nullptr;
+    if (stText.uiLines + 1 >= ZYR_LINE_MAX) return false; // the log tells that
+    if (!Add_Line(stText, stWalk.pucLine, bHard ? pucUnit : stWalk.pucBreak,
+                  bHard ? stWalk.uiUnits : stWalk.uiBreakUnits))
+        return false;
+    const bool bMove = !bHard && !stWalk.bInBlank;
+    stWalk.pucLine = bMove ? stWalk.pucWord : pucUnit;
+    stWalk.uiUnits = bMove ? stWalk.uiUnits - stWalk.uiWordUnits : 0;
+    stWalk.pucBreak = nullptr;
+    return true;
+}
+
+/** Close the current line unit by unit: it is longer than a line, or ends with blanks. */
+bool Close_WalkedLine(UsualText &stText)
+{
+    LineWalk stWalk = {stText.pucLine, 0, nullptr, 0, nullptr, 0, false};
+    const uint8_t *pucUnit = stText.pucLine;
+    while (pucUnit < stText.pucOut) {
+        const LineUnit stUnit = Get_LineUnit(stText.eKind, pucUnit);
+        if (stUnit.bBlank && stWalk.uiUnits == 0) { // a line begins with its first word
+            pucUnit += stUnit.uiBytes;
+            stWalk.pucLine = pucUnit;
+            continue;
+        }
+        Note_LineUnit(stWalk, pucUnit, stUnit.bBlank);
+        if (stWalk.uiUnits == LINE_UNITS) {
+            if (!Wrap_Line(stText, stWalk, pucUnit)) return false;
+            if (stUnit.bBlank) continue;
+        }
+        ++stWalk.uiUnits;
+        pucUnit += stUnit.uiBytes;
+    }
+    const bool bTrim = stWalk.bInBlank && stWalk.pucBreak != nullptr;
+    return Add_Line(stText, stWalk.pucLine, bTrim ? stWalk.pucBreak : stText.pucOut,
+                    bTrim ? stWalk.uiBreakUnits : stWalk.uiUnits);
+}
+
+/** Close the current line, if there is anything on it. @return false where there is no room for it */
+bool Close_Line(UsualText &stText)
+{
+    const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucLine);
+    bool bGood = true;
+    if (uiBytes > 0) {
+        const uint32_t uiUnits = (uiBytes - stText.uiTrails) / stText.uiUnitBytes;
+        const bool bLastBlank =
+            stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK; // or half of a unit
+        if (uiUnits > LINE_UNITS || bLastBlank)
+            bGood = uiUnits <= RUN_UNITS_MAX && Close_WalkedLine(stText);
+        else
+            bGood = Add_Line(stText, stText.pucLine, stText.pucOut, uiUnits);
+    }
+    stText.pucLine = stText.pucOut;
+    stText.uiTrails = 0;
+    stText.bPrevBlank = false;
+    return bGood;
+}
+
+bool Take_Run(UsualText &stText, const UsualForm &stForm)
+{
+    switch (stText.eKind) {
+    case E_TEXT_UTF8: return Take_Characters<E_TEXT_UTF8>(stText, stForm);
+    case E_TEXT_DOUBLE: return Take_Characters<E_TEXT_DOUBLE>(stText, stForm);
+    case E_TEXT_SINGLE: return Take_Characters<E_TEXT_SINGLE>(stText, stForm);
+    default: return Take_Characters<E_TEXT_UTF16>(stText, stForm);
+    }
+}
+
+UsualStep Take_Stop(UsualText &stText, const UsualForm &stForm)
+{
+    const uint32_t uiUnit = stText.Get_Unit(0);
+    if (uiUnit == BLANK) {
+        Skip_Blanks(stText);
+        return E_USUAL_ON;
+    }
+    if (uiUnit >= 0x80) return Take_HighBytes(stText);
+    return stForm.pfTakeStop(stText, uiUnit);
+}
+
+/** Bring a tag into the tag buffer. */
+void Decode_Tag(const UsualText &stText, const UsualTag &stTag)
+{
+    const uint8_t *pucByte = stTag.pucTag;
+    for (uint32_t uiUnit = 0; uiUnit < stTag.uiUnits; ++uiUnit)
+        pucByte += Decode_Unit(stText, pucByte, s_pstTagControlInfo->ausTagBuf + uiUnit);
+    s_pstTagControlInfo->uiTagLength = stTag.uiUnits;
+}
+
+} // namespace
+
+bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const CaptionStreamInfo &stStream = Get_StreamInfo();
+    const bool bFresh = stInfo.uiLineIndex == 0 && stInfo.puiLineLength[0] == 0;
+    const bool bFull = s_uiMaxLineNums == ZYR_LINE_MAX && s_uiConvBufSize == CONV_BUF_UNITS;
+    const bool bShowTags = (s_uiParsingOption & E_PARSING_OPTION_SHOW_UNKNOWN_TAGS) != 0;
+    if (!s_bUsualReading || !bFresh || !bFull || bShowTags) return false;
+    UsualText &stText = *pstText;
+    stText.eKind = Get_TextKind();
+    if (stText.eKind == E_TEXT_OTHER) return false;
+    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * Get_UnitBytes();
+    stText.pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
+    stText.pucStore = reinterpret_cast<uint8_t *>(s_astLineTable[stInfo.uiCurrStream].pusTextBuf);
+    stText.pucLine = stText.pucStore;
+    stText.pucOut = stText.pucStore;
+    stText.uiTrails = 0;
+    stText.bPrevBlank = false;
+    stText.uiUnitBytes = Get_UnitBytes();
+    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+    stText.uiLines = 0;
+    stText.uiTags = 0;
+    return true;
+}
+
+bool Take_UsualText(UsualText &stText, const UsualForm &stForm)
+{
+    for (;;) {
+        if (stText.Is_LineEmpty()) Skip_Blanks(stText);
+        if (!Take_Run(stText, stForm)) return false;
+        const UsualStep eStep = Take_Stop(stText, stForm);
+        if (eStep == E_USUAL_ODD) return false;
+        if (eStep == E_USUAL_END) return Close_Line(stText);
+    }
+}
+
+void Commit_UsualText(const UsualText &stText, const UsualForm &stForm)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+    for (uint32_t uiTag = 0; uiTag < stText.uiTags; ++uiTag) {
+        Decode_Tag(stText, stText.astTag[uiTag]);
+        stForm.pfApplyTag(stText.astTag[uiTag].uiUnits);
+        s_pstTagControlInfo->uiTagLength = 0;
+    }
+    for (uint32_t uiLine = 0; uiLine < stText.uiLines; ++uiLine) {
+        const UsualLine &stLine = stText.astLine[uiLine];
+        stTable.astLine[uiLine] = {stLine.uiStart, stLine.uiUnits, stLine.uiUnits, stLine.uiBytes,
+                                   stLine.uiUnits};
+        stInfo.puiLineLength[uiLine] = stLine.uiUnits;
+    }
+    stInfo.uiLineIndex = stText.uiLines;
+    stInfo.uiConvLength = 0;
+    stTable.uiWritePos = static_cast<uint32_t>(stText.pucOut - stText.pucStore + 1) / 2;
+    CaptionStreamInfo &stStream = Get_StreamInfo();
+    stStream.iStreamBufIndex = static_cast<int32_t>(stText.pucByte - stStream.pucStreamBuf);
+    ++s_uiUsualEntries;
+}
+
+UsualStep Break_UsualLine(UsualText &stText)
+{
+    if (stText.uiLines == ZYR_LINE_MAX) return E_USUAL_ODD; // the log tells that
+    return Close_Line(stText) ? E_USUAL_ON : E_USUAL_ODD;
+}
+
+UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit)
+{
+    stText.bPrevBlank = false;
+    if (uiUnit == BLANK && stText.Is_LineEmpty()) return E_USUAL_ON;
+    uint8_t *const pucOut = stText.pucOut;
+    if (uiUnit < CONTROLS || Is_Surrogate(uiUnit)) return E_USUAL_ODD;
+    if (stText.eKind == E_TEXT_UTF16) {
+        pucOut[0] = static_cast<uint8_t>(uiUnit);
+        pucOut[1] = static_cast<uint8_t>(uiUnit >> 8);
+        stText.pucOut += 2;
+        return E_USUAL_ON;
+    }
+    if (uiUnit < 0x80) {
+        *stText.pucOut++ = static_cast<uint8_t>(uiUnit);
+        return E_USUAL_ON;
+    }
+    if (stText.eKind != E_TEXT_UTF8) return E_USUAL_ODD;
+    const uint32_t uiTrails = uiUnit < 0x800 ? 1 : 2;
+    if (uiTrails == 1) {
+        *stText.pucOut++ = static_cast<uint8_t>(0xC0 | uiUnit >> 6);
+    } else {
+        *stText.pucOut++ = static_cast<uint8_t>(0xE0 | uiUnit >> 12);
+        *stText.pucOut++ = static_cast<uint8_t>(0x80 | (uiUnit >> 6 & 0x3F));
+    }
+    *stText.pucOut++ = static_cast<uint8_t>(0x80 | (uiUnit & 0x3F));
+    stText.uiTrails += uiTrails;
+    return E_USUAL_ON;
+}
+
+UsualStep Take_UsualTab(UsualText &stText)
+{
+    stText.Take_Units(1);
+    if (stText.bPrevBlank) return E_USUAL_ON;
+    const UsualStep eStep = Put_UsualUnit(stText, BLANK);
+    stText.bPrevBlank = !stText.Is_LineEmpty();
+    return eStep;
+}
+
+UsualStep Note_UsualTag(UsualText &stText, uint32_t uiOpen, uint32_t uiClose)
+{
+    if (stText.uiTags == UsualText::TAGS_MAX) return E_USUAL_ODD;
+    const uint8_t *pucByte = stText.pucByte;
+    uint16_t usUnit = static_cast<uint16_t>(uiOpen);
+    uint32_t uiUnits = 0;
+    for (; usUnit != uiClose; ++uiUnits) {
+        if (stText.pucEnd - pucByte < USUAL_AHEAD || uiUnits == TAG_UNITS_MAX) return E_USUAL_ODD;
+        const uint32_t uiBytes = Decode_Unit(stText, pucByte, &usUnit);
+        if (uiBytes == 0 || usUnit < CONTROLS || (usUnit == uiOpen && uiUnits > 0)) return E_USUAL_ODD;
+        pucByte += uiBytes;
+    }
+    stText.astTag[stText.uiTags++] = {stText.pucByte, uiUnits};
+    stText.pucByte = pucByte;
+    stText.bPrevBlank = false;
+    return E_USUAL_ON;
+}
+
+bool Is_UsualAhead(const UsualText &stText, const char *psz)
+{
+    for (uint32_t uiPos = 0; psz[uiPos] != '\0'; ++uiPos) {
+        const uint32_t uiUnit = stText.Get_Unit(uiPos);
+        if (uiUnit != static_cast<uint8_t>(psz[uiPos]) &&
+            uiUnit != To_Upper(static_cast<uint8_t>(psz[uiPos])))
+            return false;
+    }
+    return true;
+}
+
+UsualStep Take_UsualHtmlTag(UsualText &stText)
+{
+    if (Is_UsualAhead(stText, "<br>")) {
+        stText.Take_Units(4);
+        return Break_UsualLine(stText);
+    }
+    if (Is_UsualAhead(stText, "<br") || Is_UsualAhead(stText, "</br"))
+        return E_USUAL_ODD; // may break a line as well
+    return Note_UsualTag(stText, '<', '>');
+}
+
+UsualStep Take_UsualEntity(UsualText &stText)
+{
+    uint16_t ausEntity[ENTITY_UNITS_MAX];
+    uint32_t uiUnits = 0;
+    do {
+        if (uiUnits == ENTITY_UNITS_MAX) return E_USUAL_ODD;
+        const uint32_t uiUnit = stText.Get_Unit(uiUnits);
+        const bool bInEntity = Is_Digit(uiUnit) || uiUnit - 'a' < 26 || (uiUnit == '#' && uiUnits == 1);
+        if (uiUnits > 0 && uiUnit != ';' && !bInEntity) return E_USUAL_ODD;
+        ausEntity[uiUnits++] = static_cast<uint16_t>(uiUnit);
+    } while (ausEntity[uiUnits - 1] != ';');
+    const uint16_t usCode = Get_EntityCharCode(ausEntity, static_cast<int32_t>(uiUnits));
+    if (usCode == 0) return E_USUAL_ODD;
+    stText.Take_Units(uiUnits);
+    return Put_UsualUnit(stText, usCode);
+}
+
+UsualStep Take_UsualLineEnd(UsualText &stText)
+{
+    if (stText.Get_Unit(1) != '\n') return E_USUAL_ODD;
+    if (stText.Get_Unit(2) != '\r') {
+        stText.Take_Units(2);
+        return Break_UsualLine(stText);
+    }
+    if (stText.Get_Unit(3) != '\n') return E_USUAL_ODD;
+    stText.Take_Units(4);
+    return E_USUAL_END;
+}
+
+const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits)
+{
+    const CaptionStreamInfo &stStream = Get_StreamInfo();
+    const uint8_t *const pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
+    if (Get_HeldBytes(stStream) < static_cast<int32_t>(uiUnits * Get_UnitBytes())) return nullptr;
+    if (!Is_Utf16Text()) return pucByte;
+    const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
+    for (uint32_t uiUnit = 0; uiUnit < uiUnits; ++uiUnit) {
+        const uint8_t *const puc = pucByte + 2 * uiUnit;
+        pucTarget[uiUnit] = puc[1 - uiLow] == 0 ? puc[uiLow] : uint8_t{0xFF};
+    }
+    return pucTarget;
+}

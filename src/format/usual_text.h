@@ -1,0 +1,129 @@
+/*
+ * The text of a usual entry at once: from the bytes of the read buffer to finished lines, which are kept as they
+ * go out. All or nothing: until Commit_UsualText() nothing that anybody sees has changed, so whatever is odd
+ * about an entry ends the attempt, and the literal reading takes the entry.
+ *
+ * A format says in a UsualForm which units its text stops at, and what each of them means. Characters in between
+ * are taken here, sixteen bytes at a step.
+ */
+#pragma once
+
+#include <cstdint>
+
+#include "record/parser_state.h"
+#include "text/text_kind.h"
+
+/** Tests turn the usual reading off to hold it against the literal one. */
+extern bool s_bUsualReading;
+
+/** Entries that the usual reading has taken since the program began. */
+extern uint32_t s_uiUsualEntries;
+
+/** What a stop led to. */
+enum UsualStep : uint32_t {
+    E_USUAL_ON,  // the text goes on at the byte behind it
+    E_USUAL_END, // the entry is complete; its last line is still open
+    E_USUAL_ODD, // only the literal reading can tell
+};
+
+/** Tag whose effect waits until the entry is known to be whole. */
+struct UsualTag {
+    const uint8_t *pucTag; // in the read buffer
+    uint32_t uiUnits;
+};
+
+/** A finished line, in the stream's text buffer. */
+struct UsualLine {
+    uint32_t uiStart; // bytes from the buffer's start
+    uint32_t uiBytes;
+    uint32_t uiUnits;
+};
+
+struct UsualText {
+    static constexpr uint32_t TAGS_MAX = 12;
+
+    const uint8_t *pucByte; // next byte of the entry
+    const uint8_t *pucEnd;  // behind the last byte that the read buffer holds
+    uint8_t *pucStore;      // the stream's text buffer
+    uint8_t *pucLine;       // in it: where the current line begins
+    uint8_t *pucOut;        // and where its next byte goes
+    uint32_t uiTrails;      // bytes of the current line that begin no unit
+    bool bPrevBlank;        // the last unit was a blank of the text: more of them are folded into it
+    TextKind eKind;
+    uint32_t uiUnitBytes;
+    bool bBigEndian;
+    uint32_t uiLines;
+    uint32_t uiTags;
+    UsualLine astLine[ZYR_LINE_MAX];
+    UsualTag astTag[TAGS_MAX];
+
+    /** @return the unit uiUnit units ahead; USUAL_AHEAD bytes are there. */
+    uint32_t Get_Unit(uint32_t uiUnit) const
+    {
+        if (uiUnitBytes == 1) return pucByte[uiUnit];
+        const uint8_t *const puc = pucByte + 2 * uiUnit;
+        return bBigEndian ? static_cast<uint32_t>(puc[0] << 8 | puc[1])
+                          : static_cast<uint32_t>(puc[1] << 8 | puc[0]);
+    }
+    void Take_Units(uint32_t uiUnits) { pucByte += uiUnits * uiUnitBytes; }
+    bool Is_LineEmpty() const { return pucOut == pucLine; }
+};
+
+/** Bytes from the next one on that can be looked at wherever a stop is met. */
+constexpr int32_t USUAL_AHEAD = 32;
+
+struct UsualForm {
+    uint8_t aucStop[2]; // where a run of characters ends, beside units below 0x20 and a second blank in a row
+    /** Take the stop at the next byte. */
+    UsualStep (*pfTakeStop)(UsualText &stText, uint32_t uiUnit);
+    /** Let a tag take effect, which stands in the tag buffer. */
+    void (*pfApplyTag)(uint32_t uiUnits);
+};
+
+/**
+ * Begin so many units behind the current stream's read position.
+ *
+ * @return false where no entry is usual: the usual reading is off, the frame has been begun already, the host
+ *         has changed limits or options
+ */
+bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits);
+
+/** Take text up to the entry's end. @return whether the entry is usual to its end */
+bool Take_UsualText(UsualText &stText, const UsualForm &stForm);
+
+/** Make the entry the current stream's frame, and take it off the read buffer. */
+void Commit_UsualText(const UsualText &stText, const UsualForm &stForm);
+
+// ---- What stops mean in several formats ----
+
+/** Close the line that a line break ends. */
+UsualStep Break_UsualLine(UsualText &stText);
+
+/** Put a decoded unit behind the line. */
+UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit);
+
+/** A tab, folded into a run of blanks. */
+UsualStep Take_UsualTab(UsualText &stText);
+
+/** Note a tag from an opening to a closing ASCII unit. */
+UsualStep Note_UsualTag(UsualText &stText, uint32_t uiOpen, uint32_t uiClose);
+
+/** "<": a line break, or a tag for later. */
+UsualStep Take_UsualHtmlTag(UsualText &stText);
+
+/** "&": an entity that is closed with ";". */
+UsualStep Take_UsualEntity(UsualText &stText);
+
+/** CR LF, or CR LF CR LF, which ends the entry. */
+UsualStep Take_UsualLineEnd(UsualText &stText);
+
+/** @return whether the next units are these ASCII characters; letters of psz are lower-case, those of the text of
+ *          any case. */
+bool Is_UsualAhead(const UsualText &stText, const char *psz);
+
+/**
+ * Copy the beginning of an entry as bytes: UTF-16 units narrowed, those beyond ASCII as 0xFF.
+ *
+ * @return the bytes themselves where a unit is a byte, or pucTarget; NULL when the buffer holds less than uiUnits
+ */
+const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits);

@@ -1,0 +1,88 @@
+#include "text/find_unit.h"
+
+#include <bit>
+
+#include "text/text_block.h"
+
+namespace
+{
+
+constexpr uint32_t BLOCK_BITS = (1u << BLOCK_BYTES) - 1;
+
+/** What a search looks for. */
+struct UnitSearch {
+    uint8_t ucFirst;
+    uint8_t ucSecond;
+    bool bBigEndian;
+};
+
+/** @return the UTF-8 bytes that may begin an overlong form of an ASCII character, a bit for each */
+uint32_t Find_OverlongLeads(const TextBlock &stBlock, const uint8_t *pucByte)
+{
+    const auto stEarly = TextBlock::Load(pucByte + 1).Find_AtLeast(0xA0);
+    const auto stThree = stBlock.Find_Equal(0xE0);
+    return TextBlock::Get_Bits(stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1)) |
+           (TextBlock::Get_Bits(stThree) & ~TextBlock::Get_Bits(stThree & stEarly));
+}
+
+template <TextKind KIND>
+const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
+{
+    uint32_t uiCarry = 0;
+    for (; pucEnd - pucByte >= FOUND_AHEAD + static_cast<int32_t>(BLOCK_BYTES); pucByte += BLOCK_BYTES) {
+        TextBlock stBlock = TextBlock::Load(pucByte);
+        uint32_t uiHit = 0;
+        if constexpr (KIND == E_TEXT_UTF16) {
+            if (stSearch.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
+            uiHit = TextBlock::Get_Bits(stBlock.Find_EqualUnit(stSearch.ucFirst) |
+                                        stBlock.Find_EqualUnit(stSearch.ucSecond));
+        } else {
+            uiHit = TextBlock::Get_Bits(stBlock.Find_Equal(stSearch.ucFirst) |
+                                        stBlock.Find_Equal(stSearch.ucSecond));
+        }
+        if constexpr (KIND == E_TEXT_UTF8) {
+            const uint32_t uiBefore = uiHit == 0 ? BLOCK_BITS : (uiHit - 1) & ~uiHit;
+            if ((Find_OverlongLeads(stBlock, pucByte) & uiBefore) != 0) return nullptr;
+        }
+        if constexpr (KIND == E_TEXT_DOUBLE)
+            uiHit &= ~Find_SecondBytes(TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80)), uiCarry);
+        if (uiHit != 0) return pucByte + std::countr_zero(uiHit);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucFirst,
+                         uint8_t ucSecond)
+{
+    const UnitSearch stSearch = {ucFirst, ucSecond, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
+    switch (eKind) {
+    case E_TEXT_UTF8: return Search<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
+    case E_TEXT_DOUBLE: return Search<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_SINGLE: return Search<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_UTF16: return Search<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
+    default: return nullptr;
+    }
+}
+
+int32_t Find_EmptyLine(uint32_t uiSkipUnits)
+{
+    const CaptionStreamInfo &stStream = Get_StreamInfo();
+    const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
+    const uint32_t uiUnitBytes = Get_UnitBytes();
+    const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
+    const TextKind eKind = Get_TextKind();
+    const auto fnIs = [=](const uint8_t *pucUnit, uint8_t ucUnit) {
+        return pucUnit[uiLow] == ucUnit && (uiUnitBytes == 1 || pucUnit[1 - uiLow] == 0);
+    };
+    const uint8_t *pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * uiUnitBytes;
+    for (;;) {
+        pucByte = Find_Unit(eKind, pucByte, pucEnd, '\r', '\r');
+        if (pucByte == nullptr || !fnIs(pucByte + uiUnitBytes, '\n')) return -1;
+        pucByte += 2 * uiUnitBytes;
+        if (!fnIs(pucByte, '\r')) continue;
+        if (!fnIs(pucByte + uiUnitBytes, '\n')) return -1;
+        return static_cast<int32_t>(pucByte + 2 * uiUnitBytes - stStream.pucStreamBuf);
+    }
+}

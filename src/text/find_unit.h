@@ -1,0 +1,28 @@
+/* Finding a character in the read buffer without decoding what stands before it. */
+#pragma once
+
+#include <cstdint>
+
+#include "text/text_kind.h"
+
+/** Bytes behind a character found that the buffer still holds, and can be looked at. */
+constexpr int32_t FOUND_AHEAD = 32;
+
+/**
+ * Find the first character of two, which are ASCII (and may be the same).
+ *
+ * @param[in] pucByte  where a character begins
+ * @param[in] pucEnd   behind the last byte that the buffer holds
+ * @return its place; NULL when it is not there or not FOUND_AHEAD bytes before the end, or when a byte in between
+ *         may hide one of the two in a form that only the reader can tell
+ */
+const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucFirst,
+                         uint8_t ucSecond);
+
+/**
+ * Find the first empty line, CR LF CR LF, in the current stream's read buffer.
+ *
+ * @param[in] uiSkipUnits  units from the read position on to where a CR LF stands
+ * @return index in the buffer of the byte behind it, or -1 when it is not sure that there is one
+ */
+int32_t Find_EmptyLine(uint32_t uiSkipUnits);

@@ -1,0 +1,230 @@
+// The usual reading against the literal one: every file, in every encoding, wherever a read ends, must give the same
+// results, record, log lines and positions both ways. Files are made of usual entries, most of them bent a little.
+
+#include <cstring>
+#include <random>
+
+#include "format/usual_text.h"
+#include "record/parser_state.h"
+#include "support/engine_fixture.h"
+
+namespace
+{
+
+/** What the files of a format are made of. */
+struct FileKind {
+    const char *pszEnding;
+    std::string strHead;
+    std::vector<std::string> vecEntries;
+};
+
+const FileKind KINDS[] = {
+    {".srt",
+     "",
+     {"1\r\n00:00:01,000 --> 00:00:02,500\r\nOne line of words\r\n\r\n",
+      "23\r\n00:00:03,000 --> 00:00:04,000\r\nTwo  lines, \r\n <i>one</i> of them slanted \r\n\r\n",
+      "24\r\n01:02:03,004 --> 01:02:05,678\r\n<font color=\"#ff0000\">red</font>&nbsp; &amp; &lt;b&gt; "
+      "&#65;\r\n\r\n",
+      "25\r\n00:00:05,000 --> 00:00:06,000\r\n\r\n",
+      "26\r\n00:00:06,000 --> 00:00:07,000\r\n한국어 자막 \r\nと日本語、é, ñ\t\tand tabs\r\n\r\n",
+      "27\r\n00:00:07,000 --> 00:00:08,000\r\nA line that is so long that it must be wrapped at one of its "
+      "blanks, "
+      "perhaps even at two of them or at three of them.\r\n\r\n",
+      "28\r\n00:00:08,000 --> 00:00:09,000\r\na<br>b<BR>\r\n<b>c</b> "
+      "d\r\n가나다라마바사아자차카타파하가나다라마바사아자차카타파하"
+      "가나다라마바사아자차카타파하가나다라마바사아자차카타파하가나다라마바사아자차\r\n\r\n",
+      "29\r\n00:00:09,000 --> 00:00:10,000\r\n1<br>2\r\n3\r\n\t\r\n4\r\n5\r\n6 \r\n\r\n",
+      "30\r\n00:00:10,000 --> 00:00:11,000\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7<br>\r\n\r\n"}},
+};
+
+/** Pieces that bend an entry. */
+const char *const PIECES[] = {"<",
+                              ">",
+                              "&",
+                              "\r",
+                              "\n",
+                              "\r\n",
+                              " ",
+                              "  ",
+                              "\t",
+                              "<br>",
+                              "</br>",
+                              "<BR/>",
+                              "<i>",
+                              "</i>",
+                              "<b",
+                              "&nbsp;",
+                              "&amp",
+                              "&x;",
+                              "{",
+                              "}",
+                              "{\\b1}",
+                              "\\N",
+                              "[br]",
+                              "[",
+                              "1",
+                              ":",
+                              ",",
+                              "-->",
+                              "=",
+                              "\"",
+                              ";",
+                              "#",
+                              "가",
+                              "é",
+                              "x",
+                              "Dialogue: ",
+                              "<SYNC Start=1>",
+                              "<P Class=KRCC>",
+                              "<P>",
+                              "\x01"};
+
+using Random = std::mt19937;
+
+size_t Choose(Random &stRandom, size_t uiNums)
+{
+    return stRandom() % uiNums;
+}
+
+/** Change a few places of a text. */
+void Bend(std::string &strText, Random &stRandom, size_t uiTimes)
+{
+    for (size_t uiTime = 0; uiTime < uiTimes; ++uiTime) {
+        const size_t uiPos = Choose(stRandom, strText.size() + 1);
+        switch (Choose(stRandom, 3)) {
+        case 0: strText.insert(uiPos, PIECES[Choose(stRandom, std::size(PIECES))]); break;
+        case 1: strText.erase(uiPos, 1 + Choose(stRandom, 3)); break;
+        default:
+            strText.insert(uiPos, strText.substr(Choose(stRandom, strText.size()), Choose(stRandom, 40)));
+            break;
+        }
+        if (strText.empty()) strText = "x";
+    }
+}
+
+std::string Make_File(const FileKind &stKind, Random &stRandom)
+{
+    std::string strFile = stKind.strHead;
+    const size_t uiEntries = 3 + Choose(stRandom, 12);
+    for (size_t uiEntry = 0; uiEntry < uiEntries; ++uiEntry) {
+        std::string strEntry = stKind.vecEntries[Choose(stRandom, stKind.vecEntries.size())];
+        if (Choose(stRandom, 3) == 0) Bend(strEntry, stRandom, 1 + Choose(stRandom, 3));
+        strFile += strEntry;
+    }
+    return strFile;
+}
+
+/** Change bytes of a file that has been encoded, its mark aside. */
+void Damage(std::string &strFile, Random &stRandom)
+{
+    for (size_t uiTime = Choose(stRandom, 4); uiTime > 0 && strFile.size() > 8; --uiTime)
+        strFile[4 + Choose(stRandom, strFile.size() - 4)] = static_cast<char>(stRandom());
+}
+
+class Reading : public EngineTest
+{
+protected:
+    void TearDown() override
+    {
+        s_bUsualReading = true;
+        EngineTest::TearDown();
+    }
+
+    /** The record as a caller sees it. */
+    std::string Get_Record()
+    {
+        const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+        std::string strRecord = testing::PrintToString(std::vector<int64_t>{
+            stInfo.iStartPTS, stInfo.iEndPTS, stInfo.iCurrPTS, stInfo.llCurrFilePos, stInfo.uiLineIndex,
+            stInfo.uiDisplayMode, stInfo.uiFontSize, stInfo.usFontColor, stInfo.usOutlineColor,
+            stInfo.uiHighlight, stInfo.uiOutStreamIndex, stInfo.iOutStartPTS, stInfo.iOutEndPTS,
+            stInfo.uiOutLineNums, stInfo.uiOutTextLength});
+        strRecord += testing::PrintToString(
+            std::vector<uint32_t>(stInfo.puiLineLength, stInfo.puiLineLength + ZYR_LINE_MAX));
+        for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {
+            const CaptionStreamState &stState = stInfo.astStreamState[uiStream];
+            const bool bAtEnd = stInfo.astStreamInfo[uiStream].iStreamDataSize == NO_CAPTION_DATA;
+            strRecord += testing::PrintToString(
+                std::vector<int64_t>{stState.llStartFilePos, stState.llCurrFilePos, stState.iCurrPTS,
+                                     stState.iStartPTS, stState.iEndPTS, bAtEnd});
+        }
+        return strRecord +
+               std::string(reinterpret_cast<const char *>(stInfo.aucOutText), sizeof(stInfo.aucOutText));
+    }
+
+    /** One call of a player or a host, told by a number. @return what it gave */
+    std::string Call(uint32_t uiCall)
+    {
+        TestFrame stFrame;
+        switch (uiCall % 12) {
+        case 0: return std::to_string(zyrSubtitle_seek(uiCall / 12 % 12000));
+        case 1: return std::to_string(zyrSubtitle_seek(uiCall / 12 % 4000000));
+        case 2: return std::to_string(QUIB_CAPTION_ParsingProcessEx());
+        default: return std::to_string(QUIB_CAPTION_ParsingProcess());
+        }
+    }
+
+    /** A log line without what may differ: the number of its source line, how long the header took. */
+    static std::string Get_LogText(const std::string &strLine)
+    {
+        const size_t uiTime = strLine.find("Header Parsing Time");
+        if (uiTime != std::string::npos) return strLine.substr(0, uiTime);
+        const size_t uiOpen = strLine.find('[');
+        const size_t uiClose = strLine.find(']', uiOpen);
+        return uiClose == std::string::npos ? strLine : strLine.substr(0, uiOpen) + strLine.substr(uiClose);
+    }
+
+    /** Open a file and make calls. @return all that came of it */
+    std::vector<std::string> Use(const char *pszEnding, const std::string &strFile, int32_t iOption,
+                                 uint32_t uiSeed)
+    {
+        std::vector<std::string> vecSeen = {std::to_string(Open(pszEnding, strFile, iOption))};
+        Random stRandom(uiSeed);
+        for (uint32_t uiCall = 0; uiCall < 40 && pstQuibCaptionParserInfo != nullptr; ++uiCall) {
+            vecSeen.push_back(Call(uiCall < 16 ? 11 : static_cast<uint32_t>(stRandom())));
+            vecSeen.push_back(Get_Record());
+        }
+        for (const std::string &strLine : m_vecLog) vecSeen.push_back(Get_LogText(strLine));
+        return vecSeen;
+    }
+
+    /** @return whether both readings see the same */
+    bool Agree(const char *pszEnding, const std::string &strFile, uint32_t uiReadSize, int32_t iOption,
+               uint32_t uiSeed)
+    {
+        Read_InChunks(uiReadSize);
+        s_bUsualReading = false;
+        const std::vector<std::string> vecLiteral = Use(pszEnding, strFile, iOption, uiSeed);
+        s_bUsualReading = true;
+        const std::vector<std::string> vecUsual = Use(pszEnding, strFile, iOption, uiSeed);
+        Read_InChunks(0);
+        EXPECT_EQ(vecUsual, vecLiteral) << pszEnding << ", reads of " << uiReadSize << ", option " << iOption
+                                        << ": " << testing::PrintToString(strFile);
+        return vecUsual == vecLiteral;
+    }
+};
+
+TEST_F(Reading, BothWaysAreOne)
+{
+    constexpr uint32_t SIZES[] = {0, 0, 150, 211, 512};
+    Random stRandom(std::getenv("ZYR_READING_SEED") != nullptr
+                        ? static_cast<uint32_t>(std::atoi(std::getenv("ZYR_READING_SEED")))
+                        : 1u);
+    const int iFiles =
+        std::getenv("ZYR_READING_FILES") != nullptr ? std::atoi(std::getenv("ZYR_READING_FILES")) : 300;
+    for (const FileKind &stKind : KINDS) {
+        const uint32_t uiBefore = s_uiUsualEntries;
+        for (int iFile = 0; iFile < iFiles; ++iFile)
+            for (const TestEncoding eEncoding : ENCODINGS) {
+                std::string strFile = Encode(Make_File(stKind, stRandom), eEncoding);
+                if (Choose(stRandom, 4) == 0) Damage(strFile, stRandom);
+                const uint32_t uiSize = SIZES[Choose(stRandom, std::size(SIZES))];
+                const int32_t iOption = Choose(stRandom, 4) == 0 ? 1 : 0;
+                if (!Agree(stKind.pszEnding, strFile, uiSize, iOption, static_cast<uint32_t>(stRandom())))
+                    return;
+            }
+        EXPECT_GT(s_uiUsualEntries - uiBefore, static_cast<uint32_t>(iFiles)) << stKind.pszEnding;
+    }
+}
+
+} // namespace
