@@ -330,6 +330,7 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
     stText.eKind = Get_TextKind();
     if (stText.eKind == E_TEXT_OTHER) return false;
     stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * Get_UnitBytes();
+    stText.pucFileLine = stText.pucByte;
     stText.pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
     stText.pucStore = reinterpret_cast<uint8_t *>(s_astLineTable[stInfo.uiCurrStream].pusTextBuf);
     stText.pucLine = stText.pucStore;
@@ -478,11 +479,19 @@ UsualStep Take_UsualEntity(UsualText &stText)
     return Put_UsualUnit(stText, usCode);
 }
 
+bool Take_UsualEmptyLine(UsualText &stText)
+{
+    if (stText.pucEnd - stText.pucByte < USUAL_AHEAD || stText.Get_Unit(1) != '\n') return false;
+    stText.Take_Units(2);
+    return true;
+}
+
 UsualStep Take_UsualLineEnd(UsualText &stText)
 {
     if (stText.Get_Unit(1) != '\n') return E_USUAL_ODD;
     if (stText.Get_Unit(2) != '\r') {
         stText.Take_Units(2);
+        stText.pucFileLine = stText.pucByte;
         return Break_UsualLine(stText);
     }
     if (stText.Get_Unit(3) != '\n') return E_USUAL_ODD;

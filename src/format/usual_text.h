@@ -42,13 +42,14 @@ struct UsualLine {
 struct UsualText {
     static constexpr uint32_t TAGS_MAX = 12;
 
-    const uint8_t *pucByte; // next byte of the entry
-    const uint8_t *pucEnd;  // behind the last byte that the read buffer holds
-    uint8_t *pucStore;      // the stream's text buffer
-    uint8_t *pucLine;       // in it: where the current line begins
-    uint8_t *pucOut;        // and where its next byte goes
-    uint32_t uiTrails;      // bytes of the current line that begin no unit
-    bool bPrevBlank;        // the last unit was a blank of the text: more of them are folded into it
+    const uint8_t *pucByte;     // next byte of the entry
+    const uint8_t *pucEnd;      // behind the last byte that the read buffer holds
+    const uint8_t *pucFileLine; // where the current line of the file begins
+    uint8_t *pucStore;          // the stream's text buffer
+    uint8_t *pucLine;           // in it: where the current line begins
+    uint8_t *pucOut;            // and where its next byte goes
+    uint32_t uiTrails;          // bytes of the current line that begin no unit
+    bool bPrevBlank;            // the last unit was a blank of the text: more of them are folded into it
     TextKind eKind;
     uint32_t uiUnitBytes;
     bool bBigEndian;
@@ -113,6 +114,9 @@ UsualStep Take_UsualHtmlTag(UsualText &stText);
 
 /** "&": an entity that is closed with ";". */
 UsualStep Take_UsualEntity(UsualText &stText);
+
+/** An entry without text: what is left of CR LF CR LF behind its times. @return whether it is that */
+bool Take_UsualEmptyLine(UsualText &stText);
 
 /** CR LF, or CR LF CR LF, which ends the entry. */
 UsualStep Take_UsualLineEnd(UsualText &stText);

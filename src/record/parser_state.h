@@ -118,6 +118,15 @@ inline CaptionStreamInfo &Get_StreamInfo()
     return pstQuibCaptionParserInfo->astStreamInfo[pstQuibCaptionParserInfo->uiCurrStream];
 }
 
+/** Give the current frame its times, ms; its start is the last time handled. */
+inline void Set_FrameTimes(uint32_t uiStart, uint32_t uiEnd)
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.iStartPTS = static_cast<int32_t>(uiStart);
+    stInfo.iCurrPTS = stInfo.iStartPTS;
+    stInfo.iEndPTS = static_cast<int32_t>(uiEnd);
+}
+
 /** @return bytes that a read buffer holds and that are not taken yet. Behind its end the size may be any result
  * of a failed read, however far below 0. */
 inline int32_t Get_HeldBytes(const CaptionStreamInfo &stInfo)

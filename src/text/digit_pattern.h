@@ -32,6 +32,12 @@ struct PatternDigits {
 
     /** @return the number of two digits at a place. */
     constexpr uint32_t Get_Pair(uint32_t uiPos) const { return aucDigit[uiPos] * 10u + aucDigit[uiPos + 1]; }
+
+    /** @return seconds of HH:MM:SS at a place. */
+    constexpr uint32_t Get_Seconds(uint32_t uiPos) const
+    {
+        return (Get_Pair(uiPos) * 60 + Get_Pair(uiPos + 3)) * 60 + Get_Pair(uiPos + 6);
+    }
 };
 
 /** @return whether the bytes follow a pattern. @param[in] pucBytes  BYTES_MAX bytes */

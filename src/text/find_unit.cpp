@@ -25,6 +25,15 @@ uint32_t Find_OverlongLeads(const TextBlock &stBlock, const uint8_t *pucByte)
            (TextBlock::Get_Bits(stThree) & ~TextBlock::Get_Bits(stThree & stEarly));
 }
 
+/** @return whether a character in good form begins here, three bytes of which can be looked at. */
+bool Begins_Utf8(const uint8_t *pucByte)
+{
+    const auto fnContinues = [=](uint32_t uiByte) { return (pucByte[uiByte] & 0xC0) == 0x80; };
+    if (pucByte[0] < 0x80) return true;
+    if ((pucByte[0] & 0xE0) == 0xC0) return fnContinues(1);
+    return (pucByte[0] & 0xF0) == 0xE0 && fnContinues(1) && fnContinues(2);
+}
+
 template <TextKind KIND>
 const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
 {
@@ -66,7 +75,7 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
     }
 }
 
-int32_t Find_EmptyLine(uint32_t uiSkipUnits)
+int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd)
 {
     const CaptionStreamInfo &stStream = Get_StreamInfo();
     const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
@@ -78,9 +87,10 @@ int32_t Find_EmptyLine(uint32_t uiSkipUnits)
     };
     const uint8_t *pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * uiUnitBytes;
     for (;;) {
-        pucByte = Find_Unit(eKind, pucByte, pucEnd, '\r', '\r');
-        if (pucByte == nullptr || !fnIs(pucByte + uiUnitBytes, '\n')) return -1;
+        pucByte = Find_Unit(eKind, pucByte, pucEnd, '\r', ucOdd);
+        if (pucByte == nullptr || !fnIs(pucByte, '\r') || !fnIs(pucByte + uiUnitBytes, '\n')) return -1;
         pucByte += 2 * uiUnitBytes;
+        if (eKind == E_TEXT_UTF8 && !Begins_Utf8(pucByte)) return -1; // where a line begins is not sure
         if (!fnIs(pucByte, '\r')) continue;
         if (!fnIs(pucByte + uiUnitBytes, '\n')) return -1;
         return static_cast<int32_t>(pucByte + 2 * uiUnitBytes - stStream.pucStreamBuf);

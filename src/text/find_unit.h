@@ -23,6 +23,7 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
  * Find the first empty line, CR LF CR LF, in the current stream's read buffer.
  *
  * @param[in] uiSkipUnits  units from the read position on to where a CR LF stands
+ * @param[in] ucOdd        a character that makes it unsure when it stands before; CR = none
  * @return index in the buffer of the byte behind it, or -1 when it is not sure that there is one
  */
-int32_t Find_EmptyLine(uint32_t uiSkipUnits);
+int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd);

@@ -35,6 +35,18 @@ const FileKind KINDS[] = {
       "가나다라마바사아자차카타파하가나다라마바사아자차카타파하가나다라마바사아자차\r\n\r\n",
       "29\r\n00:00:09,000 --> 00:00:10,000\r\n1<br>2\r\n3\r\n\t\r\n4\r\n5\r\n6 \r\n\r\n",
       "30\r\n00:00:10,000 --> 00:00:11,000\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n7<br>\r\n\r\n"}},
+    {".sub",
+     "[INFORMATION]\r\n[DELAY]0\r\n[END "
+     "INFORMATION]\r\n[SUBTITLE]\r\n[COLF]&HFFFFFF,[STYLE]bd,[SIZE]18,[FONT]Arial\r\n",
+     {"00:00:01.00,00:00:02.50\r\nOne line of words\r\n\r\n",
+      "00:00:03.00,00:00:04.00\r\nTwo  lines, [br] one of [Br]them\t\t and a third \r\n\r\n",
+      "00:00:05.00,00:00:06.00\r\n\r\n",
+      "00:00:06.00,00:00:07.00\r\n한국어 자막 [BR]と日本語、é, ñ[music]\r\n[br] no break\r\n [x]\r\n\r\n",
+      "01:02:03.04,02:03:04.05\r\nA line that is so long that it must be wrapped at one of its blanks, "
+      "perhaps "
+      "even at two of them or at three of them.\r\n\r\n",
+      "00:00:09.00,00:00:10.00\r\n1[br]2[br]3[br]4\r\n5\r\n6 \r\n\r\n",
+      "00:00:10.00,00:00:11.00\r\n1[br]2[br]3[br]4\r\n5\r\n6[br]7\r\n\r\n"}},
 };
 
 /** Pieces that bend an entry. */

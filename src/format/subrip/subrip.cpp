@@ -234,11 +234,8 @@ bool Step_Frame(SubRipScan &stScan, uint16_t usChar)
 
 int32_t Complete_Frame(const SubRipScan &stScan)
 {
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     Complete_FrameText();
-    stInfo.iStartPTS = static_cast<int32_t>(Get_Time(stScan.stTime, 0));
-    stInfo.iCurrPTS = stInfo.iStartPTS;
-    stInfo.iEndPTS = static_cast<int32_t>(Get_Time(stScan.stTime, TIME_NUMBERS / 2));
+    Set_FrameTimes(Get_Time(stScan.stTime, 0), Get_Time(stScan.stTime, TIME_NUMBERS / 2));
     return 1;
 }
 

@@ -24,9 +24,8 @@ struct SubRipHead {
 
 uint32_t Get_Time(const PatternDigits &stDigits, uint32_t uiPlace)
 {
-    const uint32_t uiMinutes = stDigits.Get_Pair(uiPlace) * 60 + stDigits.Get_Pair(uiPlace + 3);
-    const uint32_t uiSeconds = uiMinutes * 60 + stDigits.Get_Pair(uiPlace + 6);
-    return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 9) * 10 + stDigits.aucDigit[uiPlace + 11];
+    return stDigits.Get_Seconds(uiPlace) * 1000 + stDigits.Get_Pair(uiPlace + 9) * 10 +
+           stDigits.aucDigit[uiPlace + 11];
 }
 
 bool Match_Head(SubRipHead *pstHead)
@@ -65,14 +64,6 @@ void Apply_SubRipTag(uint32_t /*uiUnits*/)
 
 constexpr UsualForm SUBRIP_FORM = {{'<', '&'}, Take_SubRipStop, Apply_SubRipTag};
 
-/** An entry without text: the time line's end and an empty line. */
-bool Take_EmptyText(UsualText &stText)
-{
-    if (stText.pucEnd - stText.pucByte < USUAL_AHEAD || stText.Get_Unit(1) != '\n') return false;
-    stText.Take_Units(2);
-    return true;
-}
-
 } // namespace
 
 bool Take_UsualSubRip()
@@ -80,12 +71,9 @@ bool Take_UsualSubRip()
     SubRipHead stHead;
     UsualText stText;
     if (!Match_Head(&stHead) || !Begin_UsualText(&stText, stHead.uiUnits)) return false;
-    if (!(stHead.bEmpty ? Take_EmptyText(stText) : Take_UsualText(stText, SUBRIP_FORM))) return false;
+    if (!(stHead.bEmpty ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBRIP_FORM))) return false;
     Commit_UsualText(stText, SUBRIP_FORM);
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    stInfo.iStartPTS = static_cast<int32_t>(stHead.uiStart);
-    stInfo.iCurrPTS = stInfo.iStartPTS;
-    stInfo.iEndPTS = static_cast<int32_t>(stHead.uiEnd);
+    Set_FrameTimes(stHead.uiStart, stHead.uiEnd);
     return true;
 }
 
@@ -93,7 +81,7 @@ bool Pass_UsualSubRip(uint32_t *puiStart)
 {
     SubRipHead stHead;
     if (!s_bUsualReading || !Match_Head(&stHead)) return false;
-    const int32_t iBehind = Find_EmptyLine(stHead.uiUnits - 2);
+    const int32_t iBehind = Find_EmptyLine(stHead.uiUnits - 2, '\r');
     if (iBehind < 0) return false;
     *puiStart = stHead.uiStart;
     Get_StreamInfo().iStreamBufIndex = iBehind;

@@ -2,9 +2,9 @@
 // with CR LF. There is no index, so a seek scans.
 
 #include "format/seek_index.h"
+#include "format/subviewer/subviewer_usual.h"
 #include "markup/caption_text.h"
 #include "markup/tag_command.h"
-#include "text/buffer_units.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
 #include "zyr_log.h"
@@ -81,58 +81,25 @@ void Log_BadTime(SubViewerScan &stScan)
     stScan.bLogged = true;
 }
 
-constexpr DigitPattern TIME_LINE("00:00:00.00,00:00:00.00\r\n");
-constexpr uint32_t END_PLACE = 12; // of the end time
-
-/** @return ms of the time at a place of the pattern. */
-uint32_t Get_UsualTime(const PatternDigits &stDigits, uint32_t uiPlace)
-{
-    const uint32_t uiMinutes = stDigits.Get_Pair(uiPlace) * 60 + stDigits.Get_Pair(uiPlace + 3);
-    const uint32_t uiSeconds = uiMinutes * 60 + stDigits.Get_Pair(uiPlace + 6);
-    return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 9) * 10;
-}
-
-/** Note that a line has ended: its CR, or the LF too, may have been seen. */
-void Begin_LineEnd(SubViewerScan &stScan, uint32_t uiMatched)
+/** Note that a line has ended: its CR may have been seen. */
+void Begin_LineEnd(SubViewerScan &stScan, uint16_t usChar)
 {
     stScan.eState = E_SUB_LINE_END;
-    stScan.uiMatched = uiMatched == 0 ? 0 : Take_EntryEnd(uiMatched);
-    stScan.bFrameEnd = stScan.uiMatched == ENTRY_END_UNITS;
-}
-
-/** Take the usual time line at the read position, if it stands there. @return whether it did. */
-bool Take_UsualTimes(SubViewerScan &stScan)
-{
-    const BufferUnits stUnits = Get_BufferUnits();
-    PatternDigits stDigits;
-    if (stUnits.iNums < static_cast<int32_t>(TIME_LINE.uiUnits) ||
-        !Match_Pattern<TIME_LINE>(stUnits, 0, &stDigits))
-        return false;
-    Take_BufferUnits(stUnits, TIME_LINE.uiUnits);
-    stScan.auiTime[0] = Get_UsualTime(stDigits, 0);
-    stScan.auiTime[1] = Get_UsualTime(stDigits, END_PLACE);
-    stScan.bGood = true;
-    Begin_LineEnd(stScan, 2);
-    return true;
+    stScan.uiMatched = usChar == '\r' ? 1 : 0;
 }
 
 /** One unit of the time line. @return whether a good time line has just ended. */
 bool Step_Time(SubViewerScan &stScan, uint16_t usChar)
 {
-    if (Add_TimeUnit(stScan, usChar)) {
-        Take_AsciiUnits([&stScan](uint8_t ucUnit) { return Add_TimeUnit(stScan, ucUnit); });
-        return false;
-    }
+    if (Add_TimeUnit(stScan, usChar)) return false;
     const bool bLineEnd = Is_LineEnd(usChar);
     const bool bEmptyLine = bLineEnd && stScan.uiTimeIndex == 0 && stScan.uiDigits == 0;
     stScan.bGood = bLineEnd && Finish_EndTime(stScan);
     if (!stScan.bGood) Log_BadTime(stScan);
     if (bEmptyLine) return false;
-    Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
+    Begin_LineEnd(stScan, usChar);
     return stScan.bGood;
 }
-
-constexpr StopUnits CR_STOP = {1, {'\r'}, false};
 
 /** One unit where a line has ended, or of a bad frame. @return whether it begins a text line. */
 bool Step_LineEnd(SubViewerScan &stScan, uint16_t usChar)
@@ -143,7 +110,6 @@ bool Step_LineEnd(SubViewerScan &stScan, uint16_t usChar)
     }
     if (!stScan.bGood) {
         stScan.uiMatched = usChar == '\r' ? 1 : 0;
-        if (stScan.uiMatched == 0) Skip_PlainRun<CR_STOP>();
         return false;
     }
     if (stScan.uiMatched != 2) {
@@ -162,14 +128,13 @@ void Begin_Frame(SubViewerScan &stScan)
 
 // ---- Frame parser ----
 
-constexpr StopUnits TEXT_STOPS = {4, {'\t', '\r', '\n', '['}, true};
 constexpr char BREAK_TAG[] = "[BR]";
 constexpr uint32_t BREAK_TAG_UNITS = 4;
 
 void End_TextLine(SubViewerScan &stScan, uint16_t usChar)
 {
     Lay_Out_Text();
-    Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
+    Begin_LineEnd(stScan, usChar);
 }
 
 void Step_Text(SubViewerScan &stScan, uint16_t usChar)
@@ -232,19 +197,33 @@ void Step_Frame(SubViewerScan &stScan, uint16_t usChar)
 
 int32_t Complete_Frame(const SubViewerScan &stScan)
 {
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     Complete_FrameText();
-    stInfo.iCurrPTS = static_cast<int32_t>(stScan.auiTime[0]);
-    stInfo.iStartPTS = stInfo.iCurrPTS;
-    stInfo.iEndPTS = static_cast<int32_t>(stScan.auiTime[1]);
+    Set_FrameTimes(stScan.auiTime[0], stScan.auiTime[1]);
     return 1;
+}
+
+/** The literal reading of a frame. */
+int32_t Read_Frame(void *hFile)
+{
+    SubViewerScan stScan = {};
+    stScan.pszFunction = "FrameParser_SubViewer";
+    while (!stScan.bFrameEnd) {
+        uint16_t usChar = 0;
+        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
+        if (iResult < 0) return Fail_Read(stScan.pszFunction, iResult);
+        if (iResult == 0) {
+            Mark_EndOfData();
+            return stScan.eState == E_SUB_TIME ? NO_CAPTION_DATA : Complete_Frame(stScan);
+        }
+        Step_Frame(stScan, usChar);
+        if (stScan.bFrameEnd && !stScan.bGood) Begin_Frame(stScan); // a bad frame has been skipped
+    }
+    return Complete_Frame(stScan);
 }
 
 // ---- Seek ----
 
 constexpr const char *SEEK_NAME = "Seek_SubViewer";
-
-constexpr StopUnits LINE_END_STOPS = {2, {'\r', '\n'}, false};
 
 /** The seek leads to the start before that of the last good frame. */
 void Check_SeekTime(SeekScan &stSeek, uint32_t uiStart)
@@ -262,20 +241,15 @@ void Step_Seek(SubViewerScan &stScan, SeekScan &stSeek, uint16_t usChar)
         break;
     case E_SUB_LINE_END: Step_LineEnd(stScan, usChar); break;
     default:
-        if (Is_LineEnd(usChar))
-            Begin_LineEnd(stScan, usChar == '\r' ? 1 : 0);
-        else
-            Skip_PlainRun<LINE_END_STOPS>();
+        if (Is_LineEnd(usChar)) Begin_LineEnd(stScan, usChar);
         break;
     }
 }
 
-int64_t Pass_Frame(SubViewerScan &stScan, SeekScan &stSeek, void *hFile)
+int64_t Pass_Frame(SeekScan &stSeek, bool bLogged, void *hFile)
 {
     stSeek.stPlace.llPrevPos = stSeek.stPlace.llPos;
     stSeek.stPlace.llPos = Get_ReadPosition(hFile);
-    const bool bLogged = stScan.bLogged;
-    Begin_Frame(stScan);
     return Pass_SeekEntry(stSeek, bLogged, hFile);
 }
 
@@ -287,22 +261,7 @@ int32_t FrameParser_SubViewer(void)
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     pstQuibCaptionParserInfo->llCurrFilePos = Get_ReadPosition(hFile);
     pstQuibCaptionParserInfo->uiConvLength = 0;
-    SubViewerScan stScan = {};
-    stScan.pszFunction = "FrameParser_SubViewer";
-    Take_UsualTimes(stScan);
-    while (!stScan.bFrameEnd) {
-        if (stScan.eState == E_SUB_TEXT) Append_PlainRun<TEXT_STOPS>();
-        uint16_t usChar = 0;
-        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
-        if (iResult < 0) return Fail_Read(stScan.pszFunction, iResult);
-        if (iResult == 0) {
-            Mark_EndOfData();
-            return stScan.eState == E_SUB_TIME ? NO_CAPTION_DATA : Complete_Frame(stScan);
-        }
-        Step_Frame(stScan, usChar);
-        if (stScan.bFrameEnd && !stScan.bGood) Begin_Frame(stScan); // a bad frame has been skipped
-    }
-    return Complete_Frame(stScan);
+    return Take_UsualSubViewer() ? 1 : Read_Frame(hFile);
 }
 
 int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,
@@ -330,11 +289,19 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
     SubViewerScan stScan = {};
     stScan.pszFunction = SEEK_NAME;
-    return Scan_ToTarget(
-        stSeek, hFile, SEEK_NAME,
-        [&](uint16_t usChar) {
-            Step_Seek(stScan, stSeek, usChar);
-            return stScan.bFrameEnd && !stSeek.bBeyond ? Pass_Frame(stScan, stSeek, hFile) : 1;
-        },
-        [] { return int64_t{0}; });
+    const auto fnTake = [&](uint16_t usChar) -> int64_t {
+        Step_Seek(stScan, stSeek, usChar);
+        if (!stScan.bFrameEnd || stSeek.bBeyond) return 1;
+        const bool bLogged = stScan.bLogged;
+        Begin_Frame(stScan);
+        return Pass_Frame(stSeek, bLogged, hFile);
+    };
+    const auto fnPassUsual = [&]() -> int64_t {
+        uint32_t uiStart = 0;
+        const bool bFresh = stScan.eState == E_SUB_TIME && stScan.uiDigits == 0 && stScan.uiTimeIndex == 0;
+        if (!bFresh || stScan.bLogged || !Pass_UsualSubViewer(&uiStart)) return 0;
+        Check_SeekTime(stSeek, uiStart);
+        return stSeek.bBeyond ? 1 : Pass_Frame(stSeek, false, hFile);
+    };
+    return Scan_ToTarget(stSeek, hFile, SEEK_NAME, fnTake, fnPassUsual);
 }
