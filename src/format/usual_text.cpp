@@ -50,21 +50,17 @@ uint32_t Count_Bits(uint32_t uiBits) // 16 of them
  *
  * @param[in,out] uiCarry  bytes at the block's start that must continue a character, a bit for each
  */
-void Look_AtUtf8(const TextBlock &stBlock, const uint8_t *pucByte, uint32_t &uiCarry, BlockLook &stLook)
+void Look_AtUtf8(const TextBlock &stBlock, const uint8_t *pucByte, uint32_t uiHigh, uint32_t &uiCarry,
+                 BlockLook &stLook)
 {
-    const auto stNextIsLate = TextBlock::Load(pucByte + 1).Find_AtLeast(0xA0);
-    const auto stThree = stBlock.Find_AtLeast(0xE0);
-    const auto stThreeLow = stBlock.Find_Equal(0xE0); // overlong with an early second byte
-    const uint32_t uiHigh = TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80));
+    const TextBlock stNext = TextBlock::Load(pucByte + 1);
+    const auto stSurrogate = stBlock.Find_Equal(0xED) & stNext.Find_AtLeast(0xA0);
+    const auto stNever = Find_OverlongLeads(stBlock, stNext) | stBlock.Find_AtLeast(0xF0) | stSurrogate;
     const uint32_t uiLead = TextBlock::Get_Bits(stBlock.Find_AtLeast(0xC0));
-    const uint32_t uiNever =
-        TextBlock::Get_Bits(stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1) | stBlock.Find_AtLeast(0xF0) |
-                            (stBlock.Find_Equal(0xED) & stNextIsLate)); // surrogates
-    const uint32_t uiOverlong =
-        TextBlock::Get_Bits(stThreeLow) & ~TextBlock::Get_Bits(stThreeLow & stNextIsLate);
-    const uint32_t uiWanted = uiLead << 1 | TextBlock::Get_Bits(stThree) << 2 | uiCarry;
+    const uint32_t uiThree = TextBlock::Get_Bits(stBlock.Find_AtLeast(0xE0));
+    const uint32_t uiWanted = uiLead << 1 | uiThree << 2 | uiCarry;
     stLook.uiTrail = uiHigh & ~uiLead;
-    stLook.uiOdd = uiNever | uiOverlong | ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS);
+    stLook.uiOdd = TextBlock::Get_Bits(stNever) | ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS);
     uiCarry = uiWanted >> BLOCK_BYTES;
 }
 
@@ -86,7 +82,7 @@ BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, const U
     const uint32_t uiHigh = TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80));
     if (KIND == E_TEXT_SINGLE) stLook.uiStop |= uiHigh;
     if ((uiHigh | uiCarry) == 0) return stLook;
-    if constexpr (KIND == E_TEXT_UTF8) Look_AtUtf8(stBlock, pucByte, uiCarry, stLook);
+    if constexpr (KIND == E_TEXT_UTF8) Look_AtUtf8(stBlock, pucByte, uiHigh, uiCarry, stLook);
     if constexpr (KIND == E_TEXT_DOUBLE) {
         stLook.uiTrail = Find_SecondBytes(uiHigh, uiCarry);
         stLook.uiStop &= ~stLook.uiTrail;

@@ -11,6 +11,7 @@ namespace
 
 constexpr uint32_t TEXT_BYTES = ZYR_OUT_TEXT_BYTES - 2; // the text itself; two zero bytes follow
 constexpr uint32_t LAST_PAIR_POS = TEXT_BYTES - 2;      // the last place where two bytes fit
+constexpr uint32_t COPY_BYTES = 16;                     // of a line at a step
 constexpr uint16_t BLANK = 0x20;
 
 constexpr bool Is_Blank(uint32_t uiUnit)
@@ -278,6 +279,40 @@ AppendResult Append_Line(const CaptionLineTable &stTable, uint32_t uiLine, bool 
     return eResult;
 }
 
+/** @return whether all lines of a frame stand as they go out. */
+bool Stands_AsOutput(const CaptionLineTable &stTable)
+{
+    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine) {
+        const CaptionLine &stLine = stTable.astLine[uiLine];
+        if (stLine.uiOutBytes == 0 || stLine.uiOutUnits != stLine.uiLength) return false;
+    }
+    return true;
+}
+
+// A whole frame of such lines needs no tests of the room: a unit is three bytes at most.
+static_assert(ZYR_LINE_MAX * (LINE_UNITS * 3 + 2) + COPY_BYTES <= TEXT_BYTES);
+
+/** Fill the output text with a frame whose lines stand as they go out. */
+void Copy_OutLines(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable)
+{
+    const bool bUtf16 = stInfo.uiOutputTextCharacterSet == E_OUTPUT_CHARSET_UTF16;
+    const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
+    uint8_t *pucOut = stInfo.aucOutText;
+    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine) {
+        if (uiLine > 0) {
+            *pucOut++ = '\n';
+            if (bUtf16) *pucOut++ = 0;
+        }
+        const CaptionLine &stLine = stTable.astLine[uiLine];
+        for (uint32_t uiByte = 0; uiByte < stLine.uiOutBytes; uiByte += COPY_BYTES)
+            std::memcpy(pucOut + uiByte, pucStore + stLine.uiStart + uiByte, COPY_BYTES);
+        pucOut += stLine.uiOutBytes;
+    }
+    std::memset(pucOut, 0, COPY_BYTES); // what the last step copied too much
+    stInfo.uiOutTextLength = static_cast<uint32_t>(pucOut - stInfo.aucOutText);
+    stInfo.uiOutLineNums = stTable.uiLineNums;
+}
+
 void Append_StreamLines(uint32_t uiStream)
 {
     const CaptionLineTable &stTable = s_astLineTable[uiStream];
@@ -411,12 +446,17 @@ void Clear_LineTable(uint32_t uiStream)
 void Show_StreamLines()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    Clear_OutputBlock();
+    if (stInfo.uiOutTextLength != 0) Clear_OutputBlock();
+    stInfo.uiOutLineNums = 0;
     stInfo.uiOutStreamIndex = stInfo.uiCurrStream;
     stInfo.iOutStartPTS = stInfo.astStreamState[stInfo.uiCurrStream].iStartPTS;
     stInfo.iOutEndPTS = stInfo.astStreamState[stInfo.uiCurrStream].iEndPTS;
     Finish_CaptionLines(stInfo.uiCurrStream);
     const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+    if (Stands_AsOutput(stTable)) {
+        Copy_OutLines(stInfo, stTable);
+        return;
+    }
     for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine)
         if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
             return;

@@ -16,15 +16,6 @@ struct UnitSearch {
     bool bBigEndian;
 };
 
-/** @return the UTF-8 bytes that may begin an overlong form of an ASCII character, a bit for each */
-uint32_t Find_OverlongLeads(const TextBlock &stBlock, const uint8_t *pucByte)
-{
-    const auto stEarly = TextBlock::Load(pucByte + 1).Find_AtLeast(0xA0);
-    const auto stThree = stBlock.Find_Equal(0xE0);
-    return TextBlock::Get_Bits(stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1)) |
-           (TextBlock::Get_Bits(stThree) & ~TextBlock::Get_Bits(stThree & stEarly));
-}
-
 /** @return whether a character in good form begins here, three bytes of which can be looked at. */
 bool Begins_Utf8(const uint8_t *pucByte)
 {
@@ -51,7 +42,8 @@ const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitS
         }
         if constexpr (KIND == E_TEXT_UTF8) {
             const uint32_t uiBefore = uiHit == 0 ? BLOCK_BITS : (uiHit - 1) & ~uiHit;
-            if ((Find_OverlongLeads(stBlock, pucByte) & uiBefore) != 0) return nullptr;
+            const auto stOverlong = Find_OverlongLeads(stBlock, TextBlock::Load(pucByte + 1));
+            if ((TextBlock::Get_Bits(stOverlong) & uiBefore) != 0) return nullptr;
         }
         if constexpr (KIND == E_TEXT_DOUBLE)
             uiHit &= ~Find_SecondBytes(TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80)), uiCarry);

@@ -49,6 +49,13 @@ struct WordBlock {
                 stBoth.aHit[uiWord] = aHit[uiWord] & stOther.aHit[uiWord];
             return stBoth;
         }
+        Hits Without(const Hits &stOther) const
+        {
+            Hits stRest;
+            for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
+                stRest.aHit[uiWord] = aHit[uiWord] & ~stOther.aHit[uiWord];
+            return stRest;
+        }
     };
     Word aWord[WORDS];
 
@@ -138,6 +145,7 @@ struct Sse2Block {
         __m128i stHit;
         friend Hits operator|(Hits stA, Hits stB) { return {_mm_or_si128(stA.stHit, stB.stHit)}; }
         friend Hits operator&(Hits stA, Hits stB) { return {_mm_and_si128(stA.stHit, stB.stHit)}; }
+        Hits Without(Hits stOther) const { return {_mm_andnot_si128(stOther.stHit, stHit)}; }
     };
     __m128i stBytes;
 
@@ -179,6 +187,7 @@ struct NeonBlock {
         uint8x16_t stHit;
         friend Hits operator|(Hits stA, Hits stB) { return {vorrq_u8(stA.stHit, stB.stHit)}; }
         friend Hits operator&(Hits stA, Hits stB) { return {vandq_u8(stA.stHit, stB.stHit)}; }
+        Hits Without(Hits stOther) const { return {vbicq_u8(stHit, stOther.stHit)}; }
     };
     uint8x16_t stBytes;
 
@@ -226,4 +235,15 @@ inline uint32_t Find_SecondBytes(uint32_t uiHigh, uint32_t &uiCarry)
     const uint32_t uiOddRows = (uiFirst & ~EVEN & ~uiBehind) + uiFirst;
     uiCarry = uiOddRows >> BLOCK_BYTES & 1;
     return (EVEN ^ uiOddRows << 1) & uiBehind & 0xFFFF;
+}
+
+/**
+ * Tell the UTF-8 bytes that can begin an overlong form of another character, a bit for each.
+ *
+ * @param[in] stNext  the block one byte further
+ */
+inline TextBlock::Hits Find_OverlongLeads(const TextBlock &stBlock, const TextBlock &stNext)
+{
+    return stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1) |
+           stBlock.Find_Equal(0xE0).Without(stNext.Find_AtLeast(0xA0));
 }
