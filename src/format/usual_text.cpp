@@ -64,20 +64,27 @@ void Look_AtUtf8(const TextBlock &stBlock, const uint8_t *pucByte, uint32_t uiHi
     uiCarry = uiWanted >> BLOCK_BYTES;
 }
 
+/** What Take_Characters() looks for: copies, so that no byte written can change them. */
+struct RunStops {
+    uint8_t ucFirst;
+    uint8_t ucSecond;
+    bool bBigEndian;
+};
+
 template <TextKind KIND>
-BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, const UsualForm &stForm,
-                       uint32_t &uiCarry)
+inline BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, RunStops stStops,
+                              uint32_t &uiCarry)
 {
     BlockLook stLook = {};
     if constexpr (KIND == E_TEXT_UTF16) {
         stLook.uiStop =
-            TextBlock::Get_Bits(stBlock.Find_BelowUnit(CONTROLS) | stBlock.Find_EqualUnit(stForm.aucStop[0]) |
-                                stBlock.Find_EqualUnit(stForm.aucStop[1]));
+            TextBlock::Get_Bits(stBlock.Find_BelowUnit(CONTROLS) | stBlock.Find_EqualUnit(stStops.ucFirst) |
+                                stBlock.Find_EqualUnit(stStops.ucSecond));
         stLook.uiBlank = TextBlock::Get_Bits(stBlock.Find_EqualUnit(BLANK));
         return stLook;
     }
-    stLook.uiStop = TextBlock::Get_Bits(stBlock.Find_Below(CONTROLS) | stBlock.Find_Equal(stForm.aucStop[0]) |
-                                        stBlock.Find_Equal(stForm.aucStop[1]));
+    stLook.uiStop = TextBlock::Get_Bits(stBlock.Find_Below(CONTROLS) | stBlock.Find_Equal(stStops.ucFirst) |
+                                        stBlock.Find_Equal(stStops.ucSecond));
     stLook.uiBlank = TextBlock::Get_Bits(stBlock.Find_Equal(BLANK));
     const uint32_t uiHigh = TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80));
     if (KIND == E_TEXT_SINGLE) stLook.uiStop |= uiHigh;
@@ -93,34 +100,37 @@ BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, const U
 
 /** Take characters up to a stop. @return whether all of them are sure and the buffer holds the stop */
 template <TextKind KIND>
-bool Take_Characters(UsualText &stText, const UsualForm &stForm)
+bool Take_Characters(UsualText &stText, RunStops stStops)
 {
     constexpr uint32_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
     constexpr uint32_t UNIT_BITS = (1u << UNIT_BYTES) - 1;
     const uint8_t *pucByte = stText.pucByte;
+    const uint8_t *const pucLast = stText.pucEnd - USUAL_AHEAD;
     uint8_t *pucOut = stText.pucOut;
+    const uint8_t *const pucLastOut = stText.pucStore + STORE_BYTES;
     uint32_t uiPrevBlank = stText.bPrevBlank ? UNIT_BITS : 0;
+    uint32_t uiTrails = stText.uiTrails;
     uint32_t uiCarry = 0;
-    for (;;) {
-        if (stText.pucEnd - pucByte < USUAL_AHEAD || pucOut - stText.pucStore > STORE_BYTES) return false;
+    BlockLook stLook = {};
+    do {
+        if (pucByte > pucLast || pucOut > pucLastOut) return false;
         TextBlock stBlock = TextBlock::Load(pucByte);
-        if (KIND == E_TEXT_UTF16 && stText.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
+        if (KIND == E_TEXT_UTF16 && stStops.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
         stBlock.Store(pucOut);
-        BlockLook stLook = Look_AtBlock<KIND>(stBlock, pucByte, stForm, uiCarry);
+        stLook = Look_AtBlock<KIND>(stBlock, pucByte, stStops, uiCarry);
         stLook.uiStop |= stLook.uiBlank & (stLook.uiBlank << UNIT_BYTES | uiPrevBlank);
         const uint32_t uiBefore = (stLook.uiStop - 1) & ~stLook.uiStop & BLOCK_BITS; // all without a stop
         if ((stLook.uiOdd & (uiBefore << 1 | 1)) != 0) return false;
-        if (KIND != E_TEXT_UTF16 && stLook.uiTrail != 0)
-            stText.uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
+        if (stLook.uiTrail != 0) uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
         const uint32_t uiBytes =
             stLook.uiStop == 0 ? BLOCK_BYTES : static_cast<uint32_t>(std::countr_zero(stLook.uiStop));
         pucByte += uiBytes;
         pucOut += uiBytes;
         if (uiBytes > 0) uiPrevBlank = stLook.uiBlank >> (uiBytes - UNIT_BYTES) & UNIT_BITS;
-        if (stLook.uiStop != 0) break;
-    }
+    } while (stLook.uiStop == 0);
     stText.pucByte = pucByte;
     stText.pucOut = pucOut;
+    stText.uiTrails = uiTrails;
     stText.bPrevBlank = uiPrevBlank != 0;
     return true;
 }
@@ -284,11 +294,12 @@ bool Close_Line(UsualText &stText)
 
 bool Take_Run(UsualText &stText, const UsualForm &stForm)
 {
+    const RunStops stStops = {stForm.aucStop[0], stForm.aucStop[1], stText.bBigEndian};
     switch (stText.eKind) {
-    case E_TEXT_UTF8: return Take_Characters<E_TEXT_UTF8>(stText, stForm);
-    case E_TEXT_DOUBLE: return Take_Characters<E_TEXT_DOUBLE>(stText, stForm);
-    case E_TEXT_SINGLE: return Take_Characters<E_TEXT_SINGLE>(stText, stForm);
-    default: return Take_Characters<E_TEXT_UTF16>(stText, stForm);
+    case E_TEXT_UTF8: return Take_Characters<E_TEXT_UTF8>(stText, stStops);
+    case E_TEXT_DOUBLE: return Take_Characters<E_TEXT_DOUBLE>(stText, stStops);
+    case E_TEXT_SINGLE: return Take_Characters<E_TEXT_SINGLE>(stText, stStops);
+    default: return Take_Characters<E_TEXT_UTF16>(stText, stStops);
     }
 }
 
