@@ -28,11 +28,12 @@ MarkupStep Finish_Tag(const char *pszParser)
 {
     TagControlInfo &stTag = *s_pstTagControlInfo;
     const int32_t iResult = Apply_HtmlTag(pszParser);
-    if (iResult != -1 && Get_TagId(iResult) == E_HTML_TAG_UNKNOWN &&
+    const uint32_t uiTag = iResult == -1 ? static_cast<uint32_t>(E_HTML_TAG_UNKNOWN) : Get_TagId(iResult);
+    if (iResult != -1 && uiTag == E_HTML_TAG_UNKNOWN &&
         (s_uiParsingOption & E_PARSING_OPTION_SHOW_UNKNOWN_TAGS) != 0)
         Give_Back(stTag.uiTagLength);
     stTag.uiTagLength = 0;
-    return {E_MARKUP_TEXT, false};
+    return {E_MARKUP_TEXT, false, uiTag};
 }
 
 /** Decode the first uiNums units of the tag buffer; what is no entity is text. */

@@ -70,7 +70,8 @@ enum MarkupState : uint32_t { E_MARKUP_TEXT, E_MARKUP_TAG, E_MARKUP_ENTITY };
 /** What a unit led to. */
 struct MarkupStep {
     MarkupState eNext;
-    bool bAgain; // the next state sees the unit again
+    bool bAgain;        // the next state sees the unit again
+    uint32_t uiTag = 0; // the known tag that the unit has completed; 0 = none
 };
 
 /** Hand the text so far over, so that it keeps its style, and begin a tag or an entity with its first unit.

@@ -44,7 +44,9 @@ const Format FORMATS[] = {
      3},
     // Frames that lead far, and more of them than the index begins with.
     {".smi", "<SYNC Start=1>",
-     Repeat(Smi("5", "K>k<P Class=E>e"), 40) + Smi("9", "E>e") + Repeat(Smi("7", "K>k"), 1100) + PADDING, 0},
+     Repeat(Smi("5", "K>k<SYNC <P Class=E>e"), 40) + Smi("9", "E>e") + Repeat(Smi("7", "K>k"), 1100) +
+         PADDING,
+     0},
 };
 
 constexpr int ALLOCATION = -1; // beside the kinds of file calls

@@ -145,6 +145,7 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
         else if (uiClass > uiFrom && uiClass < uiNums)
             --uiClass;
     }
+    Drop_TwinFrames();
     Note_ChangedClasses();
     Add_AltName(Get_Class(uiTo), Get_Class(uiFrom));
     Combine_Frames(Get_Class(uiTo), Get_Class(uiFrom));

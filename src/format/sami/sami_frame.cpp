@@ -1,5 +1,6 @@
 // SAMI, frame by frame: the frame index says where the next SYNC tag of the class stands; from there the SYNC
-// tag, the P tag that names the class, and the text up to the next SYNC tag are read.
+// tag, the P tag that names the class, and the text up to the next SYNC tag are read. A SYNC tag may hold a
+// paragraph for each of several classes: those of the others are passed over, before the text and in it.
 
 #include <algorithm>
 #include <cstdint>
@@ -25,6 +26,8 @@ enum SamiFrameState : uint32_t {
     E_FRAME_TEXT,     // the text states stand in the order of MarkupState
     E_FRAME_TAG,
     E_FRAME_ENTITY,
+    E_FRAME_OTHER, // in the text, in a paragraph of another class
+    E_FRAME_OTHER_TAG,
 };
 
 constexpr uint32_t SYNC_NAME_UNITS = 5; // "<SYNC"
@@ -37,14 +40,23 @@ enum HeadTag : uint32_t {
     E_HEAD_P,
 };
 
+/** What leads on to the text. */
+enum Expected : uint32_t {
+    E_EXPECT_SYNC,
+    E_EXPECT_P,     // a good SYNC tag was read: nearly any tag begins the text
+    E_EXPECT_OWN_P, // a P tag of another class has followed: only one that selects this class does
+};
+
 struct SamiFrame {
     SamiFrameState eState;
     HeadTag eTag;
-    bool bParagraph; // a good SYNC tag was read: a P tag is expected, not a SYNC tag
+    Expected eExpected;
+    bool bTimesOnly; // the SYNC tag to be read is known to lead nowhere; the next place follows it
     bool bLogged;    // the SYNC tag at hand has led to a log line
     bool bDone;      // reading has ended, with iResult: 1 for a frame
     int32_t iResult;
-    uint32_t uiPlace; // of the SYNC tag at hand; NO_SYNC_PLACE while nobody has asked
+    uint32_t uiPlace;     // of the SYNC tag at hand; NO_SYNC_PLACE while nobody has asked
+    uint32_t uiClassBits; // classes that its P tags have selected
     void *hFile;
     int32_t iStart; // of the SYNC tag, ms
     int32_t iEnd;   // of the SYNC tag, ms
@@ -108,6 +120,13 @@ bool Take_UsualParagraph(const CaptionClassInfo &stClass)
     return true;
 }
 
+void Expect_Paragraph(SamiFrame &stFrame, int32_t iStart, int32_t iEnd)
+{
+    stFrame.iStart = iStart;
+    stFrame.iEnd = iEnd;
+    stFrame.eExpected = E_EXPECT_P;
+}
+
 /** Take a usual SYNC tag at the read position, and with it the usual P tag of the current class. */
 void Take_UsualHead(SamiFrame &stFrame)
 {
@@ -116,18 +135,20 @@ void Take_UsualHead(SamiFrame &stFrame)
     const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_SyncTag(stUnits, &uiStart) : 0;
     if (uiUnits == 0) return;
     Take_BufferUnits(stUnits, uiUnits);
-    stFrame.iStart = static_cast<int32_t>(uiStart);
-    stFrame.iEnd = OPEN_END_PTS;
-    stFrame.bParagraph = true;
+    Expect_Paragraph(stFrame, static_cast<int32_t>(uiStart), OPEN_END_PTS);
+    if (stFrame.bTimesOnly) return;
     Skip_PlainRun<TAG_STOP>();
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     if (Take_UsualParagraph(stInfo.astClassInfo[stInfo.uiCurrClass])) Start_Text(stFrame);
 }
 
+/** Read on at a SYNC tag, or at the end. */
 void Go_To_Place(SamiFrame &stFrame, uint32_t uiPlace)
 {
     stFrame.uiPlace = uiPlace;
+    stFrame.uiClassBits = 0;
     stFrame.eState = E_FRAME_SEEK_TAG;
+    stFrame.eExpected = E_EXPECT_SYNC;
     const int64_t llReached =
         Move_ReadPosition(stFrame.hFile, Get_PlacePosition(uiPlace), E_READ_AHEAD_SHORT);
     if (llReached < 0)
@@ -136,29 +157,34 @@ void Go_To_Place(SamiFrame &stFrame, uint32_t uiPlace)
         Take_UsualHead(stFrame);
 }
 
+/** The times of a SYNC tag that is known to lead nowhere are read: read on at the next place. */
+void Leave_KnownTag(SamiFrame &stFrame)
+{
+    if (!stFrame.bTimesOnly || stFrame.eExpected == E_EXPECT_SYNC) return;
+    stFrame.bTimesOnly = false;
+    Go_To_Place(stFrame, stFrame.uiPlace + 1);
+}
+
 /** Read on behind a SYNC tag that does not lead to the text, at the next one that may. */
 void Read_On_Behind(SamiFrame &stFrame, uint32_t uiPassed)
 {
     const uint32_t uiStop = Find_NextStop(pstQuibCaptionParserInfo->uiCurrClass, uiPassed + 1);
-    Go_To_Place(stFrame, uiStop);
-    const bool bTimesKnown = stFrame.bParagraph || stFrame.bDone || uiStop == uiPassed + 1;
-    if (!bTimesKnown && Needs_TimesBefore(uiStop)) Go_To_Place(stFrame, uiStop - 1);
+    // A text that begins there without a good SYNC tag has the times of the tag before.
+    stFrame.bTimesOnly = uiStop > uiPassed + 1;
+    Go_To_Place(stFrame, stFrame.bTimesOnly ? uiStop - 1 : uiStop);
+    Leave_KnownTag(stFrame);
 }
 
-/**
- * The SYNC tag at hand does not lead to the text: read on at the next one that may.
- *
- * @param[in] uiSelected  class that it would have led to the text; ZYR_CLASS_MAX = none
- */
-void Pass_SyncTag(SamiFrame &stFrame, uint32_t uiSelected)
+/** The SYNC tag at hand has not led to the text: read on at the next one that may. */
+void Pass_SyncTag(SamiFrame &stFrame)
 {
     const bool bLogged = stFrame.bLogged;
     stFrame.bLogged = false;
-    stFrame.bParagraph = false;
+    stFrame.eExpected = E_EXPECT_SYNC;
     if (stFrame.uiPlace == NO_SYNC_PLACE)
         stFrame.uiPlace = Find_SyncPlace(pstQuibCaptionParserInfo->llCurrFilePos);
     if (!Is_SyncTagPlace(stFrame.uiPlace)) return;
-    if (!bLogged) Note_PassedPlace(stFrame.uiPlace, uiSelected);
+    if (!bLogged) Note_PassedPlace(stFrame.uiPlace, stFrame.uiClassBits);
     Read_On_Behind(stFrame, stFrame.uiPlace);
 }
 
@@ -168,53 +194,64 @@ void Note_TagName(SamiFrame &stFrame)
     stFrame.eTag = E_HEAD_OTHER;
     if (Is_TagText("<SYNC")) {
         stFrame.eTag = E_HEAD_SYNC;
-        if (stFrame.bParagraph) Pass_SyncTag(stFrame, ZYR_CLASS_MAX); // the later SYNC tag counts
-    } else if (stFrame.bParagraph && Is_TagText("<P")) {
+        if (stFrame.eExpected != E_EXPECT_SYNC) Pass_SyncTag(stFrame); // the later SYNC tag counts
+    } else if (stFrame.eExpected != E_EXPECT_SYNC && Is_TagText("<P")) {
         stFrame.eTag = E_HEAD_P;
     }
 }
 
-void Take_SyncTag(SamiFrame &stFrame, int32_t iResult)
+/** @return whether the P tag just parsed selects the frame's class. */
+bool Selects_OwnClass()
 {
-    if (Get_TagId(iResult) != E_HTML_TAG_SYNC) return;
-    stFrame.iStart = s_pstTagControlInfo->iSyncStart;
-    stFrame.iEnd = s_pstTagControlInfo->iSyncEnd;
-    stFrame.bParagraph = true;
+    return s_pstTagControlInfo->uiSelectedClass == pstQuibCaptionParserInfo->uiCurrClass;
 }
 
-void Take_ParagraphTag(SamiFrame &stFrame, int32_t iResult)
+void Take_ParagraphTag(SamiFrame &stFrame)
 {
-    const uint32_t uiSelected = s_pstTagControlInfo->uiSelectedClass;
-    if (Get_TagId(iResult) == E_HTML_TAG_P && uiSelected != pstQuibCaptionParserInfo->uiCurrClass)
-        Pass_SyncTag(stFrame, uiSelected);
-    else
+    if (Selects_OwnClass()) {
         Start_Text(stFrame);
+        return;
+    }
+    stFrame.uiClassBits |= 1u << s_pstTagControlInfo->uiSelectedClass;
+    stFrame.eExpected = E_EXPECT_OWN_P;
 }
 
 void Drop_SyncTag(SamiFrame &stFrame)
 {
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
                         __LINE__, FRAME_PARSER_NAME);
-    Pass_SyncTag(stFrame, ZYR_CLASS_MAX);
+    Pass_SyncTag(stFrame);
+}
+
+/** A SYNC tag, or a P tag where one is expected, is complete. */
+void Parse_HeadTag(SamiFrame &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    stFrame.bLogged = stFrame.bLogged || stTag.bLogged || iResult == -1;
+    if (iResult == -1)
+        Drop_SyncTag(stFrame);
+    else if (stFrame.eTag == E_HEAD_SYNC)
+        Expect_Paragraph(stFrame, stTag.iSyncStart, stTag.iSyncEnd);
+    else
+        Take_ParagraphTag(stFrame);
+    Leave_KnownTag(stFrame);
 }
 
 /** A tag before the text is complete. */
 void Finish_HeadTag(SamiFrame &stFrame)
 {
-    const TagControlInfo &stTag = *s_pstTagControlInfo;
     stFrame.eState = E_FRAME_SEEK_TAG;
-    if (stFrame.eTag == E_HEAD_SYNC || stFrame.eTag == E_HEAD_P) {
-        const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
-        stFrame.bLogged = stFrame.bLogged || stTag.bLogged || iResult == -1;
-        if (iResult == -1)
-            Drop_SyncTag(stFrame);
-        else if (stFrame.bParagraph)
-            Take_ParagraphTag(stFrame, iResult);
-        else
-            Take_SyncTag(stFrame, iResult);
-    } else if (stFrame.bParagraph || Is_TagText("</BODY>") || Is_TagText("</SAMI>")) {
+    if (stFrame.eTag == E_HEAD_SYNC || stFrame.eTag == E_HEAD_P)
+        Parse_HeadTag(stFrame);
+    else if (stFrame.eExpected == E_EXPECT_P || Is_TagText("</BODY>") || Is_TagText("</SAMI>"))
         Start_Text(stFrame);
-    }
+}
+
+/** @return whether the P tag just parsed has a CLASS. */
+bool Names_Class()
+{
+    return s_pstTagControlInfo->pusClassName != nullptr;
 }
 
 // One function per state. Each gives whether its unit is done with; if not, the next state sees it again.
@@ -234,8 +271,7 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
         Start_HeadTag(stFrame);
         return true;
     }
-    const bool bSpace = usChar == ' ' || usChar == '\t' || usChar == '\r' || usChar == '\n';
-    if (bSpace && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
+    if (Is_TagSpace(usChar) && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
     if (stFrame.eState != E_FRAME_HEAD_TAG) return true; // reading goes on elsewhere
     Collect_TagUnit(usChar, TAG_TEXT_UNITS);
     if (usChar == '>')
@@ -274,14 +310,21 @@ bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
     return true;
 }
 
-bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
+/** Read on in a tag, unless it is the SYNC tag that ends the frame. */
+void Collect_FrameTag(SamiFrame &stFrame)
 {
-    stFrame.eState = Get_MarkupState(Step_Tag(usChar, FRAME_PARSER_NAME).eNext);
-    if (stFrame.eState != E_FRAME_TAG) return true;
     if (Is_TagText("<SYNC"))
         End_Frame(stFrame, 1);
     else if (s_pstTagControlInfo->uiTagLength > SYNC_NAME_UNITS)
         Collect_TagRun<TAG_ENDS>();
+}
+
+bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    const MarkupStep stStep = Step_Tag(usChar, FRAME_PARSER_NAME);
+    stFrame.eState = Get_MarkupState(stStep.eNext);
+    if (stStep.uiTag == E_HTML_TAG_P && Names_Class() && !Selects_OwnClass()) stFrame.eState = E_FRAME_OTHER;
+    if (stFrame.eState == E_FRAME_TAG) Collect_FrameTag(stFrame);
     return true;
 }
 
@@ -292,6 +335,53 @@ bool Step_FrameEntity(SamiFrame &stFrame, uint16_t usChar)
     return !stStep.bAgain;
 }
 
+void Start_OtherTag(SamiFrame &stFrame)
+{
+    s_pstTagControlInfo->ausTagBuf[0] = '<';
+    s_pstTagControlInfo->uiTagLength = 1;
+    stFrame.eState = E_FRAME_OTHER_TAG;
+}
+
+bool Step_Other(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<')
+        Start_OtherTag(stFrame);
+    else
+        Skip_PlainRun<TAG_STOP>();
+    return true;
+}
+
+/** @return whether the complete tag is a P tag with attributes. */
+bool Is_ParagraphTag()
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    return stTag.uiTagLength > 2 && To_Upper(stTag.ausTagBuf[1]) == 'P' && Is_TagSpace(stTag.ausTagBuf[2]);
+}
+
+/** Only a P tag whose CLASS selects the frame's class leads back to its text. */
+void Finish_OtherTag(SamiFrame &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    stFrame.eState = E_FRAME_OTHER;
+    if (!Is_ParagraphTag()) return;
+    Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    if (Names_Class() && Selects_OwnClass()) stFrame.eState = E_FRAME_TEXT;
+}
+
+bool Step_OtherTag(SamiFrame &stFrame, uint16_t usChar)
+{
+    if (usChar == '<') {
+        Start_OtherTag(stFrame);
+        return true;
+    }
+    Collect_TagUnit(usChar, TAG_TEXT_UNITS);
+    if (usChar == '>')
+        Finish_OtherTag(stFrame);
+    else
+        Collect_FrameTag(stFrame);
+    return true;
+}
+
 bool Step_Frame(SamiFrame &stFrame, uint16_t usChar)
 {
     switch (stFrame.eState) {
@@ -299,7 +389,9 @@ bool Step_Frame(SamiFrame &stFrame, uint16_t usChar)
     case E_FRAME_HEAD_TAG: return Step_HeadTag(stFrame, usChar);
     case E_FRAME_TEXT: return Step_Text(stFrame, usChar);
     case E_FRAME_TAG: return Step_FrameTag(stFrame, usChar);
-    default: return Step_FrameEntity(stFrame, usChar);
+    case E_FRAME_ENTITY: return Step_FrameEntity(stFrame, usChar);
+    case E_FRAME_OTHER: return Step_Other(stFrame, usChar);
+    default: return Step_OtherTag(stFrame, usChar);
     }
 }
 
@@ -319,7 +411,7 @@ int32_t Complete_Frame(const SamiFrame &stFrame)
 void Note_EndOfFile(const SamiFrame &stFrame)
 {
     const bool bLast = Is_SyncTagPlace(stFrame.uiPlace) && !Is_SyncTagPlace(stFrame.uiPlace + 1);
-    if (bLast && !stFrame.bLogged) Note_PassedPlace(stFrame.uiPlace, ZYR_CLASS_MAX);
+    if (bLast && !stFrame.bLogged) Note_PassedPlace(stFrame.uiPlace, stFrame.uiClassBits);
 }
 
 /** Go to a frame's SYNC tag and read from there. */

@@ -58,7 +58,7 @@ struct FrameStatistics {
 /** The SYNC tag last recorded. */
 struct CurrentFrame {
     bool bKnown;
-    bool bIndexed; // it has an entry, the last one of the index
+    uint32_t uiEntries; // it has so many, the last ones of the index: one for each class that it names
     int32_t iPTS;
     int64_t llPos;
 };
@@ -92,11 +92,6 @@ enum ScanEnd : uint32_t {
     E_END_FAILED,     // a frame could not be recorded
 };
 
-bool Is_TagSpace(uint32_t uiUnit)
-{
-    return uiUnit == ' ' || uiUnit == '\t' || uiUnit == '\r' || uiUnit == '\n';
-}
-
 // ---- Frames ----
 
 /** Count the current frame as one without a class. */
@@ -121,6 +116,34 @@ void Uncount_Unclassified(SamiScan &stScan)
     stScan.stPending.llLastPos = stScan.stPendingOld.llLastPos;
 }
 
+/** Give the current frame one more entry while there is room. */
+ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
+{
+    CurrentFrame &stFrame = stScan.stFrame;
+    if (s_uiFrameInfoNums < s_uiFrameInfoMax) {
+        ++stFrame.uiEntries;
+        return Append_Frame({uiClass, stFrame.iPTS, stFrame.llPos}) ? E_SCAN_ON : E_SCAN_FAILED;
+    }
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Many Frame Information! [%d]\n", __LINE__,
+                        s_uiFrameInfoMax);
+    return E_SCAN_ON;
+}
+
+/** The current frame names a class: the first one takes its entry, each further one an entry of its own. */
+ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
+{
+    SamiFrameInfo *const pstEnd = s_pstFrameInfoArray + s_uiFrameInfoNums;
+    SamiFrameInfo *const pstFirst = pstEnd - stScan.stFrame.uiEntries;
+    if (pstFirst == pstEnd) return E_SCAN_ON;
+    if (pstFirst->uiClassIndex == ZYR_CLASS_MAX) {
+        pstFirst->uiClassIndex = uiClass;
+        return E_SCAN_ON;
+    }
+    const bool bEntered = std::any_of(
+        pstFirst, pstEnd, [=](const SamiFrameInfo &stEntry) { return stEntry.uiClassIndex == uiClass; });
+    return bEntered ? E_SCAN_ON : Add_Entry(stScan, uiClass);
+}
+
 /** Record the SYNC tag whose START value has just ended. */
 ScanResult Record_Frame(SamiScan &stScan)
 {
@@ -135,13 +158,9 @@ ScanResult Record_Frame(SamiScan &stScan)
     const int64_t llPos =
         llTell - stInfo.iStreamDataSize + stInfo.iStreamBufIndex - (stScan.llBytes - stScan.llTagBytes);
     stScan.bOffStart = stScan.bOffStart || llPos != stScan.llTagBytes;
-    stScan.stFrame = {true, s_uiFrameInfoNums < s_uiFrameInfoMax, static_cast<int32_t>(stScan.uiStart),
-                      llPos};
+    stScan.stFrame = {true, 0, static_cast<int32_t>(stScan.uiStart), llPos};
     Count_Unclassified(stScan);
-    if (stScan.stFrame.bIndexed) return Append_Frame(stScan.stFrame.iPTS, llPos) ? E_SCAN_ON : E_SCAN_FAILED;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Many Frame Information! [%d]\n", __LINE__,
-                        s_uiFrameInfoMax);
-    return E_SCAN_ON;
+    return Add_Entry(stScan, ZYR_CLASS_MAX);
 }
 
 // ---- Classes ----
@@ -173,20 +192,18 @@ CaptionClassInfo *Find_Class(const uint16_t *pusName, uint32_t uiUnits)
 }
 
 /** Count the current frame for the class of the P tag whose CLASS value has just ended. */
-void Assign_Class(SamiScan &stScan)
+ScanResult Assign_Class(SamiScan &stScan)
 {
     const uint32_t uiUnits = std::min(stScan.uiClassUnits, static_cast<uint32_t>(ZYR_CLASS_NAME_UNITS));
     CaptionClassInfo *const pstClass = Find_Class(stScan.ausClass, uiUnits);
     const CurrentFrame &stFrame = stScan.stFrame;
-    if (pstClass == nullptr || !stFrame.bKnown) return;
+    if (pstClass == nullptr || !stFrame.bKnown) return E_SCAN_ON;
     (pstClass->uiFrameNums > 0 ? pstClass->llLastFramePos : pstClass->llFirstFramePos) = stFrame.llPos;
     pstClass->iMinPTS = std::min(pstClass->iMinPTS, stFrame.iPTS);
     pstClass->iMaxPTS = std::max(pstClass->iMaxPTS, stFrame.iPTS);
     ++pstClass->uiFrameNums;
-    if (stFrame.bIndexed)
-        s_pstFrameInfoArray[s_uiFrameInfoNums - 1].uiClassIndex =
-            static_cast<uint32_t>(pstClass - pstQuibCaptionParserInfo->astClassInfo);
     Uncount_Unclassified(stScan);
+    return Enter_Class(stScan, static_cast<uint32_t>(pstClass - pstQuibCaptionParserInfo->astClassInfo));
 }
 
 /** Make the frames that have no class a class without a name. */
@@ -303,8 +320,7 @@ ScanResult Step_ClassValue(SamiScan &stScan, uint32_t uiUnit)
         return E_SCAN_ON;
     }
     stScan.eState = E_SAMI_OUTSIDE;
-    if (stScan.uiClassUnits > 0) Assign_Class(stScan);
-    return E_SCAN_ON;
+    return stScan.uiClassUnits > 0 ? Assign_Class(stScan) : E_SCAN_ON;
 }
 
 ScanResult Step_Scan(SamiScan &stScan, uint32_t uiUnit)
@@ -336,10 +352,10 @@ ScanResult Take_SyncTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t u
     return Append_SyncPlace(stScan.llTagBytes) ? Record_Frame(stScan) : E_SCAN_FAILED;
 }
 
-void Take_ParagraphTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
+ScanResult Take_ParagraphTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
 {
     stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
-    Assign_Class(stScan);
+    return Assign_Class(stScan);
 }
 
 /** @return whether the tag at the read position says nothing to the scan. */
@@ -371,7 +387,7 @@ bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
     uiUnits = Match_ParagraphTag(stUnits, stScan.ausClass, &stScan.uiClassUnits);
     if (uiUnits == 0) return false;
     stScan.bSyncOpen = false;
-    Take_ParagraphTag(stScan, stUnits, uiUnits);
+    *peResult = Take_ParagraphTag(stScan, stUnits, uiUnits);
     return true;
 }
 
@@ -410,7 +426,7 @@ bool Finish_Scan(const SamiScan &stScan, ScanEnd eEnd)
     // A list that a read error cut short would hide tags that a later read may well give.
     if (stScan.bOffStart || eEnd == E_END_OF_READING) Begin_SyncPlaces();
     const int64_t llEndPos = eEnd == E_END_OF_BODY ? stScan.llTagBytes : stScan.llBytes;
-    return Finish_FrameIndex() && Finish_SyncPlaces(llEndPos, eEnd == E_END_OF_FILE);
+    return Finish_FrameIndex() && Finish_SyncPlaces(llEndPos);
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include <iterator>
 
 #include "format/stable_sort.h"
-#include "record/parser_state.h"
 #include "zyr_log.h"
 
 namespace
@@ -36,15 +35,6 @@ ClassFrames Get_ClassFrames(uint32_t uiClass)
     return {Get_ClassOrder() + s_auiClassStart[uiClass], Get_ClassOrder() + s_auiClassStart[uiClass + 1]};
 }
 
-SamiFrameInfo *Allocate_Frames(uint32_t uiBytes)
-{
-    auto *const pastFrame = static_cast<SamiFrameInfo *>(QUIBCAPTCB_Allocate_Memory(uiBytes));
-    if (pastFrame == nullptr)
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Frame Information Array Memory Allocation Failed!\n", __LINE__);
-    return pastFrame;
-}
-
 void Replace_Frames(SamiFrameInfo *pastFrame)
 {
     if (s_pstFrameInfoArray != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstFrameInfoArray);
@@ -54,7 +44,8 @@ void Replace_Frames(SamiFrameInfo *pastFrame)
 bool Grow_Frames()
 {
     const uint32_t uiRoom = std::min(s_uiFrameInfoMax, s_uiFrameRoom == 0 ? FIRST_FRAMES : 2 * s_uiFrameRoom);
-    SamiFrameInfo *const pastFrame = Allocate_Frames(uiRoom * sizeof(SamiFrameInfo));
+    auto *const pastFrame =
+        static_cast<SamiFrameInfo *>(Allocate_FrameMemory(uiRoom * sizeof(SamiFrameInfo)));
     if (pastFrame == nullptr) return false;
     if (s_uiFrameInfoNums > 0)
         std::memcpy(pastFrame, s_pstFrameInfoArray, s_uiFrameInfoNums * sizeof(SamiFrameInfo));
@@ -75,7 +66,24 @@ bool Is_Before(uint32_t uiFrame, uint32_t uiTargetMs)
     return static_cast<uint32_t>(s_pstFrameInfoArray[uiFrame].iPTS) < uiTargetMs;
 }
 
+/** @return whether one of the first uiNums entries is of the same SYNC tag and class. */
+bool Has_Twin(const SamiFrameInfo &stFrame, uint32_t uiNums)
+{
+    for (; uiNums > 0 && s_pstFrameInfoArray[uiNums - 1].llFilePos == stFrame.llFilePos; --uiNums)
+        if (s_pstFrameInfoArray[uiNums - 1].uiClassIndex == stFrame.uiClassIndex) return true;
+    return false;
+}
+
 } // namespace
+
+void *Allocate_FrameMemory(uint32_t uiBytes)
+{
+    void *const pvMemory = QUIBCAPTCB_Allocate_Memory(uiBytes);
+    if (pvMemory == nullptr)
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                            " [%d] Frame Information Array Memory Allocation Failed!\n", __LINE__);
+    return pvMemory;
+}
 
 bool Begin_FrameIndex()
 {
@@ -86,10 +94,10 @@ bool Begin_FrameIndex()
     return Grow_Frames();
 }
 
-bool Append_Frame(int32_t iPTS, int64_t llFilePos)
+bool Append_Frame(const SamiFrameInfo &stFrame)
 {
     if (s_uiFrameInfoNums == s_uiFrameRoom && !Grow_Frames()) return false;
-    s_pstFrameInfoArray[s_uiFrameInfoNums++] = {ZYR_CLASS_MAX, iPTS, llFilePos};
+    s_pstFrameInfoArray[s_uiFrameInfoNums++] = stFrame;
     return true;
 }
 
@@ -97,7 +105,8 @@ bool Finish_FrameIndex()
 {
     const uint32_t uiNums = s_uiFrameInfoNums;
     if (uiNums == 0) return true;
-    SamiFrameInfo *const pastFrame = Allocate_Frames(uiNums * (sizeof(SamiFrameInfo) + sizeof(uint32_t)));
+    auto *const pastFrame = static_cast<SamiFrameInfo *>(
+        Allocate_FrameMemory(uiNums * (sizeof(SamiFrameInfo) + sizeof(uint32_t))));
     if (pastFrame == nullptr) return false;
     if (Is_Sorted(s_pstFrameInfoArray, uiNums, Get_TimeKey))
         std::memcpy(pastFrame, s_pstFrameInfoArray, uiNums * sizeof(SamiFrameInfo));
@@ -125,6 +134,20 @@ void Order_FramesByClass()
     std::copy(std::begin(auiPlace), std::end(auiPlace), s_auiClassStart);
     for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
         Get_ClassOrder()[auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex]++] = uiFrame;
+}
+
+void Drop_TwinFrames()
+{
+    uint32_t uiKept = 0;
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame) {
+        for (uint32_t &uiCursor : s_auiClassFrameCursor)
+            if (uiCursor == uiFrame) uiCursor = uiKept;
+        const SamiFrameInfo stFrame = s_pstFrameInfoArray[uiFrame];
+        if (!Has_Twin(stFrame, uiKept)) s_pstFrameInfoArray[uiKept++] = stFrame;
+    }
+    for (uint32_t &uiCursor : s_auiClassFrameCursor)
+        if (uiCursor == s_uiFrameInfoNums) uiCursor = uiKept;
+    s_uiFrameInfoNums = uiKept;
 }
 
 uint32_t Find_ClassFrame(uint32_t uiClass, uint32_t uiFrom)

@@ -1,17 +1,22 @@
 /*
- * The frame index of a SAMI file: one entry per SYNC tag, in the file's order while the header is read and in
- * time order from then on. Beside the entries it holds, for each class, which of them are its own, so that
+ * The frame index of a SAMI file: an entry for each class that a SYNC tag names (one for a tag that names none),
+ * in the file's order while the header is read and in time order from then on. Beside the entries it holds, for each class, which of them are its own, so that
  * nothing ever walks over the entries of other classes.
  */
 #pragma once
 
 #include <cstdint>
 
+#include "record/parser_state.h"
+
+/** Take memory for what is known of the file's frames. @return NULL when there is none (logged). */
+void *Allocate_FrameMemory(uint32_t uiBytes);
+
 /** Begin an empty index for a file of s_llCaptionFileSize bytes. @return false without memory (logged). */
 bool Begin_FrameIndex();
 
-/** Add an entry that has no class yet; the index must not be full. @return false without memory (logged). */
-bool Append_Frame(int32_t iPTS, int64_t llFilePos);
+/** Add an entry; the index must not be full. @return false without memory (logged). */
+bool Append_Frame(const SamiFrameInfo &stFrame);
 
 /** Bring the entries into time order, equal times in file order. @return false without memory (logged). */
 bool Finish_FrameIndex();
@@ -19,8 +24,11 @@ bool Finish_FrameIndex();
 /** Forget all entries; what they stood in stays until the buffers are freed. */
 void Drop_FrameIndex();
 
-/** Note which entries belong to which class, after a change of their uiClassIndex. */
+/** Note which entries belong to which class. */
 void Order_FramesByClass();
+
+/** Two classes have become one: where a SYNC tag has several entries of a class now, keep the first. */
+void Drop_TwinFrames();
 
 /** @return first entry of a class from entry uiFrom on; s_uiFrameInfoNums when there is none. */
 uint32_t Find_ClassFrame(uint32_t uiClass, uint32_t uiFrom);

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#include "record/parser_state.h"
+#include "format/sami/sami_index.h"
 
 namespace
 {
@@ -28,7 +28,6 @@ uint32_t s_uiPlaceRoom = 0;     // places that the block has room for
 uint32_t s_uiPlaceNums = 0;     // SYNC tags; the end has this number
 bool s_bPlacesComplete = false; // the trees stand behind the places
 bool s_bPlacesPassed = false;   // something is known of them
-bool s_bPlacesEndFile = false;  // nothing follows the end
 uint32_t s_uiPlacesOption = 0;  // how the file's bytes were taken for characters
 PlaceTree s_stPlaceTree = {};
 
@@ -40,8 +39,8 @@ uint32_t *Get_Tree(uint32_t uiClass)
 /** Move the places to a block of uiWords words. */
 bool Move_Places(uint32_t uiWords)
 {
-    auto *const puiPlaces = static_cast<uint32_t *>(
-        QUIBCAPTCB_Allocate_Memory(uiWords * static_cast<uint32_t>(sizeof(uint32_t))));
+    auto *const puiPlaces =
+        static_cast<uint32_t *>(Allocate_FrameMemory(uiWords * static_cast<uint32_t>(sizeof(uint32_t))));
     if (puiPlaces == nullptr) return false;
     if (s_puiSyncPlaces != nullptr) {
         std::memcpy(puiPlaces, s_puiSyncPlaces, s_uiPlaceNums * sizeof(uint32_t));
@@ -114,14 +113,13 @@ bool Append_SyncPlace(int64_t llFilePos)
     return true;
 }
 
-bool Finish_SyncPlaces(int64_t llEndPos, bool bEndOfFile)
+bool Finish_SyncPlaces(int64_t llEndPos)
 {
     if (s_uiPlaceNums == 0) return true;
     Shape_Tree(s_uiPlaceNums + 1);
     if (!Move_Places(s_uiPlaceNums + 1 + ZYR_CLASS_MAX * s_stPlaceTree.uiWords)) return false;
     s_puiSyncPlaces[s_uiPlaceNums] = static_cast<uint32_t>(llEndPos);
     s_bPlacesComplete = true;
-    s_bPlacesEndFile = bEndOfFile;
     s_uiPlacesOption = Get_DecodingOption();
     Forget_PassedPlaces();
     return true;
@@ -162,11 +160,11 @@ bool Is_SyncTagPlace(uint32_t uiPlace)
     return uiPlace < s_uiPlaceNums;
 }
 
-void Note_PassedPlace(uint32_t uiPlace, uint32_t uiClass)
+void Note_PassedPlace(uint32_t uiPlace, uint32_t uiClassBits)
 {
     s_bPlacesPassed = true;
-    for (uint32_t uiOther = 0; uiOther < ZYR_CLASS_MAX; ++uiOther)
-        if (uiOther != uiClass) Clear_Bit(Get_Tree(uiOther), uiPlace);
+    for (uint32_t uiClass = 0; uiClass < ZYR_CLASS_MAX; ++uiClass)
+        if ((uiClassBits >> uiClass & 1) == 0) Clear_Bit(Get_Tree(uiClass), uiPlace);
 }
 
 uint32_t Find_NextStop(uint32_t uiClass, uint32_t uiPlace)
@@ -180,9 +178,4 @@ uint32_t Find_PassedStart(uint32_t uiClass, int64_t llFilePos)
     const uint32_t uiPlace = Find_SyncPlace(llFilePos);
     const bool bPassed = Is_SyncTagPlace(uiPlace) && Find_NextStop(uiClass, uiPlace) > uiPlace + 1;
     return bPassed ? uiPlace : NO_SYNC_PLACE;
-}
-
-bool Needs_TimesBefore(uint32_t uiPlace)
-{
-    return uiPlace < s_uiPlaceNums || !s_bPlacesEndFile;
 }

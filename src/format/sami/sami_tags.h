@@ -10,6 +10,12 @@
 constexpr uint32_t USUAL_TAG_UNITS = 32; // more than such a tag has
 constexpr uint32_t USUAL_DIGITS = 9;     // of a time: no overflow
 
+/** @return whether a unit ends a tag's name. */
+constexpr bool Is_TagSpace(uint32_t uiUnit)
+{
+    return uiUnit == ' ' || uiUnit == '\t' || uiUnit == '\r' || uiUnit == '\n';
+}
+
 /** @return whether the read buffer holds more units than a usual tag has. */
 inline bool Holds_UsualTag(const BufferUnits &stUnits)
 {

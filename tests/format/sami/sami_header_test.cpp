@@ -90,19 +90,26 @@ TEST_F(SamiTest, PlacesAreThoseOfTheBytes)
 TEST_F(SamiTest, SeveralParagraphsInOneSync)
 {
     static const struct {
-        const char *pszFile, *pszClasses;
+        const char *pszFile, *pszClasses, *pszEntries;
     } CASES[] = {
-        {"<P CLASS=X><SYNC START=5><P CLASS=Y>", "X:0 Y:1 268435455-0 5-5 @0-0 @11-0"},
-        {"<SYNC START=5><P CLASS=X><P CLASS=Y>", "X:1 Y:1 5-5 5-5 @0-0 @0-0"},
-        {"<SYNC START=5><P CLASS=X><P CLASS=X>", "X:2 5-5 @0-0"},
+        {"<P CLASS=X><SYNC START=5><P CLASS=Y>", "X:0 Y:1 268435455-0 5-5 @0-0 @11-0", "Y5@11 "},
+        {"<SYNC START=5><P CLASS=X><P CLASS=Y>", "X:1 Y:1 5-5 5-5 @0-0 @0-0", "X5@0 Y5@0 "},
+        {"<SYNC START=5><P CLASS=X><P CLASS=X>", "X:2 5-5 @0-0", "X5@0 "},
+        {"<SYNC START=5><P CLASS=X></P><P><P CLASS=Y><P CLASS=X><P CLASS=Z><P CLASS=y>",
+         "X:2 Y:2 Z:1 5-5 5-5 5-5 @0-0 @0-0 @0-0", "X5@0 Y5@0 Z5@0 "},
+        {"<SYNC START=5><P CLASS=X><P CLASS=Y><SYNC START=1><P CLASS=Y><P CLASS=X>",
+         "X:2 Y:2 1-5 1-5 @0-36 @0-36", "Y1@36 X1@36 X5@0 Y5@0 "},
+        {"<SYNC START=5><SYNC \n><P CLASS=X><P CLASS=Y>", "X:1 Y:1 5-5 5-5 @0-0 @0-0", "X5@0 Y5@0 "},
         // Each P tag takes a frame out of those without a class: two have gone, the third stays alone.
-        {"<SYNC START=1><SYNC START=2><SYNC START=3><P CLASS=X><P CLASS=X>", "X:2 -:1 3-3 1-2 @28-28 @0-14"},
-        {"<SYNC START=1><SYNC START=2><P CLASS=X><P CLASS=X>", "X:2 2-2 @14-14"},
+        {"<SYNC START=1><SYNC START=2><SYNC START=3><P CLASS=X><P CLASS=X>", "X:2 -:1 3-3 1-2 @28-28 @0-14",
+         "-1@0 -2@14 X3@28 "},
+        {"<SYNC START=1><SYNC START=2><P CLASS=X><P CLASS=X>", "X:2 2-2 @14-14", "71@0 X2@14 "},
     };
     for (const auto &stCase : CASES) {
         Open_File(stCase.pszFile);
         Scan_Again();
         EXPECT_EQ(Get_Classes(), stCase.pszClasses) << stCase.pszFile;
+        EXPECT_EQ(Get_Entries(), stCase.pszEntries) << stCase.pszFile;
     }
 }
 
@@ -117,6 +124,15 @@ TEST_F(SamiTest, SevenClassesAtMost)
     EXPECT_EQ(s_uiFrameInfoNums, 7u * 31 + 3);
     Open_File(strFile.substr(0, strFile.find("<SYNC Start=0><P Class=G")) + Syncs("H", 2));
     EXPECT_EQ(Get_Counts(), "A+H:33 B:31 C:31 D:31 E:31 F:31");
+    // Side by side each of the seven has an entry; the eighth has none, and takes none away.
+    std::string strSync = "<SYNC START=5>";
+    for (const char *pszClass : {"A", "B", "C", "D", "E", "F", "G", "H", "A"})
+        strSync += "<P CLASS=" + std::string(pszClass) + ">" + pszClass;
+    Open_File(strSync + "<SYNC START=6><P CLASS=H>h<P CLASS=G>g");
+    EXPECT_EQ(Get_Entries(), "A5@0 B5@0 C5@0 D5@0 E5@0 F5@0 G5@0 G6@122 ");
+    EXPECT_EQ(Count_Log("Too Many Language Class! [7]"), 2u);
+    Select({6, 0});
+    EXPECT_EQ(Play(), "!5-6 G; !1:5-open AA; !6-open g");
 }
 
 TEST_F(SamiTest, IndexIsInTimeOrderForEveryOrderOfTags)
@@ -163,6 +179,32 @@ TEST_F(SamiTest, IndexHoldsWhatTheFileSizeAllowsFor)
     Open_File(Repeat("<SYNC START=1><P CLASS=A>", 400) + Repeat("<SYNC START=2><P CLASS=B>", 40));
     EXPECT_EQ(Get_Counts(), "A:400 B:40");
     EXPECT_EQ(s_pstFrameInfoArray[s_uiFrameInfoNums - 1].uiClassIndex, 0u);
+    // Side by side the class for which there is no room goes without, and says so each time.
+    const std::string strPairs = Repeat("<SYNC START=1><P CLASS=A><P CLASS=B>", 1150);
+    const uint32_t uiRoom = static_cast<uint32_t>(strPairs.size()) / 40 + 100;
+    ASSERT_EQ(uiRoom, 1135u) << "odd, so that the last entry is half a pair";
+    Open_File(strPairs);
+    EXPECT_EQ(Get_Counts(), "A:1150 B:1150");
+    EXPECT_EQ(s_uiFrameInfoNums, uiRoom);
+    EXPECT_EQ(s_pstFrameInfoArray[uiRoom - 1].uiClassIndex, 0u);
+    EXPECT_EQ(Count_Log(" Too Many Frame Information! [1135]"), 1u + (1150 - 568));
+}
+
+TEST_F(SamiTest, EveryBlockOfTheIndexThatCannotBeHadIsTold)
+{
+    size_t uiTold = 0;
+    uint32_t uiNth = 0;
+    do {
+        zyr_host_failAllocation(++uiNth, 0);
+        const uint32_t uiResult =
+            Open(".smi", Repeat("<SYNC START=1><P CLASS=A><P CLASS=B>" + Repeat(" ", 60), 600));
+        const size_t uiLines = Count_Log(" Frame Information Array Memory Allocation Failed!");
+        EXPECT_TRUE(uiLines == 0 || (uiLines == 1 && uiResult == 1)) << uiNth;
+        uiTold += uiLines;
+        if (uiResult == 0) break;
+    } while (uiNth < 50);
+    zyr_host_failAllocation(0, 0);
+    EXPECT_EQ(uiTold, 5u) << "1,200 entries are held in two blocks and sorted into a third; 600 tags in two";
 }
 
 TEST_F(SamiTest, AHugeFileDoesNotAskForAHugeIndex)

@@ -71,6 +71,20 @@ protected:
         return Get_Counts() + strTimes + strPlaces;
     }
 
+    /** @return "X5@0 -6@20 ": each entry of the index; 7 = no class */
+    static std::string Get_Entries()
+    {
+        std::string strAll;
+        for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame) {
+            const SamiFrameInfo &stFrame = s_pstFrameInfoArray[uiFrame];
+            strAll += (stFrame.uiClassIndex < pstQuibCaptionParserInfo->uiClassNums
+                           ? Get_Names(stFrame.uiClassIndex)
+                           : std::to_string(stFrame.uiClassIndex)) +
+                      std::to_string(stFrame.iPTS) + "@" + std::to_string(stFrame.llFilePos) + " ";
+        }
+        return strAll;
+    }
+
     /** From now on the bytes asked of the file are counted. */
     void Count_Reads()
     {

@@ -62,10 +62,24 @@ TEST_F(SamiTest, WhatLeadsToTheText)
         {"<SYNC START=1 END=x><P CLASS=X>a</BODY>b", "!0-open b"}, // no time was read at all
         {"<SYNC START=1 <SYNC START=2><P CLASS=X>a" + Y, "2-2 a; 2-open a"}, // without its ">" a tag is none
         // Another class's text is passed over.
-        {"<SYNC START=1><P CLASS=Y>a<P CLASS=X>b</BODY>c", "1-open c"},
-        {"<SYNC START=1><P CLASS=Y>a<P CLASS=X>b", ""},
-        {"<SYNC START=1><P CLASS=Y>a<P CLASS=X>b<SYNC START=\"2\"><P CLASS=X>c", "2-open c"},
+        {"<SYNC START=1><P CLASS=Y>a<P CLASS=X>b" + Y, "1-open b"},
+        {"<SYNC START=1 END=5><P CLASS=Y>a&amp;<i>a</i><BR><<P CLASS=X>b", "1-5 b"},
+        {"<SYNC START=1><P CLASS=Y>a<P>a<P >a</P>a<P CLASS=X>b" + Y, "!1-open b"}, // only X's own P tag counts
+        {"<SYNC START=1><P CLASS=Y>a<P CLASS=X <P CLASS=X>b" + Y, "1-open b"},
+        {"<SYNC START=1><P CLASS=Y>a<SYNC <P CLASS=X>b" + Y, ""}, // it has ended
+        {"<SYNC START=1><P CLASS=Y>a<SYNC START=\"2\"><P CLASS=X>b", "2-open b"},
+        {"<SYNC START=1><P CLASS=Y>a<SYNC <P CLASS=X>b</BODY>c", "1-open c"},
         {"<SYNC START=1><P CLASS=X ID=1>a" + Y, ""}, // the header found X, the frame finds nobody
+        {"<SYNC START=1><P CLASS=X ID=1>a<P CLASS=X>b" + Y, "!1-open b"},
+        // So it is behind the text's beginning, up to a P tag that names X.
+        {Sync(1, "X", "a<P CLASS=Y>c<BR>&amp;c<i>c</i><<P CLASS=x>b") + Y, "1-open ab"},
+        {Sync(1, "X", "a <P CLASS=Y> c <P CLASS=Z>c<P CLASS=X> b") + Y, "1-open a  b"},
+        {Sync(1, "X", "a<P CLASS=Y>c<P>c<P >c</P>c<P ID=1>c</SYNC></BODY>c") + Y, "!!1-open a"},
+        {Sync(1, "X", "a<P CLASS=Y>c<P CLASS=X") + Sync(2, "X", "b") + Y, "1-2 a; 2-open b"},
+        {Sync(1, "X", "a<P CLASS=Y>c<<sYnChro<P CLASS=X>c") + Y, "1-open a"},
+        {Sync(1, "X", "a<P>b<P >c</P>d<P CLASS=X>e<P ID=1>f") + Y, "!!!!1-open abcdef"}, // without a CLASS: no one's
+        {"<SYNC START=1><I>a<P CLASS=Y>b<P CLASS=X>c" + Y, "1-open ac"}, // what no one has is everybody's
+        {Sync(1, "X", "a<P CLASS=" + Repeat("y", 600) + ">c<P CLASS=X>b") + Y, "1-open ab"},
     };
     // clang-format on
     for (const auto &stCase : CASES)
@@ -117,6 +131,87 @@ TEST_F(SamiTest, FramesDoNotDependOnReads)
         }
 }
 
+TEST_F(SamiTest, ClassesSideBySide)
+{
+    const std::string K = "<P CLASS=K>";
+    const std::string E = "<P CLASS=E>";
+    const std::string J = "<P CLASS=J>";
+    // clang-format off
+    const PlayCase CASES[] = {
+        {"both play in step", "<SYNC START=1>" + K + "k1" + E + "e1<SYNC START=2 END=9>" + K + "k2" + E + "e2",
+         "1-2 k1; 1:1-2 e1; 2-9 k2; 1:2-9 e2"},
+        {"whatever comes first", "<SYNC START=1>" + K + "k1" + E + "e1<SYNC START=2>" + E + "e2" + K + "k2",
+         "1-2 k1; 1:1-2 e1; 2-open k2; 1:2-open e2"},
+        {"a SYNC need not name both", "<SYNC START=1>" + K + "k1" + E + "e1<SYNC START=2>" + K + "k2<SYNC START=3>" + E + "e3",
+         "1-2 k1; 1:1-3 e1; 2-open k2; 1:3-open e3"},
+        {"several of one class are one frame", "<SYNC START=1>" + K + "k1" + E + "e1" + K + "+" + E + "+<SYNC START=2>" + E + "e2" + E + "+",
+         "1-open k1+; 1:1-2 e1+; 1:2-open e2+"},
+        {"lines and styles are a class's own", "<SYNC START=1>" + K + "a<BR>b" + E + "c<BR>" + K + "d" + E + "e",
+         "1-open a|bd; 1:1-open c|e"},
+        {"three, a closing P in between", "<SYNC START=1>" + K + "k</P>" + E + "e</P>" + J + "j</P>",
+         "!1-open k; !1:1-open e; !2:1-open j"},
+        {"equal times in file order", "<SYNC START=1>" + K + "k1" + E + "e1<SYNC START=1>" + K + "k2" + E + "e2",
+         "1-1 k1; 1-open k2; 1:1-1 e1; 1:1-open e2"},
+    };
+    // clang-format on
+    Expect_Played(".smi", CASES);
+}
+
+TEST_F(SamiTest, SeeksAndMomentsOfClassesSideBySide)
+{
+    std::string strFile;
+    for (const char *pszTime : {"10", "20", "30"})
+        strFile +=
+            "<SYNC Start=" + std::string(pszTime) + "><P Class=K>k" + pszTime + "<P Class=E>e" + pszTime;
+    Open_File(strFile);
+    const std::pair<uint32_t, const char *> CASES[] = {
+        {0, "10-20 k10; 1:10-20 e10; "},      {10, "10-20 k10; 1:10-20 e10; "},
+        {11, "20-30 k20; 1:20-30 e20; "},     {20, "20-30 k20; 1:20-30 e20; "},
+        {30, "30-open k30; 1:30-open e30; "}, {31, "none; none; "},
+    };
+    for (const auto &[uiTarget, pszFrames] : CASES) {
+        ASSERT_EQ(zyrSubtitle_seek(uiTarget), 0u);
+        EXPECT_EQ(Play_Calls(2), pszFrames) << uiTarget;
+    }
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    for (const uint32_t uiFirst : {0u, 1u}) {
+        Select({uiFirst, 1 - uiFirst});
+        for (const std::string strTime : {"10", "20", "30"}) {
+            ASSERT_EQ(QUIB_CAPTION_ParsingProcessEx(), 2);
+            const std::string strWanted =
+                uiFirst == 0 ? "k" + strTime + "\ne" + strTime : "e" + strTime + "\nk" + strTime;
+            EXPECT_EQ(reinterpret_cast<const char *>(stInfo.aucOutText), strWanted);
+            EXPECT_EQ(std::to_string(stInfo.iOutStartPTS), strTime);
+        }
+    }
+    Select({1});
+    EXPECT_EQ(Play(), "10-20 e10; 20-30 e20; 30-open e30");
+}
+
+TEST_F(SamiTest, AMergeLeavesOneFrameOfASync)
+{
+    const std::string strBoth =
+        "<SYNC Start=10><P Class=K>k<P Class=E>e<P Class=J>j<SYNC Start=10><P Class=E>+";
+    // As the open folds a small class, and as a call does.
+    Open_File(Syncs("K", 40, 20) + strBoth);
+    EXPECT_EQ(Get_Counts(), "K+E+J:44");
+    EXPECT_EQ(s_uiFrameInfoNums, 42u);
+    EXPECT_EQ(Play_Calls(3), "10-10 kej; 10-20 +; 20-30 K0; ");
+    // In the middle of a film: what has been shown stays shown.
+    const struct {
+        uint32_t uiFrom, uiTo, uiEntries;
+        int32_t iNextOfSecond;
+    } CASES[] = {{1, 0, 4, -3}, {0, 1, 4, -3}, {2, 1, 5, 20}, {1, 2, 5, 20}};
+    for (const auto &stCase : CASES) {
+        Open_File(strBoth + "<SYNC Start=20><P Class=K>K0<P Class=E>E0");
+        EXPECT_EQ(Play_Calls(4), "10-20 k; 1:10-10 e; 1:10-20 +; 2:10-open j; ");
+        ASSERT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(stCase.uiFrom, stCase.uiTo), 1);
+        EXPECT_EQ(s_uiFrameInfoNums, stCase.uiEntries) << stCase.uiFrom;
+        EXPECT_EQ(CAPTIONPARS_SAMI_GetNextFramePTS(0), 20) << stCase.uiFrom;
+        EXPECT_EQ(CAPTIONPARS_SAMI_GetNextFramePTS(1), stCase.iNextOfSecond) << stCase.uiFrom;
+    }
+}
+
 // ---- Passing over other classes' SYNC tags ----
 
 TEST_F(SamiTest, PassedTagsChangeNothing)
@@ -143,17 +238,16 @@ TEST_F(SamiTest, PassedTagsChangeNothing)
     }
 }
 
-/** Frames of class K, whose entries E has too, though not their texts. */
-const std::string FAR = Repeat("<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", 50);
+/** Frames of class K, whose entries E has too, though not their texts: the half SYNC tag ends them. */
+const std::string FAR = Repeat("<SYNC Start=5><P Class=K>k<SYNC <P Class=E>e\r\n", 50);
 
 TEST_F(SamiTest, ClassesLearntAreForgottenWhenTheyChange)
 {
-    Open_File(Syncs("K", 31) + Syncs("A", 31) + "<SYNC Start=4><P Class=K>first<P Class=E>\r\n" + FAR +
-              "<SYNC Start=9><P Class=E>end");
-    Play_Calls(60);
+    Open_File(Syncs("K", 31) + Syncs("A", 31) + FAR + "<SYNC Start=9><P Class=E>end");
+    Play_Calls(200);
     ASSERT_EQ(CAPTIONPARS_SAMI_MergeMultiLanguages(0, 2), 1); // K into E, which is the second class now
     Select({1});
-    EXPECT_EQ(Play_Calls(2), "0-4 K0; 4-5 first; ") << "what was another class's text is now this one's";
+    EXPECT_EQ(Play_Calls(3), "0-5 K0; 5-5 k; 5-5 k; ") << "what was another class's text is now this one's";
 }
 
 TEST_F(SamiTest, TextLearntIsForgottenWhenBytesBecomeOtherCharacters)
@@ -167,7 +261,7 @@ TEST_F(SamiTest, TextLearntIsForgottenWhenBytesBecomeOtherCharacters)
 
 TEST_F(SamiTest, TextWithoutATagOfItsOwnHasTheTimesOfTheLastGoodOne)
 {
-    Open_File(FAR + "<SYNC Start=77><P Class=K>k<P Class=E><SYNC Start=8 End=x></BODY>end");
+    Open_File(FAR + "<SYNC Start=77><P Class=K>k<SYNC <P Class=E><SYNC Start=8 End=x></BODY>end");
     Select({1});
     EXPECT_EQ(Play_Calls(40), Repeat("!77-5 end; ", 40)) << "the bad tag is told of every time";
 }
@@ -182,37 +276,60 @@ TEST_F(SamiTest, NothingIsLearntInAScanThatBeginsInsideTheFile)
 
 TEST_F(SamiTest, FramesThatLeadFarAreReadInLinearTime)
 {
+    // Wide enough for two entries each.
+    const std::string HALF_TAG = "<SYNC Start=5><P Class=K>k<SYNC <P Class=E>" + Repeat(" ", 40);
+    const std::string TWO_ATTRIBUTES = "<SYNC Start=5><P Class=K>k<P Class=E ID=1>" + Repeat(" ", 40);
+    const std::string MANY = "<SYNC Start=6>" + Repeat("<P ID=1>", 50000);
     const struct {
-        const char *pszBlock; // its entry is class E's, but its text is not
+        std::string strBlock; // its entry is class E's too, but its text is not
         std::string strEnd;
         ptrdiff_t iFrames;
     } CASES[] = {
-        {"<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", "<SYNC Start=9><P Class=E>end", 3001},
-        {"<SYNC Start=5 End=8><P Class=K>k<P Class=E>e\r\n", "</BODY>end", 3000},
-        {"<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", "", 0},
-        {"<SYNC Start=5><P Class=K>k<P Class=E>e\r\n", "<SYNC Start=6>" + Repeat(" ", 200000), 0},
-        {"<SYNC Start=5><SYNC \n><P Class=K>k<P Class=E>\r\n", "", 0},
+        {HALF_TAG, "<SYNC Start=9><P Class=E>end", 3001},
+        {HALF_TAG, "</BODY>end", 3000},
+        {HALF_TAG, "", 0},
+        {HALF_TAG, "<SYNC Start=6>" + Repeat(" ", 200000), 0},
+        {"<SYNC Start=5><SYNC \n><P Class=K>k<SYNC <P Class=E>\r\n", "", 0},
         {"<SYNC Start=5><SYNC <P Class=E>padding\r\n", "<SYNC Start=9><P Class=E>end", 3001},
+        {TWO_ATTRIBUTES, "<SYNC Start=9><P Class=E>end", 3001},
+        {TWO_ATTRIBUTES, MANY + "<SYNC Start=8 End=x></BODY>end",
+         3000}, // the times come from before them all
+        {TWO_ATTRIBUTES, MANY, 0},
     };
+    const std::string NOBODY = Repeat("<SYNC Start=5><P ID=1>u\r\n", 40); // so that no message is due for E
     for (const auto &stCase : CASES) {
-        Open_File(Repeat(stCase.pszBlock, 3000) + Syncs("K", 40) + stCase.strEnd);
+        Open_File(Repeat(stCase.strBlock, 3000) + Syncs("K", 40) + NOBODY + stCase.strEnd);
         Select({Find_Class("E")});
         Count_Reads();
         ptrdiff_t iFrames = 0;
         for (int iCall = 0; iCall < 3001; ++iCall) iFrames += Next().ends_with(" end") ? 1 : 0;
-        EXPECT_EQ(iFrames, stCase.iFrames) << stCase.pszBlock;
-        EXPECT_LT(m_llBytesRead, int64_t{3001} * 70000) << "the rest of the file for every frame is 180 MB";
+        EXPECT_EQ(iFrames, stCase.iFrames) << stCase.strBlock;
+        EXPECT_LT(m_llBytesRead, int64_t{3001} * 70000) << stCase.strBlock << stCase.strEnd.size();
     }
 }
 
 TEST_F(SamiTest, FramesInFileOrderAreReadOnce)
 {
-    std::string strFile;
-    for (int iBlock = 0; iBlock < 20000; ++iBlock) strFile += Sync(iBlock, "X", Repeat("x", 40));
-    Open_File(strFile);
-    Count_Reads();
-    EXPECT_EQ(Count_Frames(), 20000u);
-    EXPECT_LE(m_llBytesRead, static_cast<int64_t>(strFile.size() * 11 / 10 + 65536));
+    std::string strOne, strTwo;
+    for (int iBlock = 0; iBlock < 20000; ++iBlock) {
+        strOne += Sync(iBlock, "X", Repeat("x", 40));
+        strTwo += Sync(iBlock, "X", "x<P Class=Y>y" + Repeat(" ", 40));
+    }
+    // X is folded into Y: the three have two frames.
+    const std::string strMany = "<SYNC Start=5><P Class=X>" + Repeat("<P Class=Y>y<P Class=Z>z", 40000);
+    const struct {
+        std::string strFile;
+        uint32_t uiStreams;
+        size_t uiFrames;
+    } CASES[] = {{strOne, 1, 20000}, {strTwo, 2, 40000}, {strMany, 2, 2}};
+    for (const auto &stCase : CASES) {
+        Open_File(stCase.strFile);
+        ASSERT_EQ(pstQuibCaptionParserInfo->uiStreamNums, stCase.uiStreams);
+        Count_Reads();
+        EXPECT_EQ(Count_Frames(), stCase.uiFrames);
+        EXPECT_LE(m_llBytesRead,
+                  static_cast<int64_t>(stCase.uiStreams * (stCase.strFile.size() * 11 / 10 + 65536)));
+    }
 }
 
 // ---- Several classes ----
