@@ -174,14 +174,16 @@ TEST_F(SamiTest, SeeksAndMomentsOfClassesSideBySide)
         EXPECT_EQ(Play_Calls(2), pszFrames) << uiTarget;
     }
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    for (const uint32_t uiFirst : {0u, 1u}) {
-        Select({uiFirst, 1 - uiFirst});
-        for (const std::string strTime : {"10", "20", "30"}) {
+    const std::pair<std::vector<uint32_t>, std::vector<const char *>> ORDERS[] = {
+        {{0, 1}, {"k10\ne10", "k20\ne20", "k30\ne30"}},
+        {{1, 0}, {"e10\nk10", "e20\nk20", "e30\nk30"}},
+    };
+    for (const auto &[vecClasses, vecTexts] : ORDERS) {
+        Select(vecClasses);
+        for (const char *pszText : vecTexts) {
             ASSERT_EQ(QUIB_CAPTION_ParsingProcessEx(), 2);
-            const std::string strWanted =
-                uiFirst == 0 ? "k" + strTime + "\ne" + strTime : "e" + strTime + "\nk" + strTime;
-            EXPECT_EQ(reinterpret_cast<const char *>(stInfo.aucOutText), strWanted);
-            EXPECT_EQ(std::to_string(stInfo.iOutStartPTS), strTime);
+            EXPECT_STREQ(reinterpret_cast<const char *>(stInfo.aucOutText), pszText);
+            EXPECT_EQ(stInfo.iOutStartPTS, std::atoi(pszText + 1));
         }
     }
     Select({1});
