@@ -123,34 +123,22 @@ int32_t Apply_SyncTag(const TagArguments &stArguments)
     return TAG_KIND_SINGLE | static_cast<int32_t>(E_HTML_TAG_SYNC);
 }
 
-bool Is_ClassName(const uint16_t *pusName, uint32_t uiNameLength, const TagControlInfo &stTag)
+bool Is_ClassName(const uint16_t *pusName, uint32_t uiNameLength, const uint16_t *pusWanted,
+                  uint32_t uiWantedLength)
 {
-    if (uiNameLength != stTag.uiClassNameLength) return false;
+    if (uiNameLength != uiWantedLength) return false;
     for (uint32_t uiPos = 0; uiPos < uiNameLength; ++uiPos)
-        if (pusName[uiPos] != To_Upper(stTag.pusClassName[uiPos])) return false;
+        if (pusName[uiPos] != To_Upper(pusWanted[uiPos])) return false;
     return true;
 }
 
-bool Has_AltName(const CaptionClassInfo &stClass, const TagControlInfo &stTag)
+bool Has_AltName(const CaptionClassInfo &stClass, const uint16_t *pusWanted, uint32_t uiWantedLength)
 {
     for (uint32_t uiAlt = 0; uiAlt < stClass.uiAltNameNums && uiAlt < ZYR_CLASS_MAX; ++uiAlt)
-        if (Is_ClassName(stClass.ausAltName[uiAlt], stClass.auiAltNameLength[uiAlt], stTag)) return true;
+        if (Is_ClassName(stClass.ausAltName[uiAlt], stClass.auiAltNameLength[uiAlt], pusWanted,
+                         uiWantedLength))
+            return true;
     return false;
-}
-
-/** Select the class with this name, or else the first one that another name of was folded into. */
-void Select_NamedClass(TagControlInfo &stTag)
-{
-    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    for (uint32_t uiClass = 0; uiClass < stInfo.uiClassNums; ++uiClass) {
-        const CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
-        if (Is_ClassName(stClass.ausName, stClass.uiNameLength, stTag)) {
-            stTag.uiSelectedClass = uiClass;
-            return;
-        }
-        if (stTag.uiSelectedClass == ZYR_CLASS_MAX && Has_AltName(stClass, stTag))
-            stTag.uiSelectedClass = uiClass;
-    }
 }
 
 int32_t Apply_ParagraphTag(const TagArguments &stArguments, bool bClosing)
@@ -167,7 +155,7 @@ int32_t Apply_ParagraphTag(const TagArguments &stArguments, bool bClosing)
         stTag.uiClassNameLength = stArgument.uiValueLength < ZYR_CLASS_NAME_UNITS
                                       ? stArgument.uiValueLength
                                       : static_cast<uint32_t>(ZYR_CLASS_NAME_UNITS);
-        Select_NamedClass(stTag);
+        stTag.uiSelectedClass = Find_NamedClass(stTag.pusClassName, stTag.uiClassNameLength);
     } else if (stInfo.uiClassNums > 0 && stInfo.astClassInfo[stInfo.uiClassNums - 1].uiNameLength == 0) {
         stTag.uiSelectedClass = stInfo.uiClassNums - 1;
     }
@@ -276,6 +264,18 @@ void Apply_Tag(uint32_t uiTag, const TagArguments &stArguments)
 }
 
 } // namespace
+
+uint32_t Find_NamedClass(const uint16_t *pusName, uint32_t uiLength)
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    uint32_t uiFolded = ZYR_CLASS_MAX;
+    for (uint32_t uiClass = 0; uiClass < stInfo.uiClassNums; ++uiClass) {
+        const CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
+        if (Is_ClassName(stClass.ausName, stClass.uiNameLength, pusName, uiLength)) return uiClass;
+        if (uiFolded == ZYR_CLASS_MAX && Has_AltName(stClass, pusName, uiLength)) uiFolded = uiClass;
+    }
+    return uiFolded;
+}
 
 int32_t Parse_HtmlTag(const uint16_t *pusTag, int32_t iLen)
 {

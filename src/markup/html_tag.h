@@ -111,5 +111,9 @@ constexpr uint32_t Get_TagId(int32_t iResult)
  */
 int32_t Parse_HtmlTag(const uint16_t *pusTag, int32_t iLen);
 
+/** @return class with this name, or else the first one that another name of was folded into; ZYR_CLASS_MAX = none.
+ * @param[in] pusName  of either case */
+uint32_t Find_NamedClass(const uint16_t *pusName, uint32_t uiLength);
+
 /** Forget the open tags: a new frame begins. */
 void Clear_TagQueue();

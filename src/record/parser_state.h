@@ -82,6 +82,7 @@ struct TagControlInfo {
 struct SamiFrameInfo {
     uint32_t uiClassIndex; // class of the frame; ZYR_CLASS_MAX while it has none
     int32_t iPTS;          // ms
+    uint32_t uiTextBytes;  // from there to the text, where nothing else needs to be read; 0 = not known
     int64_t llFilePos;     // where the "<" of the SYNC tag stands
 };
 

@@ -219,10 +219,19 @@ int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     }
 }
 
-int64_t Get_ReadPosition(void *hFile)
+int64_t Tell_ReadPosition(void *hFile, int64_t *pllPos)
 {
     const bool bKnown = s_llReaderPos >= 0 && hFile == s_hReaderFile;
-    return (bKnown ? s_llReaderPos : QUIBCAPTCB_FileTell(hFile)) - Get_HeldBytes(Get_StreamInfo());
+    const int64_t llTold = bKnown ? s_llReaderPos : QUIBCAPTCB_FileTell(hFile);
+    *pllPos = llTold - Get_HeldBytes(Get_StreamInfo());
+    return llTold;
+}
+
+int64_t Get_ReadPosition(void *hFile)
+{
+    int64_t llPos = 0;
+    Tell_ReadPosition(hFile, &llPos);
+    return llPos;
 }
 
 bool Is_ReaderAt(void *hFile, int64_t llPos)

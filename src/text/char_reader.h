@@ -40,6 +40,9 @@ inline int32_t Get_CharCode(void *hFile, uint16_t *pusChar, int32_t iRawMode)
  */
 int64_t Get_ReadPosition(void *hFile);
 
+/** The same. @return where the file stands, or a negative value when it had to be asked and did not say */
+int64_t Tell_ReadPosition(void *hFile, int64_t *pllPos);
+
 /**
  * Ask the file, which a host may have moved, whether the next character stands at a position.
  *

@@ -1,6 +1,7 @@
 #include "text/find_unit.h"
 
 #include <bit>
+#include <cstddef>
 
 #include "text/text_block.h"
 
@@ -52,6 +53,15 @@ const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitS
     return nullptr;
 }
 
+/** @return whether a UTF-8 character of several bytes ends right before a place. */
+bool Ends_Utf8(const uint8_t *pucStart, const uint8_t *pucEnd)
+{
+    const ptrdiff_t iHeld = pucEnd - pucStart;
+    if (iHeld < 2 || (pucEnd[-1] & 0xC0) != 0x80) return false;
+    if ((pucEnd[-2] & 0xE0) == 0xC0) return true;
+    return iHeld >= 3 && (pucEnd[-2] & 0xC0) == 0x80 && (pucEnd[-3] & 0xF0) == 0xE0;
+}
+
 } // namespace
 
 const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucFirst,
@@ -65,6 +75,21 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
     case E_TEXT_UTF16: return Search<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
     default: return nullptr;
     }
+}
+
+uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
+{
+    CaptionStreamInfo &stStream = Get_StreamInfo();
+    if (stStream.iStreamBufIndex >= stStream.iStreamDataSize) return 0;
+    const TextKind eKind = Get_TextKind();
+    const uint8_t *const pucStart = stStream.pucStreamBuf + stStream.iStreamBufIndex;
+    const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
+    const uint8_t *pucFound = Find_Unit(eKind, pucStart, pucEnd, ucFirst, ucSecond);
+    if (pucFound == nullptr) return 0;
+    if (eKind == E_TEXT_UTF8)
+        while (pucFound > pucStart && pucFound[-1] >= 0x80 && !Ends_Utf8(pucStart, pucFound)) --pucFound;
+    stStream.iStreamBufIndex += static_cast<int32_t>(pucFound - pucStart);
+    return static_cast<uint32_t>(pucFound - pucStart);
 }
 
 int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd)

@@ -27,3 +27,11 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
  * @return index in the buffer of the byte behind it, or -1 when it is not sure that there is one
  */
 int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd);
+
+/**
+ * Pass over characters in the current stream's read buffer up to the first of two, which are ASCII. Bytes that
+ * decode to no character are left before it: the reader counts them to the character behind them.
+ *
+ * @return bytes passed over; 0 also where it is not sure where the two stand
+ */
+uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond);

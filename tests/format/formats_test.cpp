@@ -159,7 +159,6 @@ TEST_F(EngineTest, FailuresAreReported)
         {".ssa", E_OPEN, ALLOCATION, "HeaderParser_SSA() - Add Frame Failed!"},
         {".ssa", E_FRAMES, ZYR_HOST_READ, "FrameParser_SSA() - Get_CharCode() Failed! (ERROR = -5)"},
         {".ssa", E_SEEK, ZYR_HOST_SEEK, "Seek_SSA() - QUIBCAPTCB_FileSeek() Failed! (ERROR = -2)", 0},
-        {".smi", E_OPEN, ZYR_HOST_TELL, "HeaderParser_SAMI() - File Tell Failed! (ERROR = -5)"},
         {".smi", E_OPEN, ALLOCATION, "Frame Information Array Memory Allocation Failed!"},
         {".smi", E_FRAMES, ZYR_HOST_READ, "FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = -5)"},
         {".smi", E_FRAMES, ZYR_HOST_SEEK, "FrameParser_SAMI() - File Seek Failed! (ERROR = -2)"},

@@ -47,6 +47,21 @@ const FileKind KINDS[] = {
       "even at two of them or at three of them.\r\n\r\n",
       "00:00:09.00,00:00:10.00\r\n1[br]2[br]3[br]4\r\n5\r\n6 \r\n\r\n",
       "00:00:10.00,00:00:11.00\r\n1[br]2[br]3[br]4\r\n5\r\n6[br]7\r\n\r\n"}},
+    {".smi",
+     "<SAMI><HEAD><STYLE TYPE=\"text/css\"><!--\r\n.KRCC { Name:Korean; "
+     "}\r\n--></STYLE></HEAD>\r\n<BODY>\r\n",
+     {"<SYNC Start=1000><P Class=KRCC>One line of words\r\n", "<SYNC Start=2000><P Class=KRCC>&nbsp;\r\n",
+      "<SYNC START=3000>\r\n<P CLASS=KRCC>\r\nTwo  lines,<br>\r\n <i>one</i> of them\tslanted <BR>\r\n",
+      "<SYNC Start=4000><P Class=KRCC>한국어 자막<br>と日本語、é, ñ\r\n<P Class=ENCC>English <b>text</b>\r\n",
+      "<SYNC Start=5000>\r\n <P Class=ENCC>First &amp; <br>foremost</P>\r\n<P Class=KRCC><font "
+      "color=\"red\">둘째</font>\r\n",
+      "<SYNC Start=6000><P Class=FRCC>Un<P Class=ENCC>one<P Class=KRCC>하나<P Class=FRCC>deux\r\n",
+      "<SYNC Start=7000><P>Without a name\r\n", "<SYNC Start=8000>\r\n",
+      "<SYNC Start=5500 End=6500><P Class=ENCC ID=Source>Out of order\r\n",
+      "<SYNC Start=9000><P Class=KRCC>A line that is so long that it must be wrapped at one of its blanks, "
+      "perhaps even "
+      "at two of them or at three of them<br>1<br>2<br>3<br>4<br>\r\n",
+      "<SYNC Start=9500><P Class=KRCC>1<br>2<br>3<br>4<br>5<br>6<br>7\r\n", "</BODY></SAMI>\r\n"}},
 };
 
 /** Pieces that bend an entry. */

@@ -44,6 +44,8 @@ void Combine_Frames(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
 
 void Note_ChangedClasses()
 {
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame) // other P tags select a class now
+        s_pstFrameInfoArray[uiFrame].uiTextBytes = 0;
     Order_FramesByClass();
     Forget_PassedPlaces();
 }

@@ -8,7 +8,7 @@
 #include "format/sami/sami_classes.h"
 #include "format/sami/sami_index.h"
 #include "format/sami/sami_skip.h"
-#include "format/sami/sami_tags.h"
+#include "format/sami/sami_usual.h"
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
 #include "text/char_reader.h"
@@ -62,11 +62,6 @@ struct SamiFrame {
     int32_t iEnd;   // of the SYNC tag, ms
 };
 
-constexpr StopUnits TAG_STOP = {1, {'<'}, false};
-constexpr StopUnits NAME_STOPS = {6, {'<', '>', ' ', '\t', '\r', '\n'}, false};
-constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
-constexpr StopUnits TEXT_STOPS = {6, {0, '\t', '\n', '\r', '<', '&'}, true};
-
 /** @return whether the tag buffer holds exactly this text, ASCII case aside. */
 template <uint32_t BYTES>
 bool Is_TagText(const char (&szText)[BYTES])
@@ -106,40 +101,11 @@ void Fail_Seek(SamiFrame &stFrame, int64_t llReached)
     End_Frame(stFrame, -1);
 }
 
-/** @return whether a P tag of this class stands at the read position; it is taken then. */
-bool Take_UsualParagraph(const CaptionClassInfo &stClass)
-{
-    const BufferUnits stUnits = Get_BufferUnits();
-    uint16_t ausName[ZYR_CLASS_NAME_UNITS];
-    uint32_t uiNameUnits = 0;
-    const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_ParagraphTag(stUnits, ausName, &uiNameUnits) : 0;
-    if (uiUnits == 0 || uiNameUnits != stClass.uiNameLength ||
-        !std::equal(ausName, ausName + uiNameUnits, stClass.ausName))
-        return false;
-    Take_BufferUnits(stUnits, uiUnits);
-    return true;
-}
-
 void Expect_Paragraph(SamiFrame &stFrame, int32_t iStart, int32_t iEnd)
 {
     stFrame.iStart = iStart;
     stFrame.iEnd = iEnd;
     stFrame.eExpected = E_EXPECT_P;
-}
-
-/** Take a usual SYNC tag at the read position, and with it the usual P tag of the current class. */
-void Take_UsualHead(SamiFrame &stFrame)
-{
-    const BufferUnits stUnits = Get_BufferUnits();
-    uint32_t uiStart = 0;
-    const uint32_t uiUnits = Holds_UsualTag(stUnits) ? Match_SyncTag(stUnits, &uiStart) : 0;
-    if (uiUnits == 0) return;
-    Take_BufferUnits(stUnits, uiUnits);
-    Expect_Paragraph(stFrame, static_cast<int32_t>(uiStart), OPEN_END_PTS);
-    if (stFrame.bTimesOnly) return;
-    Skip_PlainRun<TAG_STOP>();
-    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    if (Take_UsualParagraph(stInfo.astClassInfo[stInfo.uiCurrClass])) Start_Text(stFrame);
 }
 
 /** Read on at a SYNC tag, or at the end. */
@@ -151,10 +117,7 @@ void Go_To_Place(SamiFrame &stFrame, uint32_t uiPlace)
     stFrame.eExpected = E_EXPECT_SYNC;
     const int64_t llReached =
         Move_ReadPosition(stFrame.hFile, Get_PlacePosition(uiPlace), E_READ_AHEAD_SHORT);
-    if (llReached < 0)
-        Fail_Seek(stFrame, llReached);
-    else
-        Take_UsualHead(stFrame);
+    if (llReached < 0) Fail_Seek(stFrame, llReached);
 }
 
 /** The times of a SYNC tag that is known to lead nowhere are read: read on at the next place. */
@@ -258,10 +221,7 @@ bool Names_Class()
 
 bool Step_SeekTag(SamiFrame &stFrame, uint16_t usChar)
 {
-    if (usChar == '<')
-        Start_HeadTag(stFrame);
-    else
-        Skip_PlainRun<TAG_STOP>();
+    if (usChar == '<') Start_HeadTag(stFrame);
     return true;
 }
 
@@ -274,12 +234,7 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
     if (Is_TagSpace(usChar) && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
     if (stFrame.eState != E_FRAME_HEAD_TAG) return true; // reading goes on elsewhere
     Collect_TagUnit(usChar, TAG_TEXT_UNITS);
-    if (usChar == '>')
-        Finish_HeadTag(stFrame);
-    else if (stFrame.eTag == E_HEAD_NAME)
-        Collect_TagRun<NAME_STOPS>();
-    else
-        Collect_TagRun<TAG_ENDS>();
+    if (usChar == '>') Finish_HeadTag(stFrame);
     return true;
 }
 
@@ -288,35 +243,19 @@ SamiFrameState Get_MarkupState(MarkupState eState)
     return static_cast<SamiFrameState>(E_FRAME_TEXT + static_cast<uint32_t>(eState));
 }
 
-/** A tag in the text, or the SYNC tag that ends it, begins. */
-void Begin_FrameTag(SamiFrame &stFrame)
-{
-    const BufferUnits stUnits = Get_BufferUnits();
-    const bool bNameHeld = Holds_UsualTag(stUnits);
-    if (bNameHeld && Begins_With(stUnits, SYNC_NAME)) {
-        End_Frame(stFrame, 1);
-        return;
-    }
-    stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>('<'));
-    if (bNameHeld) Collect_TagRun<TAG_ENDS>(); // cannot pass over the name of a SYNC tag
-}
-
 bool Step_Text(SamiFrame &stFrame, uint16_t usChar)
 {
-    if (usChar == '<')
-        Begin_FrameTag(stFrame);
+    if (usChar == 0 || Is_LineEnd(usChar))
+        pstQuibCaptionParserInfo->ucPrevBlank = 0;
     else
-        stFrame.eState = Get_MarkupState(Step_MarkupText<TEXT_STOPS>(usChar));
+        stFrame.eState = Get_MarkupState(Step_MarkupText(usChar));
     return true;
 }
 
-/** Read on in a tag, unless it is the SYNC tag that ends the frame. */
-void Collect_FrameTag(SamiFrame &stFrame)
+/** A SYNC tag ends the frame as soon as its name is there; the next read begins with it. */
+void Check_FrameEnd(SamiFrame &stFrame)
 {
-    if (Is_TagText("<SYNC"))
-        End_Frame(stFrame, 1);
-    else if (s_pstTagControlInfo->uiTagLength > SYNC_NAME_UNITS)
-        Collect_TagRun<TAG_ENDS>();
+    if (Is_TagText("<SYNC")) End_Frame(stFrame, 1);
 }
 
 bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
@@ -324,7 +263,7 @@ bool Step_FrameTag(SamiFrame &stFrame, uint16_t usChar)
     const MarkupStep stStep = Step_Tag(usChar, FRAME_PARSER_NAME);
     stFrame.eState = Get_MarkupState(stStep.eNext);
     if (stStep.uiTag == E_HTML_TAG_P && Names_Class() && !Selects_OwnClass()) stFrame.eState = E_FRAME_OTHER;
-    if (stFrame.eState == E_FRAME_TAG) Collect_FrameTag(stFrame);
+    if (stFrame.eState == E_FRAME_TAG) Check_FrameEnd(stFrame);
     return true;
 }
 
@@ -344,10 +283,7 @@ void Start_OtherTag(SamiFrame &stFrame)
 
 bool Step_Other(SamiFrame &stFrame, uint16_t usChar)
 {
-    if (usChar == '<')
-        Start_OtherTag(stFrame);
-    else
-        Skip_PlainRun<TAG_STOP>();
+    if (usChar == '<') Start_OtherTag(stFrame);
     return true;
 }
 
@@ -378,7 +314,7 @@ bool Step_OtherTag(SamiFrame &stFrame, uint16_t usChar)
     if (usChar == '>')
         Finish_OtherTag(stFrame);
     else
-        Collect_FrameTag(stFrame);
+        Check_FrameEnd(stFrame);
     return true;
 }
 
@@ -423,10 +359,7 @@ void Read_From(SamiFrame &stFrame, int64_t llFilePos)
         return;
     }
     const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(stFrame.hFile) : 1;
-    if (iRead >= 1) {
-        Take_UsualHead(stFrame);
-        return;
-    }
+    if (iRead >= 1) return;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                         " [%d] FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", __LINE__,
                         iRead);
@@ -446,8 +379,6 @@ void Start_Frame(SamiFrame &stFrame, int64_t llFilePos)
 
 void Read_Unit(SamiFrame &stFrame)
 {
-    const bool bText = stFrame.eState == E_FRAME_TEXT && !Is_StopAhead<TEXT_STOPS>(); // stops come in a row
-    if (bText) Append_PlainRun<TEXT_STOPS>();
     uint16_t usChar = 0;
     const int32_t iResult = Get_CharCode(stFrame.hFile, &usChar, 0);
     if (iResult > 0) {
@@ -481,6 +412,10 @@ int32_t FrameParser_SAMI(void)
     }
     s_auiClassFrameCursor[uiClass] = uiFrame + 1;
     Start_Frame(stFrame, s_pstFrameInfoArray[uiFrame].llFilePos);
+    if (!stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(s_pstFrameInfoArray[uiFrame])) {
+        stFrame.iStart = s_pstFrameInfoArray[uiFrame].iPTS;
+        return Complete_Frame(stFrame);
+    }
     while (!stFrame.bDone) Read_Unit(stFrame);
     return stFrame.iResult == 1 ? Complete_Frame(stFrame) : stFrame.iResult;
 }

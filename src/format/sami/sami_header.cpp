@@ -7,10 +7,10 @@
 
 #include "format/sami/sami_index.h"
 #include "format/sami/sami_skip.h"
-#include "format/sami/sami_tags.h"
+#include "format/sami/sami_usual.h"
 #include "text/char_reader.h"
+#include "text/find_unit.h"
 #include "text/text_helpers.h"
-#include "text/text_run.h"
 #include "zyr_log.h"
 
 namespace
@@ -42,8 +42,6 @@ constexpr SamiTagRow SamiTagTable[] = {
 
 constexpr const SamiTagRow *SYNC_TAG = &SamiTagTable[0];
 
-constexpr StopUnits TAG_STOP = {1, {'<'}, false};
-constexpr StopUnits TAG_ENDS = {2, {'<', '>'}, false};
 constexpr int32_t NO_MIN_PTS = 0x0FFFFFFF; // smallest time of no frames
 
 /** Places and times of some frames. */
@@ -63,6 +61,13 @@ struct CurrentFrame {
     int64_t llPos;
 };
 
+/** What stands between the SYNC tag last recorded and the next tag. */
+enum SamiHead : uint32_t {
+    E_SAMI_HEAD_ODD,  // something that the frame parser has to look at
+    E_SAMI_HEAD_SYNC, // nothing but characters
+    E_SAMI_HEAD_P,    // P tags of known classes, and whatever their text holds
+};
+
 struct SamiScan {
     void *hFile;
     SamiScanState eState;
@@ -70,11 +75,14 @@ struct SamiScan {
     uint32_t uiMatched;                      // units of the name being matched
     int64_t llBytes;                         // bytes read since the scan began
     int64_t llTagBytes;                      // bytes read before the tag's "<"
+    int64_t llSyncBytes;                     // the same of the SYNC tag last recorded
     uint32_t uiDigits;                       // digits of the START value
     uint32_t uiStart;                        // START value, ms
     uint16_t ausClass[ZYR_CLASS_NAME_UNITS]; // CLASS value in upper case
     uint32_t uiClassUnits;                   // units of it, also those beyond the room
     bool bSyncOpen;                          // the ">" of a SYNC tag is still to come
+    bool bSkip;                              // what follows may be passed over up to the next tag
+    SamiHead eHead;                          // what the frame parser will find before a P tag
     bool bOffStart;                          // the scan did not begin at the file's start
     CurrentFrame stFrame;
     FrameStatistics stPending;    // frames without a class so far
@@ -116,13 +124,21 @@ void Uncount_Unclassified(SamiScan &stScan)
     stScan.stPending.llLastPos = stScan.stPendingOld.llLastPos;
 }
 
+/** @return bytes from the current frame's SYNC tag to behind the P tag that has just been read, if nothing stands in
+ *          between that the frame parser has to look at; else 0. */
+uint32_t Get_TextBytes(const SamiScan &stScan)
+{
+    return stScan.eHead == E_SAMI_HEAD_P ? static_cast<uint32_t>(stScan.llBytes - stScan.llSyncBytes) : 0;
+}
+
 /** Give the current frame one more entry while there is room. */
 ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
 {
     CurrentFrame &stFrame = stScan.stFrame;
     if (s_uiFrameInfoNums < s_uiFrameInfoMax) {
         ++stFrame.uiEntries;
-        return Append_Frame({uiClass, stFrame.iPTS, stFrame.llPos}) ? E_SCAN_ON : E_SCAN_FAILED;
+        return Append_Frame({uiClass, stFrame.iPTS, Get_TextBytes(stScan), stFrame.llPos}) ? E_SCAN_ON
+                                                                                           : E_SCAN_FAILED;
     }
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Many Frame Information! [%d]\n", __LINE__,
                         s_uiFrameInfoMax);
@@ -137,6 +153,7 @@ ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
     if (pstFirst == pstEnd) return E_SCAN_ON;
     if (pstFirst->uiClassIndex == ZYR_CLASS_MAX) {
         pstFirst->uiClassIndex = uiClass;
+        pstFirst->uiTextBytes = Get_TextBytes(stScan);
         return E_SCAN_ON;
     }
     const bool bEntered = std::any_of(
@@ -147,17 +164,17 @@ ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
 /** Record the SYNC tag whose START value has just ended. */
 ScanResult Record_Frame(SamiScan &stScan)
 {
-    const int64_t llTell = QUIBCAPTCB_FileTell(stScan.hFile);
+    int64_t llPos = 0;
+    const int64_t llTell = Tell_ReadPosition(stScan.hFile, &llPos);
     if (llTell < 0) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                             " [%d] HeaderParser_SAMI() - File Tell Failed! (ERROR = %d)\n", __LINE__,
                             static_cast<int32_t>(llTell));
         return E_SCAN_FAILED;
     }
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int64_t llPos =
-        llTell - stInfo.iStreamDataSize + stInfo.iStreamBufIndex - (stScan.llBytes - stScan.llTagBytes);
+    llPos -= stScan.llBytes - stScan.llTagBytes;
     stScan.bOffStart = stScan.bOffStart || llPos != stScan.llTagBytes;
+    stScan.llSyncBytes = stScan.llTagBytes;
     stScan.stFrame = {true, 0, static_cast<int32_t>(stScan.uiStart), llPos};
     Count_Unclassified(stScan);
     return Add_Entry(stScan, ZYR_CLASS_MAX);
@@ -197,6 +214,7 @@ ScanResult Assign_Class(SamiScan &stScan)
     const uint32_t uiUnits = std::min(stScan.uiClassUnits, static_cast<uint32_t>(ZYR_CLASS_NAME_UNITS));
     CaptionClassInfo *const pstClass = Find_Class(stScan.ausClass, uiUnits);
     const CurrentFrame &stFrame = stScan.stFrame;
+    if (pstClass == nullptr) stScan.eHead = E_SAMI_HEAD_ODD;
     if (pstClass == nullptr || !stFrame.bKnown) return E_SCAN_ON;
     (pstClass->uiFrameNums > 0 ? pstClass->llLastFramePos : pstClass->llFirstFramePos) = stFrame.llPos;
     pstClass->iMinPTS = std::min(pstClass->iMinPTS, stFrame.iPTS);
@@ -244,6 +262,7 @@ void Clear_Classes()
 void Start_Tag(SamiScan &stScan, int32_t iBytes)
 {
     stScan.eState = E_SAMI_NAME;
+    stScan.eHead = E_SAMI_HEAD_ODD;
     stScan.bSyncOpen = false;
     stScan.pstTag = SamiTagTable;
     stScan.uiMatched = 0;
@@ -340,54 +359,33 @@ bool Close_SyncTag(SamiScan &stScan)
 {
     if (!stScan.bSyncOpen) return true;
     stScan.bSyncOpen = false;
+    stScan.bSkip = true;
     return Append_SyncPlace(stScan.llTagBytes);
 }
 
 // ---- The usual tags at once ----
 
-ScanResult Take_SyncTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
-{
-    stScan.llTagBytes = stScan.llBytes;
-    stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
-    return Append_SyncPlace(stScan.llTagBytes) ? Record_Frame(stScan) : E_SCAN_FAILED;
-}
-
-ScanResult Take_ParagraphTag(SamiScan &stScan, const BufferUnits &stUnits, uint32_t uiUnits)
-{
-    stScan.llBytes += Take_BufferUnits(stUnits, uiUnits);
-    return Assign_Class(stScan);
-}
-
-/** @return whether the tag at the read position says nothing to the scan. */
-bool Is_OtherTag(const BufferUnits &stUnits)
-{
-    // From 0x80 on a byte may be one that is dropped, and the name be any.
-    const uint32_t uiFirst = To_Upper(stUnits[1]);
-    if (uiFirst != '/') return uiFirst != 'S' && uiFirst != 'P' && uiFirst < 0x80;
-    const uint32_t uiSecond = To_Upper(stUnits[2]);
-    return uiSecond != 'B' && uiSecond != 'S' && uiSecond < 0x80;
-}
-
 /** Take the tag at the read position if it is a usual one. @return whether it was taken. */
 bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
 {
-    const BufferUnits stUnits = Get_BufferUnits();
-    if (!Holds_UsualTag(stUnits) || stUnits[0] != '<') return false;
-    if (Is_OtherTag(stUnits)) {
-        stScan.bSyncOpen = false;
-        stScan.llBytes += Take_BufferUnits(stUnits, 1);
-        return true;
-    }
-    uint32_t uiUnits = Match_SyncTag(stUnits, &stScan.uiStart);
-    if (uiUnits > 0) {
-        stScan.bSyncOpen = false;
-        *peResult = Take_SyncTag(stScan, stUnits, uiUnits);
-        return true;
-    }
-    uiUnits = Match_ParagraphTag(stUnits, stScan.ausClass, &stScan.uiClassUnits);
-    if (uiUnits == 0) return false;
+    SamiTag stTag;
+    if (!Match_SamiTag(&stTag)) return false;
+    if (stTag.eKind == E_SAMI_TAG_SYNC) stScan.llTagBytes = stScan.llBytes;
+    stScan.llBytes += stTag.uiBytes;
+    Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(stTag.uiBytes);
     stScan.bSyncOpen = false;
-    *peResult = Take_ParagraphTag(stScan, stUnits, uiUnits);
+    if (stTag.eKind == E_SAMI_TAG_SYNC) {
+        stScan.uiStart = stTag.uiStart;
+        stScan.eHead = E_SAMI_HEAD_SYNC;
+        *peResult = Append_SyncPlace(stScan.llTagBytes) ? Record_Frame(stScan) : E_SCAN_FAILED;
+    } else if (stTag.eKind == E_SAMI_TAG_P) {
+        stScan.uiClassUnits = stTag.uiNameUnits;
+        std::copy(stTag.ausName, stTag.ausName + stTag.uiNameUnits, stScan.ausClass);
+        if (stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_P;
+        *peResult = Assign_Class(stScan);
+    } else if (stScan.eHead == E_SAMI_HEAD_SYNC) {
+        stScan.eHead = E_SAMI_HEAD_ODD;
+    }
     return true;
 }
 
@@ -395,8 +393,8 @@ bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
 ScanResult Scan_Outside(SamiScan &stScan)
 {
     ScanResult eResult = E_SCAN_ON;
-    do stScan.llBytes += stScan.bSyncOpen ? Skip_PlainRun<TAG_ENDS>() : Skip_PlainRun<TAG_STOP>();
-    while (Take_UsualTag(stScan, &eResult) && eResult == E_SCAN_ON);
+    do stScan.llBytes += Skip_To('<', stScan.bSyncOpen ? '>' : '<');
+    while (s_bUsualReading && Take_UsualTag(stScan, &eResult) && eResult == E_SCAN_ON);
     return eResult;
 }
 
@@ -404,7 +402,9 @@ ScanResult Scan_Outside(SamiScan &stScan)
 ScanEnd Scan_File(SamiScan &stScan)
 {
     for (;;) {
-        if (stScan.eState == E_SAMI_OUTSIDE && Scan_Outside(stScan) == E_SCAN_FAILED) return E_END_FAILED;
+        const bool bSkip = stScan.eState == E_SAMI_OUTSIDE && stScan.bSkip;
+        if (bSkip && Scan_Outside(stScan) == E_SCAN_FAILED) return E_END_FAILED;
+        stScan.bSkip = false;
         uint16_t usChar = 0;
         const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, 1);
         if (iBytes <= 0) return iBytes == 0 ? E_END_OF_FILE : E_END_OF_READING;
@@ -413,6 +413,8 @@ ScanEnd Scan_File(SamiScan &stScan)
             Start_Tag(stScan, iBytes);
             continue;
         }
+        stScan.bSkip =
+            stScan.eState != E_SAMI_OUTSIDE; // once behind each tag: what stopped it stands there still
         if (usChar == '>' && !Close_SyncTag(stScan)) return E_END_FAILED;
         const ScanResult eResult = Step_Scan(stScan, To_Upper(usChar));
         if (eResult != E_SCAN_ON) return eResult == E_SCAN_END ? E_END_OF_BODY : E_END_FAILED;
@@ -438,6 +440,7 @@ int32_t HeaderParser_SAMI(void *hFile)
     Clear_Classes();
     SamiScan stScan = {};
     stScan.hFile = hFile;
+    stScan.bSkip = true;
     stScan.stPending.iMinPTS = NO_MIN_PTS;
     const ScanEnd eEnd = Scan_File(stScan);
     if (eEnd != E_END_FAILED && Finish_Scan(stScan, eEnd)) return 1;

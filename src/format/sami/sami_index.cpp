@@ -15,6 +15,7 @@ constexpr uint32_t SPARE_FRAMES = 100;   // and these
 constexpr uint32_t FIRST_FRAMES = 1024;  // entries to begin with
 constexpr uint32_t NEAR_FRAMES = 4;      // entries to look at before the class's own list is searched
 
+uint32_t s_uiIndexedOption = 0;                   // how bytes were taken for characters
 uint32_t s_uiFrameRoom = 0;                       // entries that the array has room for
 uint32_t s_auiClassStart[ZYR_CLASS_MAX + 2] = {}; // where each class's entries begin in the class order
 
@@ -90,8 +91,14 @@ bool Begin_FrameIndex()
     Replace_Frames(nullptr);
     Drop_FrameIndex();
     s_uiFrameRoom = 0;
+    s_uiIndexedOption = s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE;
     s_uiFrameInfoMax = static_cast<uint32_t>(s_llCaptionFileSize / BYTES_PER_FRAME) + SPARE_FRAMES;
     return Grow_Frames();
+}
+
+bool Is_IndexedOption()
+{
+    return s_uiIndexedOption == (s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE);
 }
 
 bool Append_Frame(const SamiFrameInfo &stFrame)

@@ -15,6 +15,9 @@ void *Allocate_FrameMemory(uint32_t uiBytes);
 /** Begin an empty index for a file of s_llCaptionFileSize bytes. @return false without memory (logged). */
 bool Begin_FrameIndex();
 
+/** @return whether bytes are still taken for characters as when the index was begun. */
+bool Is_IndexedOption();
+
 /** Add an entry; the index must not be full. @return false without memory (logged). */
 bool Append_Frame(const SamiFrameInfo &stFrame);
 
