@@ -152,8 +152,6 @@ void Drop_TwinFrames()
         const SamiFrameInfo stFrame = s_pstFrameInfoArray[uiFrame];
         if (!Has_Twin(stFrame, uiKept)) s_pstFrameInfoArray[uiKept++] = stFrame;
     }
-    for (uint32_t &uiCursor : s_auiClassFrameCursor)
-        if (uiCursor == s_uiFrameInfoNums) uiCursor = uiKept;
     s_uiFrameInfoNums = uiKept;
 }
 

@@ -157,6 +157,15 @@ TEST_F(SamiTest, ClassesSideBySide)
     Expect_Played(".smi", CASES);
 }
 
+TEST_F(SamiTest, OnlyAClassLeadsBackToTheUnnamedOne)
+{
+    // To the header "CLASS= X" names nobody.
+    Open_File("<SYNC START=1><P >a<P CLASS= X>b<P >c<P ID=1>c" + Sync(2, "X", "x"));
+    Scan_Again();
+    Select({1});
+    EXPECT_EQ(Play(), "1-open a");
+}
+
 TEST_F(SamiTest, SeeksAndMomentsOfClassesSideBySide)
 {
     std::string strFile;
