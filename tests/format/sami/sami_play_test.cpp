@@ -212,7 +212,7 @@ TEST_F(SamiTest, AMergeLeavesOneFrameOfASync)
     const struct {
         uint32_t uiFrom, uiTo, uiEntries;
         int32_t iNextOfSecond;
-    } CASES[] = {{1, 0, 4, -3}, {0, 1, 4, -3}, {2, 1, 5, 20}, {1, 2, 5, 20}};
+    } CASES[] = {{1, 0, 4, -3}, {0, 1, 4, -3}, {2, 1, 5, 20}, {1, 2, 5, 20}, {2, 0, 5, 20}};
     for (const auto &stCase : CASES) {
         Open_File(strBoth + "<SYNC Start=20><P Class=K>K0<P Class=E>E0");
         EXPECT_EQ(Play_Calls(4), "10-20 k; 1:10-10 e; 1:10-20 +; 2:10-open j; ");
