@@ -278,4 +278,27 @@ TEST_P(Formats, EveryCallTellsTheEnd)
         EXPECT_NE(stInfo.astStreamInfo[uiStream].iStreamDataSize, NO_CAPTION_DATA) << uiStream;
 }
 
+TEST_F(EngineTest, ADigitInTheOtherByteOrderIsNone)
+{
+    const struct {
+        const char *pszEnding;
+        std::string strBegin, strTimes; // the times stand in the other byte order, between the rest
+        const char *pszFrames;
+    } CASES[] = {
+        {".srt", Entry("a") + "1\r\n", "00:00:01,000 --> 00:00:02,000\r\n", "1000-2000 a"},
+        {".SUB", SUB_HEADER + Sub("01.00"), "00:00:02.00,00:00:03.00\r\n", "1000-9000 x; !!0-0 "},
+    };
+    const std::string strText = "y\r\n\r\n" + std::string(100, 'z');
+    for (const auto &stCase : CASES)
+        for (const bool bBig : {false, true}) {
+            const auto fnEncode = [](const std::string &strPart, bool bBigEndian) {
+                return Encode(strPart, bBigEndian ? E_UTF16BE : E_UTF16LE);
+            };
+            const std::string strFile = fnEncode(stCase.strBegin, bBig) +
+                                        fnEncode(stCase.strTimes, !bBig).substr(2) +
+                                        fnEncode(strText, bBig).substr(2);
+            EXPECT_EQ(Play(stCase.pszEnding, strFile), stCase.pszFrames) << bBig;
+        }
+}
+
 } // namespace

@@ -239,9 +239,11 @@ TEST_F(SsaTest, NoMoreThan4096StylesAreKept)
         INFO + Repeat(Style("s", "1" + strNumbers), 4095) + Style("Last", "7" + strNumbers);
     std::vector<uint64_t> vecHeld;
     for (const uint32_t uiMore : {0u, 200000u}) {
-        const std::string strFile = strFull + Repeat(DEFAULT_STYLE, uiMore) + EVENTS;
-        EXPECT_EQ(First_Look(strFile + Line("0:00:01.00", "x", "Last")), "1000-9500 x: 20 7 0000 0 0");
-        EXPECT_EQ(First_Look(strFile + Line("0:00:01.00", "x", "Default")), "1000-9500 x: 0 16 FFFF 0 0");
+        std::string strFile = strFull + Repeat(DEFAULT_STYLE, uiMore);
+        strFile += EVENTS + Line("0:00:01.00", "x", "Last") + Line("0:00:02.00", "y", "Default");
+        EXPECT_EQ(First_Look(strFile), "1000-9500 x: 20 7 0000 0 0");
+        Next();
+        EXPECT_EQ(Get_Fields().pstStyle, nullptr) << "style 4,097 is not kept";
         vecHeld.push_back(zyr_host_liveBytes());
     }
     EXPECT_EQ(vecHeld[0], vecHeld[1]);
@@ -374,7 +376,7 @@ TEST_F(SsaTest, FieldsHoldLessThan512Units)
     for (const size_t uiUnits : {511u, 512u, 513u}) {
         const std::string strText = uiUnits < 512 ? "x" : "";
         const std::string strFill = Repeat("x", uiUnits - 10);
-        ASSERT_TRUE(Open_File(EVENTS + Line("0:00:01.00" + strFill, "x")));
+        ASSERT_TRUE(Open_File(EVENTS + Line(std::string("0:00:01.00").append(strFill), "x")));
         EXPECT_EQ(s_stCaptionFrameList.uiNodeNum, strText.size()) << uiUnits;
         EXPECT_EQ(First(File(fnLine("0:00:02.00" + strFill, "n"))),
                   uiUnits < 512 ? "1000-2000 x" : "1000-0 ");
