@@ -276,7 +276,7 @@ def draw_plot(curve):
     """The times over the sizes, both logarithmic, as SVG."""
     width, height, left, top, right, bottom = 760, 460, 70, 20, 190, 50
     points = [point for series in curve.values() for point in series]
-    low = [math.floor(math.log10(min(point[axis] for point in points))) for axis in (0, 1)]
+    low = [math.floor(math.log10(min(point[axis] for point in points)) + 0.01) for axis in (0, 1)]
     high = [math.ceil(math.log10(max(point[axis] for point in points)) - 0.01) for axis in (0, 1)]
 
     def place(point):
