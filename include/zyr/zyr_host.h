@@ -57,6 +57,14 @@ typedef void (*ZyrHostLogSink)(int iPriority, const char *pszTag, const char *ps
  */
 void zyr_host_setLogSink(ZyrHostLogSink pfSink, void *pContext);
 
+/**
+ * Tell what zyr_host_setLogSink() was given, so that who takes the log over for a while can give it back.
+ *
+ * @param[out] ppContext  the context; may be NULL
+ * @return the sink, or NULL for the default one
+ */
+ZyrHostLogSink zyr_host_getLogSink(void **ppContext);
+
 /* --------------------------------------------------------------------------------------------- properties */
 
 /**
@@ -80,6 +88,9 @@ int zyr_host_setProperty(const char *pszKey, const char *pszValue);
  */
 int zyr_host_loadProperties(const char *pszPath);
 
+/** @return the property's value, valid until it is set or removed again, or NULL when it is not set. */
+const char *zyr_host_getProperty(const char *pszKey);
+
 /* --------------------------------------------------------------------------------------------------- font */
 
 /**
@@ -92,6 +103,10 @@ int zyr_host_loadProperties(const char *pszPath);
  * A renderer that is open keeps its font until it is opened again.
  */
 void zyr_host_setFontFile(const char *pszPath);
+
+/** @return the file that the caption renderer opens next, whether it exists or not; valid until the font is
+ * set again. */
+const char *zyr_host_getFontFile(void);
 
 /* -------------------------------------------------------------------------------------------------- files */
 
@@ -106,6 +121,9 @@ void zyr_host_setFontFile(const char *pszPath);
  *                      runs out, or for a text past 2^31 - 1 bytes, where no seek could reach
  */
 void zyr_host_setLineEnds(int iMode);
+
+/** @return the mode that zyr_host_setLineEnds() has put in force, 0 or 1. */
+int zyr_host_getLineEnds(void);
 
 /**
  * Let ZYR_fopen() of one name open another file. Names beginning with "zyrhost:" exist only when mapped,
@@ -255,6 +273,15 @@ uint16_t *zyr_host_captionMemory(uint32_t *puiPhysBase);
  *             is as it was
  */
 int zyr_host_composeCaption(uint8_t *pucRgba, uint32_t uiWidth, uint32_t uiHeight);
+
+/**
+ * Tell where on the display the device shows its box now, marks and the empty space between them alike. The
+ * box may reach beyond the display. A pointer that is NULL is not written.
+ *
+ * @return 0   told
+ *         -1  nothing is shown, as for zyr_host_composeCaption(); nothing is written
+ */
+int zyr_host_getCaptionBox(int32_t *piX, int32_t *piY, uint32_t *puiWidth, uint32_t *puiHeight);
 
 /* -------------------------------------------------------------------------------------------------- reset */
 

@@ -49,12 +49,28 @@ void Compose_Row(uint8_t *pucRgba, int64_t llOffset, int64_t llPixels)
     }
 }
 
+bool Is_Shown(const HostPlane &stPlane)
+{
+    return stPlane.bEnabled && stPlane.bConfigured && stPlane.bUpdated;
+}
+
 } // namespace
+
+int zyr_host_getCaptionBox(int32_t *piX, int32_t *piY, uint32_t *puiWidth, uint32_t *puiHeight)
+{
+    const HostPlane &stPlane = *Get_HostPlane();
+    if (!Is_Shown(stPlane)) return -1;
+    if (piX != nullptr) *piX = stPlane.stConfig.iX;
+    if (piY != nullptr) *piY = stPlane.stConfig.iY;
+    if (puiWidth != nullptr) *puiWidth = stPlane.stConfig.uiWidth;
+    if (puiHeight != nullptr) *puiHeight = stPlane.stConfig.uiHeight;
+    return 0;
+}
 
 int zyr_host_composeCaption(uint8_t *pucRgba, uint32_t uiWidth, uint32_t uiHeight)
 {
     const HostPlane *pstPlane = Get_HostPlane();
-    if (pucRgba == nullptr || !pstPlane->bEnabled || !pstPlane->bConfigured || !pstPlane->bUpdated) return -1;
+    if (pucRgba == nullptr || !Is_Shown(*pstPlane)) return -1;
     const HostPlaneConfig &stConfig = pstPlane->stConfig;
     const Span stColumns = Clip_Side(stConfig.iX, stConfig.uiWidth, uiWidth);
     const Span stRows = Clip_Side(stConfig.iY, stConfig.uiHeight, uiHeight);

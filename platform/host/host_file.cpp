@@ -164,6 +164,11 @@ void zyr_host_setLineEnds(int iMode)
     s_bCrLf = iMode == 1;
 }
 
+int zyr_host_getLineEnds(void)
+{
+    return s_bCrLf ? 1 : 0;
+}
+
 uint32_t zyr_host_openFiles(void)
 {
     return s_uiOpenFiles;

@@ -32,6 +32,11 @@ void zyr_host_setFontFile(const char *pszPath)
     s_pszFont = pszCopy;
 }
 
+const char *zyr_host_getFontFile(void)
+{
+    return zyr_platform_fontPath();
+}
+
 void Reset_HostFont()
 {
     zyr_host_setFontFile(nullptr);

@@ -75,6 +75,12 @@ void zyr_host_setLogSink(ZyrHostLogSink pfSink, void *pContext)
     s_iLeastPriority = Get_LeastPriority();
 }
 
+ZyrHostLogSink zyr_host_getLogSink(void **ppContext)
+{
+    if (ppContext != nullptr) *ppContext = s_pvSinkContext;
+    return s_pfSink;
+}
+
 void Reset_HostLog()
 {
     zyr_host_setLogSink(nullptr, nullptr);

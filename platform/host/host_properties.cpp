@@ -99,6 +99,13 @@ int zyr_host_setProperty(const char *pszKey, const char *pszValue)
     return 0;
 }
 
+const char *zyr_host_getProperty(const char *pszKey)
+{
+    if (pszKey == nullptr) return nullptr;
+    const auto itProperty = Get_Properties().find(std::string_view(pszKey));
+    return itProperty != Get_Properties().end() ? itProperty->second.c_str() : nullptr;
+}
+
 int zyr_host_loadProperties(const char *pszPath)
 {
     FILE *pstFile = pszPath != nullptr ? fopen(pszPath, "re") : nullptr;
