@@ -28,6 +28,8 @@ FAMILIES = [
      "header once per open and gives 1; any other value fails the open. FrameParser reads one frame of the current "
      "stream and gives 1, or -6 for the last one of its list; any other value is no frame. Seek places the current "
      "stream for a time and gives 1; other values are failures."),
+    ("zyrCaptions", "zyr_captions.h", r"zyrCaptions_|ZyrCaption|ZYR_CAPTIONS_", "the captions of a subtitle file as a list",
+     "Programs link libzyrcaptions alone."),
     ("zyr_display", "zyr_display.h", r"zyr_display_(?!system)", "captions on the display", ""),
     ("zyr_display_system", "zyr_display.h", r"zyr_display_system_", "output settings of the display",
      "What the display's output is, and the sizes that follow from it. zyr_display_open() reads them; a player needs "
@@ -55,7 +57,8 @@ def entries(text):
 
 def names_of(code):
     names = re.findall(r"\b(\w+)\(", code) if "typedef" not in code and "{" not in code else []
-    names += re.findall(r"\*(pst\w+);|typedef .*?\(\*(\w+)\)|^enum \{ ?\n? *(\w+)|^#define (\w+)", code, re.M)
+    names += re.findall(r"\*(pst\w+);|typedef .*?\(\*(\w+)\)|^enum \{ ?\n? *(\w+)|^#define (\w+)|^\} (\w+);|"
+                        r"^typedef struct \w+ (\w+);", code, re.M)
     return ["".join(name) for name in names if "".join(name) not in ("aligned", "visibility")]
 
 
@@ -107,7 +110,7 @@ def comment_roff(comment):
 
 def rules_roff(comment):
     """The head comment: sentences, a list of numbered rules, and what is set off by four blanks."""
-    out, kind = "", None
+    out, kind, broken = "", None, False
     for line in comment_lines(comment):
         rule = re.match(r"^ ?(\d+)\. +(.*)$", line)
         shown = re.match(r"^ {4}(\w+\(\).*)$", line)
@@ -116,9 +119,11 @@ def rules_roff(comment):
         elif shown:
             out += (".PP\n" if kind != "shown" else "") + ".nf\n" + escape(shown[1]) + "\n.fi\n"
         elif not line.strip():
-            out += ".PP\n" if kind == "text" else ""
+            broken = True
+            continue
         else:
-            out += paragraph(line)
+            out += (".PP\n" if broken or kind == "shown" else "") + paragraph(line)
+        broken = False
         kind = "shown" if shown else "rule" if rule else "text" if line.strip() else None
     return out
 
@@ -134,7 +139,7 @@ def page(family, include, version):
             calls += [one for one in named if re.match(r"[a-zQ_CDTHFS]", one)]
     out = heading(name, 3, version, "Calls of libZYRsubtitle")
     out += ".SH NAME\n" + escape(", ".join(calls)) + " \\- " + what + "\n"
-    library = "zyrhost" if header == "zyr_host.h" else "zyrsubtitle"
+    library = {"zyr_host.h": "zyrhost", "zyr_captions.h": "zyrcaptions"}.get(header, "zyrsubtitle")
     out += ".SH SYNOPSIS\n" + literal(f"#include <zyr/{header}>\n\n"
                                       f"cc PROGRAM.c $(pkg-config --cflags --libs {library})")
     out += ".SH DESCRIPTION\n" + (paragraph(intro) + ".PP\n" if intro else "")

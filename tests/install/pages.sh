@@ -35,7 +35,7 @@ for code in 0 1 2 3 4; do
     [[ $exits =~ [^0-9.]$code\  ]] || fail "zyrsub(1) lacks the exit code $code"
 done
 
-calls=$(sed -n 's/^ \{4\}\([A-Za-z_0-9]*\);$/\1/p' "$source/src/exports.map" "$source/platform/host/exports.map" |
+calls=$(sed -n 's/^ \{4\}\([A-Za-z_0-9]*\);$/\1/p' "$source/src/exports.map" "$source/platform/host/exports.map" "$source/captions/exports.map" |
     grep -vE '^(ZYR_|__android|pmap|property|zyr_ccfb|zyr_platform)')
 for call in $calls; do
     [ -e "$man/man3/$call.3" ] || { fail "no page for $call"; continue; }

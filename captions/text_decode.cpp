@@ -1,0 +1,274 @@
+#include "text_decode.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include "zyr/quib_caption.h"
+
+namespace
+{
+
+constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
+constexpr uint32_t FIRST_ASTRAL = 0x10000;
+
+bool Is_HighSurrogate(uint32_t uiUnit)
+{
+    return (uiUnit & 0xFC00U) == 0xD800U;
+}
+
+bool Is_LowSurrogate(uint32_t uiUnit)
+{
+    return (uiUnit & 0xFC00U) == 0xDC00U;
+}
+
+// Bytes of the character that leads strBytes, or 0 when it is no valid one.
+size_t Measure_Character(std::string_view strBytes)
+{
+    const auto ucLead = static_cast<uint8_t>(strBytes[0]);
+    if (ucLead < 0x80) return 1;
+    if (ucLead < 0xC2 || ucLead > 0xF4) return 0;
+    const size_t uiBytes = ucLead < 0xE0 ? 2 : ucLead < 0xF0 ? 3 : 4;
+    if (strBytes.size() < uiBytes) return 0;
+    for (size_t uiByte = 1; uiByte < uiBytes; ++uiByte)
+        if ((static_cast<uint8_t>(strBytes[uiByte]) & 0xC0) != 0x80) return 0;
+    const auto ucSecond = static_cast<uint8_t>(strBytes[1]);
+    const bool bTooShort = (ucLead == 0xE0 && ucSecond < 0xA0) || (ucLead == 0xF0 && ucSecond < 0x90);
+    const bool bNoCharacter = (ucLead == 0xED && ucSecond >= 0xA0) || (ucLead == 0xF4 && ucSecond >= 0x90);
+    return bTooShort || bNoCharacter ? 0 : uiBytes;
+}
+
+bool Is_AllAscii(const uint8_t *pucBytes)
+{
+    uint64_t ullWord;
+    std::memcpy(&ullWord, pucBytes, sizeof ullWord);
+    return (ullWord & 0x8080808080808080U) == 0;
+}
+
+} // namespace
+
+CodePageReader::CodePageReader(const std::string &strCodePage)
+    : m_hIconv(iconv_open("UTF-8", strCodePage.c_str()))
+{
+    if (!Is_Known()) return;
+    std::string strAscii;
+    for (char cChar = ' '; cChar < 0x7F; ++cChar) strAscii += cChar;
+    std::string strRead;
+    m_bAsciiPlain = Append(strAscii, strRead) == 0 && strRead == strAscii;
+}
+
+CodePageReader::~CodePageReader()
+{
+    if (Is_Known()) iconv_close(m_hIconv);
+}
+
+// iconv() over the whole text, piece by piece: pfPiece(converted) takes what was read, pfBad(offset) tells how many
+// bytes to pass over where nothing could be; errno says why then.
+template <typename PieceStep, typename BadStep>
+void CodePageReader::Convert(std::string_view strBytes, const PieceStep &pfPiece, const BadStep &pfBad) const
+{
+    char *pcIn = const_cast<char *>(strBytes.data()); // iconv only reads it
+    size_t uiLeft = strBytes.size();
+    iconv(m_hIconv, nullptr, nullptr, nullptr, nullptr);
+    while (uiLeft > 0) {
+        std::array<char, 4096> acOut;
+        char *pcOut = acOut.data();
+        size_t uiRoom = acOut.size();
+        const size_t uiResult = iconv(m_hIconv, &pcIn, &uiLeft, &pcOut, &uiRoom);
+        const bool bUnreadable = uiResult == static_cast<size_t>(-1) && errno != E2BIG;
+        const int iWhy = errno;
+        pfPiece(std::string_view(acOut.data(), acOut.size() - uiRoom));
+        if (!bUnreadable) continue;
+        errno = iWhy;
+        const size_t uiSkip = std::min(uiLeft, pfBad(strBytes.size() - uiLeft));
+        pcIn += uiSkip;
+        uiLeft -= uiSkip;
+        iconv(m_hIconv, nullptr, nullptr, nullptr, nullptr);
+    }
+}
+
+uint32_t CodePageReader::Append(std::string_view strBytes, std::string &strUtf8) const
+{
+    uint32_t uiBad = 0;
+    Convert(
+        strBytes, [&](std::string_view strPiece) { strUtf8 += strPiece; },
+        [&](size_t /*uiOffset*/) {
+            strUtf8 += REPLACEMENT;
+            ++uiBad;
+            return size_t{1};
+        });
+    return uiBad;
+}
+
+std::optional<size_t> CodePageReader::Find_Unreadable(std::string_view strBytes) const
+{
+    std::optional<size_t> uiFound;
+    Convert(
+        strBytes, [](std::string_view /*strPiece*/) {},
+        [&](size_t uiOffset) {
+            uiFound = uiOffset;
+            return SIZE_MAX;
+        });
+    return uiFound;
+}
+
+bool CodePageReader::Is_SingleByte() const
+{
+    bool bLead = false;
+    for (int iByte = 0x80; iByte < 0x100; ++iByte) {
+        const char cByte = static_cast<char>(iByte);
+        Convert(
+            {&cByte, 1}, [](std::string_view /*strPiece*/) {},
+            [&](size_t /*uiOffset*/) {
+                bLead = bLead || errno == EINVAL; // the beginning of one character, and not all of it
+                return SIZE_MAX;
+            });
+    }
+    return !bLead;
+}
+
+size_t Count_ValidUtf8(std::string_view strBytes)
+{
+    const auto *pucBytes = reinterpret_cast<const uint8_t *>(strBytes.data());
+    size_t uiValid = 0;
+    while (uiValid < strBytes.size()) {
+        while (uiValid + sizeof(uint64_t) <= strBytes.size() && Is_AllAscii(pucBytes + uiValid))
+            uiValid += sizeof(uint64_t);
+        if (uiValid == strBytes.size()) break;
+        const size_t uiBytes = Measure_Character(strBytes.substr(uiValid));
+        if (uiBytes == 0) break;
+        uiValid += uiBytes;
+    }
+    return uiValid;
+}
+
+uint32_t Append_Utf8(std::string_view strBytes, std::string &strUtf8)
+{
+    uint32_t uiBad = 0;
+    while (!strBytes.empty()) {
+        const size_t uiValid = Count_ValidUtf8(strBytes);
+        strUtf8 += strBytes.substr(0, uiValid);
+        strBytes.remove_prefix(uiValid);
+        if (strBytes.empty()) break;
+        strUtf8 += REPLACEMENT;
+        strBytes.remove_prefix(1);
+        ++uiBad;
+    }
+    return uiBad;
+}
+
+void Append_Character(uint32_t uiCharacter, std::string &strUtf8)
+{
+    const auto pfTail = [&](uint32_t uiShift) {
+        strUtf8 += static_cast<char>(0x80U | (uiCharacter >> uiShift & 0x3FU));
+    };
+    if (uiCharacter < 0x80) {
+        strUtf8 += static_cast<char>(uiCharacter);
+        return;
+    }
+    if (uiCharacter < 0x800) {
+        strUtf8 += static_cast<char>(0xC0U | uiCharacter >> 6);
+    } else if (uiCharacter < FIRST_ASTRAL) {
+        strUtf8 += static_cast<char>(0xE0U | uiCharacter >> 12);
+        pfTail(6);
+    } else {
+        strUtf8 += static_cast<char>(0xF0U | uiCharacter >> 18);
+        pfTail(12);
+        pfTail(6);
+    }
+    pfTail(0);
+}
+
+uint32_t Take_Character(std::string_view &strUtf8)
+{
+    const size_t uiBytes = std::max<size_t>(Measure_Character(strUtf8), 1);
+    auto uiCharacter = static_cast<uint32_t>(static_cast<uint8_t>(strUtf8[0]));
+    if (uiBytes > 1) uiCharacter &= 0xFFU >> (uiBytes + 1);
+    for (size_t uiByte = 1; uiByte < uiBytes; ++uiByte)
+        uiCharacter = uiCharacter << 6 | (static_cast<uint8_t>(strUtf8[uiByte]) & 0x3FU);
+    strUtf8.remove_prefix(uiBytes);
+    return uiCharacter;
+}
+
+uint32_t Append_Utf16(std::span<const uint16_t> ausUnits, std::string &strUtf8)
+{
+    uint32_t uiBad = 0;
+    for (size_t uiUnit = 0; uiUnit < ausUnits.size(); ++uiUnit) {
+        const uint32_t uiHigh = ausUnits[uiUnit];
+        const uint32_t uiLow = uiUnit + 1 < ausUnits.size() ? ausUnits[uiUnit + 1] : 0;
+        if (Is_HighSurrogate(uiHigh) && Is_LowSurrogate(uiLow)) {
+            Append_Character(FIRST_ASTRAL + ((uiHigh & 0x3FFU) << 10 | (uiLow & 0x3FFU)), strUtf8);
+            ++uiUnit;
+        } else if (Is_HighSurrogate(uiHigh) || Is_LowSurrogate(uiHigh)) {
+            strUtf8 += REPLACEMENT;
+            ++uiBad;
+        } else {
+            Append_Character(uiHigh, strUtf8);
+        }
+    }
+    return uiBad;
+}
+
+EngineText::EngineText(uint32_t uiCharset, const std::string &strCodePage, bool bSingleByte)
+    : m_uiCharset(uiCharset), m_bSingleByte(bSingleByte), m_stReader(strCodePage)
+{
+}
+
+// A high unit below 0x100 arrives as a zero byte and its code; every other byte from 0x80 on leads a pair, and only by
+// keeping to the pairs is the zero byte told from the second half of one. Such a unit is a character of the code page
+// where every byte is one; else only an entity can have made it, and it is U+0080 to U+00FF.
+uint32_t EngineText::Append_CodePage(std::span<const uint8_t> aucText, std::string &strUtf8) const
+{
+    const bool bPlain = std::all_of(aucText.begin(), aucText.end(),
+                                    [](uint8_t ucByte) { return ucByte > 0 && ucByte < 0x80; });
+    if (bPlain && m_stReader.Is_AsciiPlain()) {
+        strUtf8.append(reinterpret_cast<const char *>(aucText.data()), aucText.size());
+        return 0;
+    }
+    uint32_t uiBad = 0;
+    std::string strBytes;
+    for (size_t uiByte = 0; uiByte < aucText.size(); ++uiByte) {
+        const uint8_t ucByte = aucText[uiByte];
+        const uint8_t ucNext = uiByte + 1 < aucText.size() ? aucText[uiByte + 1] : uint8_t{0};
+        const bool bHigh = ucByte == 0 && ucNext >= 0x80;
+        const bool bPair = ucByte >= 0x80 && uiByte + 1 < aucText.size();
+        if (bHigh && !m_bSingleByte) {
+            uiBad += m_stReader.Append(strBytes, strUtf8);
+            strBytes.clear();
+            Append_Character(ucNext, strUtf8);
+        } else {
+            if (!bHigh) strBytes += static_cast<char>(ucByte);
+            if (bPair || bHigh) strBytes += static_cast<char>(ucNext);
+        }
+        uiByte += bPair || bHigh ? 1 : 0;
+    }
+    return uiBad + m_stReader.Append(strBytes, strUtf8);
+}
+
+uint32_t EngineText::Append_Block(std::span<const uint8_t> aucText, std::string &strUtf8) const
+{
+    if (m_uiCharset == E_OUTPUT_CHARSET_ANSI) return Append_CodePage(aucText, strUtf8);
+    if (m_uiCharset != E_OUTPUT_CHARSET_UTF16)
+        return Append_Utf8({reinterpret_cast<const char *>(aucText.data()), aucText.size()}, strUtf8);
+    std::array<uint16_t, ZYR_OUT_TEXT_BYTES / 2> ausUnits;
+    const size_t uiUnits = std::min(aucText.size() / 2, ausUnits.size());
+    std::memcpy(ausUnits.data(), aucText.data(), uiUnits * 2);
+    return Append_Utf16({ausUnits.data(), uiUnits}, strUtf8);
+}
+
+std::string EngineText::Read_Units(std::span<const uint16_t> ausUnits) const
+{
+    std::string strUtf8;
+    if (m_uiCharset != E_OUTPUT_CHARSET_ANSI) {
+        Append_Utf16(ausUnits, strUtf8);
+        return strUtf8;
+    }
+    std::vector<uint8_t> aucBytes;
+    for (const uint16_t usUnit : ausUnits) {
+        if (usUnit >= 0x80) aucBytes.push_back(static_cast<uint8_t>(usUnit >> 8));
+        aucBytes.push_back(static_cast<uint8_t>(usUnit & 0xFF));
+    }
+    Append_CodePage(aucBytes, strUtf8);
+    return strUtf8;
+}
