@@ -73,10 +73,16 @@ size_t Find_BadUnit(std::string_view strBytes, bool bBigEndian)
     return uiAt < strBytes.size() ? uiAt : ZYR_CAPTIONS_NOWHERE;
 }
 
+// A code page is tried on the whole file only where its captions say that there is something to find: reading all of
+// it once more would double the cost of a load.
 size_t Find_Unreadable(const ZyrCaptions &stList, const std::string &strBytes)
 {
     const std::string_view strEncoding = stList.stRule.pszEncoding;
-    if (strEncoding == "ANSI") return Find_UnreadableByte(strBytes, stList.strCodePage);
+    const auto pfBad = [](const CaptionRecord &stRecord) { return stRecord.usBad > 0; };
+    if (strEncoding == "ANSI")
+        return std::any_of(stList.astRecords.begin(), stList.astRecords.end(), pfBad)
+                   ? Find_UnreadableByte(strBytes, stList.strCodePage)
+                   : ZYR_CAPTIONS_NOWHERE;
     if (strEncoding != "UTF-8") return Find_BadUnit(strBytes, strEncoding == "UTF-16BE");
     const size_t uiValid = Count_ValidUtf8(strBytes);
     return uiValid == strBytes.size() ? ZYR_CAPTIONS_NOWHERE : uiValid;

@@ -13,7 +13,7 @@
 namespace
 {
 
-constexpr size_t GUESS_BYTES = 16UL * 1024; // more makes a guess slower, not better
+constexpr size_t GUESS_BYTES = 4UL * 1024; // more makes a guess slower, not better
 
 struct WiderRow {
     const char *pszName; // lower case
@@ -88,15 +88,17 @@ std::vector<std::string> Guess_CodePages(std::string_view strFile)
     const std::string strLines = Pick_HighLines(strFile);
     std::vector<std::string> astrGuesses;
     if (strLines.empty()) return astrGuesses;
-    for (const std::string_view strText : {std::string_view(strLines), strFile.substr(0, GUESS_BYTES)}) {
+    const auto pfGuess = [&](std::string_view strText) {
         const std::string strGuess = Widen_CodePage(Detect_Charset(strText));
         const bool bNew = std::find(astrGuesses.begin(), astrGuesses.end(), strGuess) == astrGuesses.end();
-        if (bNew && strGuess != "ASCII" && !strGuess.empty() && CodePageReader(strGuess).Is_Known())
-            astrGuesses.push_back(strGuess);
-    }
-    std::stable_partition(astrGuesses.begin(), astrGuesses.end(), [&](const std::string &strGuess) {
-        return !CodePageReader(strGuess).Find_Unreadable(strLines);
-    });
+        if (!bNew || strGuess == "ASCII" || strGuess.empty()) return false;
+        const CodePageReader stReader(strGuess);
+        if (!stReader.Is_Known()) return false;
+        const bool bReadable = !stReader.Find_Unreadable(strLines);
+        astrGuesses.insert(bReadable ? astrGuesses.begin() : astrGuesses.end(), strGuess);
+        return bReadable;
+    };
+    if (!pfGuess(strLines)) pfGuess(strFile.substr(0, GUESS_BYTES));
     return astrGuesses;
 }
 

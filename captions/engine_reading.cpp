@@ -296,10 +296,26 @@ void Add_Caption(Reading &stReading, const Block &stBlock)
     stList.astRecords.push_back(stRecord);
 }
 
+// Only the SAMI header knows the captions beforehand.
+bool Is_AnyDue(const ZyrCaptions &stList)
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    for (uint32_t uiStream = 0; stList.uiFormat == ZYR_CAPTIONS_SAMI && uiStream < stInfo.uiStreamNums;
+         ++uiStream)
+        if (CAPTIONPARS_SAMI_GetNextFramePTS(stInfo.astStreamState[uiStream].uiClassIndex) >= 0) return true;
+    return false;
+}
+
+// The engine says the same of the end and of a caption that it cannot read, such as one of a class that its SYNC does
+// not have, or the file's last one when times do not follow the file: then others still come.
 void Read_Captions(Reading &stReading)
 {
+    static constexpr uint32_t FAILED_MOST = 100; // each may cost a look through the rest of the file
     Block stBlock;
-    while (Read_Block(stReading.stList.bTogether, stBlock)) Add_Caption(stReading, stBlock);
+    for (uint32_t uiFailed = 0; uiFailed <= FAILED_MOST; ++uiFailed) {
+        while (Read_Block(stReading.stList.bTogether, stBlock)) Add_Caption(stReading, stBlock);
+        if (!Is_AnyDue(stReading.stList)) return;
+    }
 }
 
 // The engine reads five classes side by side; what more there are comes after them, and is put in its place by its

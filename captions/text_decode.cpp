@@ -4,6 +4,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <mutex>
+#include <utility>
 
 #include "zyr/quib_caption.h"
 
@@ -39,6 +41,46 @@ size_t Measure_Character(std::string_view strBytes)
     return bTooShort || bNoCharacter ? 0 : uiBytes;
 }
 
+// Converters between two uses. Opening one loads a module of the system's, which costs more than reading a film's
+// captions, and closing the last one unloads it again.
+constexpr size_t IDLE_MOST = 16;
+
+struct IdleConverter {
+    std::string strCodePage;
+    iconv_t hIconv;
+};
+std::mutex s_stIdleLock;
+
+std::vector<IdleConverter> &Get_Idle()
+{
+    static auto *const s_pstIdle = new std::vector<IdleConverter>; // lives as long as any thread may
+    return *s_pstIdle;
+}
+
+iconv_t Take_Converter(const std::string &strCodePage)
+{
+    const std::lock_guard<std::mutex> stGuard(s_stIdleLock);
+    std::vector<IdleConverter> &astIdle = Get_Idle();
+    for (IdleConverter &stIdle : astIdle) {
+        if (stIdle.strCodePage != strCodePage) continue;
+        const iconv_t hIconv = stIdle.hIconv;
+        std::swap(stIdle, astIdle.back());
+        astIdle.pop_back();
+        return hIconv;
+    }
+    astIdle.reserve(IDLE_MOST);
+    return iconv_open("UTF-8", strCodePage.c_str());
+}
+
+void Give_Back(std::string strCodePage, iconv_t hIconv)
+{
+    const std::lock_guard<std::mutex> stGuard(s_stIdleLock);
+    if (Get_Idle().size() < IDLE_MOST)
+        Get_Idle().push_back({std::move(strCodePage), hIconv}); // has room
+    else
+        iconv_close(hIconv);
+}
+
 bool Is_AllAscii(const uint8_t *pucBytes)
 {
     uint64_t ullWord;
@@ -49,7 +91,7 @@ bool Is_AllAscii(const uint8_t *pucBytes)
 } // namespace
 
 CodePageReader::CodePageReader(const std::string &strCodePage)
-    : m_hIconv(iconv_open("UTF-8", strCodePage.c_str()))
+    : m_strCodePage(strCodePage), m_hIconv(Take_Converter(strCodePage))
 {
     if (!Is_Known()) return;
     std::string strAscii;
@@ -60,7 +102,7 @@ CodePageReader::CodePageReader(const std::string &strCodePage)
 
 CodePageReader::~CodePageReader()
 {
-    if (Is_Known()) iconv_close(m_hIconv);
+    if (Is_Known()) Give_Back(std::move(m_strCodePage), m_hIconv);
 }
 
 // iconv() over the whole text, piece by piece: pfPiece(converted) takes what was read, pfBad(offset) tells how many

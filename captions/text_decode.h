@@ -37,6 +37,7 @@ private:
     template <typename PieceStep, typename BadStep>
     void Convert(std::string_view strBytes, const PieceStep &pfPiece, const BadStep &pfBad) const;
 
+    std::string m_strCodePage;
     iconv_t m_hIconv;
     bool m_bAsciiPlain = false;
 };

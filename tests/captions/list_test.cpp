@@ -140,6 +140,17 @@ TEST(CaptionList, MoreClassesThanTheEngineReadsSideBySide)
     }
 }
 
+// A caption that the file breaks off before is lost; those that are due after it are not.
+TEST(CaptionList, GoesOnBehindACaptionThatCannotBeRead)
+{
+    const ListPtr pstList =
+        Load_Text("<SAMI><BODY><SYNC Start=3000><P>c<SYNC Start=4000><P>d<SYNC Start=2000>", "x.smi");
+    std::string strTexts;
+    for (uint32_t uiIndex = 0; uiIndex < zyrCaptions_count(pstList.get()); ++uiIndex)
+        strTexts += Get(pstList, uiIndex).pszText;
+    EXPECT_EQ(strTexts, "cd");
+}
+
 TEST(CaptionList, FromC)
 {
     EXPECT_EQ(Count_FromC(Sample("subrip-lf.srt").c_str()), 4U);
