@@ -86,6 +86,8 @@ struct ZyrCaptions {
     bool bSingleByte = false;
     bool bTogether = false;
     size_t uiFirstUnreadable = ZYR_CAPTIONS_NOWHERE;
+    uint8_t ucFirstNotUtf8 = 0;
+    uint8_t ucFirstUnreadable = 0;
     uint32_t uiWithText = 0;
     uint32_t uiBadCharacters = 0;
     int32_t iLastEnd = 0; // ms

@@ -119,6 +119,11 @@ void Keep_CodePages(Load &stLoad, const std::string &strBlock)
         stList.astCodePages.push_back({strName, Read_Preview(stList, strBlock, strName)});
 }
 
+uint8_t Get_Byte(const std::string &strBytes, size_t uiAt)
+{
+    return uiAt < strBytes.size() ? static_cast<uint8_t>(strBytes[uiAt]) : uint8_t{0};
+}
+
 LoadResult Load_Bytes(Load &stLoad)
 {
     ZyrCaptions &stList = stLoad.stList;
@@ -133,6 +138,8 @@ LoadResult Load_Bytes(Load &stLoad)
     stResult = Read_WithEngine(stList, stLoad.strBytes, stLoad.stOptions, strHighBlock);
     if (!stResult.Is_Good()) return stResult;
     stList.uiFirstUnreadable = Find_Unreadable(stList, stLoad.strBytes);
+    stList.ucFirstUnreadable = Get_Byte(stLoad.strBytes, stList.uiFirstUnreadable);
+    stList.ucFirstNotUtf8 = Get_Byte(stLoad.strBytes, stList.stRule.uiFirstInvalid);
     Keep_CodePages(stLoad, strHighBlock);
     return {};
 }

@@ -32,6 +32,8 @@ void Tell_Encoding(const ZyrCaptions &stList, ZyrCaptionsFile &stFile)
     stFile.uiScanned = stList.stRule.uiScanned;
     stFile.uiFirstNotUtf8 = stList.stRule.uiFirstInvalid;
     stFile.uiFirstUnreadable = stList.uiFirstUnreadable;
+    stFile.ucFirstNotUtf8 = stList.ucFirstNotUtf8;
+    stFile.ucFirstUnreadable = stList.ucFirstUnreadable;
     stFile.uiCodePages = Get_Count(stList.astCodePages);
 }
 

@@ -246,14 +246,16 @@ typedef struct ZyrCaptionsFile {
     size_t uiScanned;          /* bytes until the scan had seen enough */
     size_t uiFirstNotUtf8;     /* where the scan met the first of them, or ZYR_CAPTIONS_NOWHERE */
     size_t uiFirstUnreadable;  /* the first byte that the encoding in use cannot read, or ..._NOWHERE */
-    uint32_t uiCodePages;      /* likely code pages, for zyrCaptions_getCodePage() */
-    uint32_t uiCaptions;       /* captions of the list */
-    uint32_t uiWithText;       /* those that show something: a character beyond blanks */
-    uint32_t uiBadCharacters;  /* of all captions */
-    uint32_t uiClasses;        /* classes of the file, chosen or not */
-    uint32_t uiSsaStyles;      /* SSA, as the texts below; those are empty when the file does not tell */
-    uint32_t uiLogLines;       /* messages of the engine during the load */
-    int32_t iLastEnd;          /* when the last caption goes, or starts where it never goes */
+    uint8_t ucFirstNotUtf8;    /* the bytes at these two places */
+    uint8_t ucFirstUnreadable;
+    uint32_t uiCodePages;     /* likely code pages, for zyrCaptions_getCodePage() */
+    uint32_t uiCaptions;      /* captions of the list */
+    uint32_t uiWithText;      /* those that show something: a character beyond blanks */
+    uint32_t uiBadCharacters; /* of all captions */
+    uint32_t uiClasses;       /* classes of the file, chosen or not */
+    uint32_t uiSsaStyles;     /* SSA, as the texts below; those are empty when the file does not tell */
+    uint32_t uiLogLines;      /* messages of the engine during the load */
+    int32_t iLastEnd;         /* when the last caption goes, or starts where it never goes */
     const char *pszTitle;
     const char *pszOriginalScript;
     const char *pszScriptType;

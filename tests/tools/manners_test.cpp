@@ -21,7 +21,7 @@ TEST(ZyrsubExit, CodesAndMessages)
         {"frames subrip-crlf.srt gone.srt subrip-crlf.srt", 1, "gone.srt"},
         {"frames gone.srt gone.srt", 3, "gone.srt"},
         {"frames gone.mkv", 3, "gone.mkv"},
-        {"frames " + strFolder, 3, "no readable subtitle"},
+        {"frames " + strFolder, 3, "a folder"},
         {"find gone.mkv", 3, "gone.mkv"},
         {"find " + strFolder + "Bad.mkv", 4, ""},
         {"info subviewer-no-header.sub", 4, "not a subtitle"},

@@ -1,9 +1,9 @@
 // zyrsub render: the pictures it writes.
 #include <gtest/gtest.h>
 
-#include "output_mode.h"
 #include "picture.h"
 #include "run_program.h"
+#include "zyr/zyr_captions.h"
 
 // Where the caption's marks are.
 struct Marks {
@@ -49,7 +49,8 @@ static Marks Find_Rendered(const std::string &strOptions)
 // Two lines of Korean, which is centred in the display and stands above its bottom, on every output.
 TEST(ZyrsubRender, EveryOutput)
 {
-    for (const OutputMode &stMode : List_OutputModes()) {
+    ZyrCaptionOutput stMode;
+    for (uint32_t ui = 0; zyrCaptions_getOutput(ui, &stMode) == ZYR_CAPTIONS_OK; ++ui) {
         SCOPED_TRACE(stMode.pszName);
         const Picture stPicture = Render(std::string("subrip-cp949.srt --at 5s --output ") + stMode.pszName);
         ASSERT_EQ(stPicture.uiWidth, stMode.uiWidth);

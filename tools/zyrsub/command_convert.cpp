@@ -8,8 +8,10 @@
 #include "convert_write.h"
 #include "report_json.h"
 #include "safe_file.h"
+#include "text_tools.h"
 
-static constexpr size_t SAMI_CLASSES = 7; // more are not read
+static constexpr size_t CLASS_NAME_UNITS = 12; // longer names are cut
+static constexpr size_t SAMI_CLASSES = 7;      // more are not read
 
 static bool Is_Letter(char cChar)
 {
@@ -61,7 +63,7 @@ static void Name_Classes(std::vector<Track> &astTracks, const std::vector<std::s
         Track &stTrack = astTracks[uiTrack];
         if (uiTrack < astrNames.size()) stTrack.strClass = astrNames[uiTrack];
         if (stTrack.strClass.empty()) stTrack.strClass = Make_ClassName(stTrack.strMovie);
-        stTrack.strClass = Make_Unique(stTrack.strClass, astrTaken, ZYR_CLASS_NAME_UNITS);
+        stTrack.strClass = Make_Unique(stTrack.strClass, astrTaken, CLASS_NAME_UNITS);
     }
 }
 

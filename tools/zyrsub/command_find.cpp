@@ -3,7 +3,6 @@
 
 #include <cstdio>
 
-#include "format_details.h"
 #include "movie_search.h"
 #include "report_json.h"
 
@@ -23,7 +22,8 @@ static void Print_Search(const std::string &strMovie, const MovieSearch &stSearc
 }
 
 // The first name that opens is the engine's choice, whether or not it can then be read.
-static Outcome Judge_Winner(const MovieSearch &stSearch, SubtitleSource &stSource, std::string &strVerdict)
+static Outcome Judge_Winner(const MovieSearch &stSearch, const SourceOptions &stOptions,
+                            std::string &strVerdict)
 {
     if (!stSearch.uiWinner) {
         strVerdict = "no subtitle: none of these names opens";
@@ -31,24 +31,23 @@ static Outcome Judge_Winner(const MovieSearch &stSearch, SubtitleSource &stSourc
     }
     const std::string &strFile = stSearch.astTried[*stSearch.uiWinner].strFile;
     strVerdict = "wins: " + strFile + ", the first of these names that opens";
-    Outcome stOpened = stSource.Open(strFile);
+    CaptionFile stCaptions;
+    Outcome stOpened = stCaptions.Open(strFile, stOptions);
     if (stOpened.IsGood())
-        strVerdict += std::string("; it reads as ") + Get_FormatName(stSource.Get_Format());
+        strVerdict += std::string("; it reads as ") + stCaptions.Get_File().pszFormat;
     else
         strVerdict += "; but: " + stOpened.strText;
-    stSource.Close();
     return stOpened;
 }
 
 ExitCode Run_Find(const Options &stOptions)
 {
-    SubtitleSource stSource(stOptions.stSource);
     JsonReport stJson;
     std::vector<ExitCode> aeCodes;
     for (const std::string &strMovie : stOptions.astrMovies) {
         const MovieSearch stSearch = Search_Movie(strMovie);
         std::string strVerdict;
-        const Outcome stOutcome = Judge_Winner(stSearch, stSource, strVerdict);
+        const Outcome stOutcome = Judge_Winner(stSearch, stOptions.stSource, strVerdict);
         stJson.Begin_File(strMovie);
         stJson.Add_Search(stSearch, strVerdict);
         if (!stOptions.stReport.bJson) Print_Search(strMovie, stSearch, strVerdict);

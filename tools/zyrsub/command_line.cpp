@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "closest_name.h"
-#include "code_page.h"
 #include "report_json.h"
 #include "time_text.h"
 
@@ -84,6 +83,20 @@ static void Add_Time(CLI::App *pstApp, const std::string &strName, std::optional
         ->type_name("T");
 }
 
+static void Add_From(CLI::App *pstApp, uint32_t &uiMs, const std::string &strHelp)
+{
+    pstApp
+        ->add_option_function<std::string>(
+            "--from",
+            [&uiMs](const std::string &strText) {
+                std::optional<uint32_t> uiFrom;
+                Set_Time("--from", strText, uiFrom);
+                uiMs = *uiFrom;
+            },
+            strHelp)
+        ->type_name("T");
+}
+
 static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSeveral)
 {
     SourceOptions &stSource = stOptions.stSource;
@@ -97,12 +110,7 @@ static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSevera
         ->add_option("--codepage", stSource.strCodePage,
                      "code page of text without a Unicode encoding; auto: what it looks like")
         ->capture_default_str()
-        ->type_name("NAME")
-        ->check([](const std::string &strName) {
-            return Lower_Case(strName) == AUTO_CODE_PAGE || Is_CodePageKnown(strName)
-                       ? ""
-                       : "there is no code page '" + strName + "' ('iconv -l' lists them)";
-        });
+        ->type_name("NAME");
     pstApp->add_flag("--single-byte", stSource.bSingleByte, "every byte of such text is one character");
     pstApp->add_flag("--raw-line-ends", stSource.bRawLineEnds,
                      "hand line ends over as the file has them, as on the box (else all become CR LF)");
@@ -118,15 +126,13 @@ static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSevera
 static void Add_ScreenOptions(CLI::App *pstApp, Options &stOptions)
 {
     ScreenOptions &stScreen = stOptions.stScreen;
-    stScreen.pstOutput = Find_OutputMode("lcd");
     pstApp
         ->add_option_function<std::string>(
             "--output",
             [&stScreen](const std::string &strName) {
-                stScreen.pstOutput = Find_OutputMode(strName);
-                if (stScreen.pstOutput == nullptr)
-                    throw CLI::ValidationError("--output",
-                                               "there is no output '" + strName + "' (see --help)");
+                for (stScreen.uiOutput = 0; stScreen.uiOutput < Count_Outputs(); ++stScreen.uiOutput)
+                    if (strName == Get_Output(stScreen.uiOutput).pszName) return;
+                throw CLI::ValidationError("--output", "there is no output '" + strName + "' (see --help)");
             },
             "the display's output [lcd]")
         ->type_name("NAME");
@@ -147,8 +153,8 @@ static void Add_ScreenOptions(CLI::App *pstApp, Options &stOptions)
 static std::string List_OutputNames()
 {
     std::string strNames;
-    for (const OutputMode &stMode : List_OutputModes())
-        strNames += std::string(strNames.empty() ? "" : " ") + stMode.pszName;
+    for (uint32_t uiOutput = 0; uiOutput < Count_Outputs(); ++uiOutput)
+        strNames += std::string(uiOutput > 0 ? " " : "") + Get_Output(uiOutput).pszName;
     return strNames;
 }
 
@@ -176,10 +182,11 @@ static void Add_ReportCommands(CLI::App &stApp, CommandLine &stLine)
     CLI::App *pstFrames = Add_Command(stApp, stLine, "frames",
                                       "Every caption with its times, as a player gets them", Run_Frames);
     Add_SourceOptions(pstFrames, stOptions, true);
-    Add_Time(pstFrames, "--from", stReport.uiFrom, "jump there first, as a player does");
+    Add_From(pstFrames, stOptions.stSource.uiFromMs, "jump there first, as a player does");
     Add_Time(pstFrames, "--to", stReport.uiTo, "stop before the first frame that starts later");
     pstFrames->add_option("--count", stReport.uiCount, "stop after so many frames")->type_name("N");
-    pstFrames->add_flag("--together", stReport.bTogether, "join the languages of one moment in one text");
+    pstFrames->add_flag("--together", stOptions.stSource.bTogether,
+                        "join the languages of one moment in one text");
     pstFrames->add_flag("--json", stReport.bJson, "print one JSON document");
     pstFrames->footer(FRAMES_FOOTER);
 }
@@ -223,16 +230,7 @@ static void Add_PlayCommand(CLI::App &stApp, CommandLine &stLine)
         Add_Command(stApp, stLine, "play", "Captions in real time, in a window or as text", Run_Play);
     Add_SourceOptions(pstPlay, stLine.stOptions, false);
     Add_ScreenOptions(pstPlay, stLine.stOptions);
-    pstPlay
-        ->add_option_function<std::string>(
-            "--from",
-            [&stPlay](const std::string &strText) {
-                std::optional<uint32_t> uiMs;
-                Set_Time("--from", strText, uiMs);
-                stPlay.uiFrom = *uiMs;
-            },
-            "start there")
-        ->type_name("T");
+    Add_From(pstPlay, stPlay.uiFrom, "start there");
     pstPlay->add_option("--speed", stPlay.dSpeed, "times the real speed [1]")
         ->check(CLI::Range(0.01, 1000.0))
         ->type_name("X");

@@ -6,8 +6,9 @@
 #include <unistd.h>
 
 #include "caption_screen.h"
+#include "movie_search.h"
+#include "text_tools.h"
 #include "time_text.h"
-#include "timeline.h"
 
 static constexpr uint32_t SHEET_COLUMNS = 4;
 static constexpr uint32_t CELL_WIDTH = 384; // pixels of a small picture; its height follows the display's
@@ -18,35 +19,46 @@ static constexpr uint32_t SHEET_WIDTH = SHEET_COLUMNS * (CELL_WIDTH + CELL_GAP) 
 static constexpr uint32_t MAX_SHEET_ROWS = 2500; // a PNG is at most a million pixels high
 
 // movie.srt at 1500 ms becomes movie-1500-lcd.png, in the current folder.
-static std::string Make_PictureName(const std::string &strMovie, int64_t llMs, const OutputMode &stMode)
+static std::string Make_PictureName(const std::string &strMovie, int64_t llMs,
+                                    const ZyrCaptionOutput &stOutput)
 {
     const size_t uiSlash = strMovie.rfind('/');
     const std::string strName = uiSlash == std::string::npos ? strMovie : strMovie.substr(uiSlash + 1);
-    return strName.substr(0, strName.rfind('.')) + "-" + std::to_string(llMs) + "-" + stMode.pszName + ".png";
+    return strName.substr(0, strName.rfind('.')) + "-" + std::to_string(llMs) + "-" + stOutput.pszName +
+           ".png";
 }
 
-static int64_t Find_FirstCaption(const Timeline &stTimeline)
+// In the order of their starts; a clear alone is nothing to draw.
+static std::vector<ZyrCaption> List_Visible(const CaptionFile &stFile)
 {
-    for (const Frame &stFrame : stTimeline.Get_Frames())
-        if (!stFrame.astrLines.empty()) return stFrame.iStart;
-    return 0;
+    std::vector<ZyrCaption> astCaptions;
+    for (uint32_t uiIndex = 0; uiIndex < stFile.Count(); ++uiIndex)
+        if (stFile.Get_Caption(uiIndex).uiTextBytes > 0) astCaptions.push_back(stFile.Get_Caption(uiIndex));
+    std::stable_sort(astCaptions.begin(), astCaptions.end(),
+                     [](const ZyrCaption &stA, const ZyrCaption &stB) { return stA.iStart < stB.iStart; });
+    return astCaptions;
 }
 
-static Outcome Render_One(const Options &stOptions, const Timeline &stTimeline, CaptionScreen &stScreen)
+static int64_t Find_FirstCaption(const CaptionFile &stFile)
 {
-    const OutputMode &stMode = *stOptions.stScreen.pstOutput;
-    const int64_t llMs = stOptions.stRender.uiAt ? *stOptions.stRender.uiAt : Find_FirstCaption(stTimeline);
-    const std::string strCaption = stTimeline.Get_Caption(llMs);
+    const std::vector<ZyrCaption> astCaptions = List_Visible(stFile);
+    return astCaptions.empty() ? 0 : astCaptions.front().iStart;
+}
+
+static Outcome Render_One(const Options &stOptions, const CaptionFile &stFile, CaptionScreen &stScreen)
+{
+    const ZyrCaptionOutput stOutput = Get_Output(stOptions.stScreen.uiOutput);
+    const int64_t llMs = stOptions.stRender.uiAt ? *stOptions.stRender.uiAt : Find_FirstCaption(stFile);
+    const std::string strCaption = Get_TextAt(stFile.Get_List(), llMs);
     const std::string strFile = stOptions.stRender.strPicture.empty()
-                                    ? Make_PictureName(stOptions.astrMovies.front(), llMs, stMode)
+                                    ? Make_PictureName(stOptions.astrMovies.front(), llMs, stOutput)
                                     : stOptions.stRender.strPicture;
-    if (!strCaption.empty()) stScreen.Show(strCaption);
-    Outcome stWritten = Write_Png(strFile, stScreen.Compose());
+    Outcome stWritten = Write_Png(strFile, stScreen.Draw(strCaption));
     if (!stWritten.IsGood()) return stWritten;
     const std::string strShown =
         strCaption.empty() ? "(no caption)" : Join_Lines(Split_Lines(strCaption), " / ");
     std::printf("%s  %s  %s %ux%u  %s\n", strFile.c_str(), Format_Time(static_cast<int32_t>(llMs)).c_str(),
-                stMode.pszName, stScreen.Get_Width(), stScreen.Get_Height(),
+                stOutput.pszName, stScreen.Get_Width(), stScreen.Get_Height(),
                 Make_Printable(strShown).c_str());
     return {};
 }
@@ -61,18 +73,17 @@ static Picture Make_Grey(uint32_t uiWidth, uint32_t uiHeight)
     return stPicture;
 }
 
-// One cell: the display made small, and the frame's time below it. A frame that ends before it begins is
-// never on screen, and is drawn all the same.
-static Picture Draw_Cell(const Timeline &stTimeline, const Frame &stFrame, CaptionScreen &stScreen)
+// One cell: the display made small, and the caption's time below it. One that ends before it begins is never on
+// screen, and is drawn all the same.
+static Picture Draw_Cell(const CaptionFile &stFile, const ZyrCaption &stCaption, CaptionScreen &stScreen)
 {
     const uint32_t uiHeight = CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width();
     Picture stCell = Make_Picture(CELL_WIDTH, uiHeight + LABEL_HEIGHT);
-    const std::string strCaption = stTimeline.Get_Caption(stFrame.iStart);
-    stScreen.Show(strCaption.empty() ? Join_Lines(stFrame.astrLines, "\n") : strCaption);
-    Paste_Picture(stCell, Scale_Picture(stScreen.Compose(), CELL_WIDTH, uiHeight), 0, 0);
+    const std::string strText = Get_TextAt(stFile.Get_List(), stCaption.iStart);
+    const Picture stShown = stScreen.Draw(strText.empty() ? stCaption.pszText : strText);
+    Paste_Picture(stCell, Scale_Picture(stShown, CELL_WIDTH, uiHeight), 0, 0);
     Paste_Picture(stCell, Make_Grey(CELL_WIDTH, RULE_HEIGHT), 0, uiHeight);
-    stScreen.Show(Format_Time(stFrame.iStart));
-    const Picture stLabel = stScreen.Compose_Label();
+    const Picture stLabel = stScreen.Draw_Label(Format_Time(stCaption.iStart));
     const uint32_t uiLabelX = stLabel.uiWidth < CELL_WIDTH ? (CELL_WIDTH - stLabel.uiWidth) / 2 : 0;
     Paste_Picture(stCell, stLabel, uiLabelX,
                   uiHeight + (LABEL_HEIGHT - std::min(LABEL_HEIGHT, stLabel.uiHeight)) / 2);
@@ -88,43 +99,41 @@ static void Show_Progress(size_t uiDone, size_t uiAll)
                  uiDone == uiAll ? "\n" : "");
 }
 
-// A frame with text for every time at which one starts.
-static std::vector<const Frame *> List_Moments(const Timeline &stTimeline)
+// One caption for every time at which one starts.
+static std::vector<ZyrCaption> List_Moments(const CaptionFile &stFile)
 {
-    std::vector<const Frame *> apstFrames;
-    for (const Frame &stFrame : stTimeline.Get_Frames()) {
-        const bool bSame = !apstFrames.empty() && apstFrames.back()->iStart == stFrame.iStart;
-        if (!stFrame.astrLines.empty() && !bSame) apstFrames.push_back(&stFrame);
-    }
-    return apstFrames;
+    std::vector<ZyrCaption> astCaptions = List_Visible(stFile);
+    const auto pfSame = [](const ZyrCaption &stA, const ZyrCaption &stB) { return stA.iStart == stB.iStart; };
+    astCaptions.erase(std::unique(astCaptions.begin(), astCaptions.end(), pfSame), astCaptions.end());
+    return astCaptions;
 }
 
 // Row by row, so that a long film needs no more memory than a short one.
-static Outcome Render_Sheet(const Options &stOptions, const Timeline &stTimeline, CaptionScreen &stScreen)
+static Outcome Render_Sheet(const Options &stOptions, const CaptionFile &stFile, CaptionScreen &stScreen)
 {
-    const std::vector<const Frame *> apstFrames = List_Moments(stTimeline);
-    if (apstFrames.empty()) return {E_EXIT_SOME_FAILED, "there is no caption to draw"};
-    const size_t uiRows = (apstFrames.size() + SHEET_COLUMNS - 1) / SHEET_COLUMNS;
+    const std::vector<ZyrCaption> astCaptions = List_Moments(stFile);
+    if (astCaptions.empty()) return {E_EXIT_SOME_FAILED, "there is no caption to draw"};
+    const size_t uiRows = (astCaptions.size() + SHEET_COLUMNS - 1) / SHEET_COLUMNS;
     if (uiRows > MAX_SHEET_ROWS) return {E_EXIT_SOME_FAILED, "too many frames for one sheet"};
     const uint32_t uiRowHeight =
         CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width() + LABEL_HEIGHT + CELL_GAP;
     PngWriter stWriter(stOptions.stRender.strSheet, SHEET_WIDTH,
                        static_cast<uint32_t>(uiRows) * uiRowHeight + CELL_GAP);
-    for (size_t uiFrame = 0; uiFrame < apstFrames.size(); uiFrame += SHEET_COLUMNS) {
+    for (size_t uiFrame = 0; uiFrame < astCaptions.size(); uiFrame += SHEET_COLUMNS) {
         Picture stBand = Make_Grey(SHEET_WIDTH, uiRowHeight);
-        for (uint32_t uiColumn = 0; uiColumn < SHEET_COLUMNS && uiFrame + uiColumn < apstFrames.size();
+        for (uint32_t uiColumn = 0; uiColumn < SHEET_COLUMNS && uiFrame + uiColumn < astCaptions.size();
              ++uiColumn) {
-            const Picture stCell = Draw_Cell(stTimeline, *apstFrames[uiFrame + uiColumn], stScreen);
+            const Picture stCell = Draw_Cell(stFile, astCaptions[uiFrame + uiColumn], stScreen);
             Paste_Picture(stBand, stCell, CELL_GAP + uiColumn * (CELL_WIDTH + CELL_GAP), CELL_GAP);
-            Show_Progress(uiFrame + uiColumn + 1, apstFrames.size());
+            Show_Progress(uiFrame + uiColumn + 1, astCaptions.size());
         }
         stWriter.Write_Band(stBand);
     }
     stWriter.Write_Band(Make_Grey(SHEET_WIDTH, CELL_GAP));
     Outcome stWritten = stWriter.Finish();
     if (stWritten.IsGood())
-        std::printf("%s  %zu captions  %s\n", stOptions.stRender.strSheet.c_str(), apstFrames.size(),
-                    stOptions.stScreen.pstOutput->pszName);
+        std::printf("%s  %zu captions  %s\n", stOptions.stRender.strSheet.c_str(), astCaptions.size(),
+                    Get_Output(stOptions.stScreen.uiOutput).pszName);
     return stWritten;
 }
 
@@ -139,16 +148,15 @@ static Outcome Check_Target(const RenderOptions &stRender)
 ExitCode Run_Render(const Options &stOptions)
 {
     const std::string &strMovie = stOptions.astrMovies.front();
-    SubtitleSource stSource(stOptions.stSource);
+    CaptionFile stFile;
     Outcome stOutcome = Check_Target(stOptions.stRender);
-    if (stOutcome.IsGood()) stOutcome = stSource.Open(strMovie);
+    if (stOutcome.IsGood()) stOutcome = stFile.Open(strMovie, stOptions.stSource);
     if (stOutcome.IsGood()) {
-        const Timeline stTimeline(stSource.Read_All());
         CaptionScreen stScreen;
         stOutcome = stScreen.Open(stOptions.stScreen);
         if (stOutcome.IsGood())
-            stOutcome = stOptions.stRender.strSheet.empty() ? Render_One(stOptions, stTimeline, stScreen)
-                                                            : Render_Sheet(stOptions, stTimeline, stScreen);
+            stOutcome = stOptions.stRender.strSheet.empty() ? Render_One(stOptions, stFile, stScreen)
+                                                            : Render_Sheet(stOptions, stFile, stScreen);
     }
     if (!stOutcome.IsGood()) Report_Problem(strMovie, stOutcome.strText);
     return stOutcome.eCode;

@@ -1,11 +1,13 @@
 // zyrsub info, zyrsub frames: any number of inputs, and one bad file never stops the others.
 #include "commands.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 
 #include "report_json.h"
 #include "report_text.h"
+#include "text_tools.h"
 
 void Report_Problem(const std::string &strMovie, const std::string &strText)
 {
@@ -14,7 +16,7 @@ void Report_Problem(const std::string &strMovie, const std::string &strText)
                  Make_Printable(strText).c_str());
 }
 
-using FileStep = std::function<Outcome(const std::string &, SubtitleSource &, JsonReport &)>;
+using FileStep = std::function<Outcome(const std::string &, const CaptionFile &, JsonReport &)>;
 
 ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes)
 {
@@ -25,19 +27,18 @@ ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes)
 
 static ExitCode Run_Files(const Options &stOptions, const FileStep &pfStep)
 {
-    SubtitleSource stSource(stOptions.stSource);
     JsonReport stJson;
     std::vector<ExitCode> aeCodes;
     for (const std::string &strMovie : stOptions.astrMovies) {
         stJson.Begin_File(strMovie);
-        Outcome stOutcome = stSource.Open(strMovie);
-        if (stOutcome.IsGood()) stOutcome = pfStep(strMovie, stSource, stJson);
+        CaptionFile stFile;
+        Outcome stOutcome = stFile.Open(strMovie, stOptions.stSource);
+        if (stOutcome.IsGood()) stOutcome = pfStep(strMovie, stFile, stJson);
         if (!stOutcome.IsGood()) {
             Report_Problem(strMovie, stOutcome.strText);
             stJson.Add_Failure(stOutcome);
         }
         aeCodes.push_back(stOutcome.eCode);
-        stSource.Close();
     }
     if (stOptions.stReport.bJson) stJson.Print();
     return Combine_Codes(aeCodes);
@@ -46,30 +47,26 @@ static ExitCode Run_Files(const Options &stOptions, const FileStep &pfStep)
 ExitCode Run_Info(const Options &stOptions)
 {
     return Run_Files(stOptions,
-                     [&](const std::string &strMovie, SubtitleSource &stSource, JsonReport &stJson) {
+                     [&](const std::string &strMovie, const CaptionFile &stFile, JsonReport &stJson) {
                          if (stOptions.stReport.bJson)
-                             stJson.Add_Info(stSource);
+                             stJson.Add_Info(stFile);
                          else
-                             Print_Info(strMovie, stSource);
+                             Print_Info(strMovie, stFile);
                          return Outcome{};
                      });
 }
 
-static Outcome Report_Frames(const ReportOptions &stReport, const SubtitleSource &stSource,
-                             JsonReport &stJson)
+static Outcome Report_Frames(const ReportOptions &stReport, const CaptionFile &stFile, JsonReport &stJson)
 {
-    if (stReport.bJson) stJson.Add_Source(stSource, true);
-    if (stReport.uiFrom && !stSource.Seek(*stReport.uiFrom))
-        return {E_EXIT_NOT_SUBTITLE, "the seek failed (-v tells why)"};
-    const uint32_t uiLimit = stReport.uiCount.value_or(UINT32_MAX);
-    for (uint32_t uiFrame = 0; uiFrame < uiLimit; ++uiFrame) {
-        const std::optional<Frame> stFrame = stSource.Read(stReport.bTogether);
-        if (!stFrame) break;
-        if (stReport.uiTo && stFrame->iStart > static_cast<int64_t>(*stReport.uiTo)) break;
+    if (stReport.bJson) stJson.Add_Source(stFile, true);
+    const uint32_t uiLimit = std::min(stReport.uiCount.value_or(UINT32_MAX), stFile.Count());
+    for (uint32_t uiIndex = 0; uiIndex < uiLimit; ++uiIndex) {
+        const Frame stFrame = stFile.Read_Frame(uiIndex);
+        if (stReport.uiTo && stFrame.iStart > static_cast<int64_t>(*stReport.uiTo)) break;
         if (stReport.bJson)
-            stJson.Add_Frame(stSource, *stFrame);
+            stJson.Add_Frame(stFile, stFrame);
         else
-            Print_Frame(stSource, *stFrame);
+            Print_Frame(stFile, stFrame);
     }
     return {};
 }
@@ -78,10 +75,10 @@ ExitCode Run_Frames(const Options &stOptions)
 {
     bool bFirst = true;
     return Run_Files(stOptions,
-                     [&](const std::string &strMovie, SubtitleSource &stSource, JsonReport &stJson) {
+                     [&](const std::string &strMovie, const CaptionFile &stFile, JsonReport &stJson) {
                          if (!stOptions.stReport.bJson && stOptions.astrMovies.size() > 1)
                              std::printf("%s%s\n", bFirst ? "" : "\n", strMovie.c_str());
                          bFirst = false;
-                         return Report_Frames(stOptions.stReport, stSource, stJson);
+                         return Report_Frames(stOptions.stReport, stFile, stJson);
                      });
 }

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "time_text.h"
-#include "zyr/zyr_subtitle.h"
 
 std::vector<std::string> Losses::List() const
 {
@@ -14,27 +13,19 @@ std::vector<std::string> Losses::List() const
     return astrLines;
 }
 
-// No selection was asked for: then more classes can be read than the engine plays side by side.
-static std::vector<uint32_t> List_WantedClasses(const SourceOptions &stOptions)
-{
-    std::vector<uint32_t> auiClasses;
-    const bool bAll = stOptions.astrClasses.empty();
-    const uint32_t uiCount = bAll ? SubtitleSource::Count_Classes() : SubtitleSource::Count_Streams();
-    for (uint32_t uiIndex = 0; uiIndex < uiCount; ++uiIndex)
-        auiClasses.push_back(bAll ? uiIndex : SubtitleSource::Get_StreamClass(uiIndex));
-    return auiClasses;
-}
-
 Outcome Read_Tracks(const SourceOptions &stOptions, const std::string &strMovie,
                     std::vector<Track> &astTracks)
 {
-    SubtitleSource stSource(stOptions);
-    Outcome stOpened = stSource.Open(strMovie);
+    CaptionFile stFile;
+    Outcome stOpened = stFile.Open(strMovie, stOptions);
     if (!stOpened.IsGood()) return stOpened;
-    for (const uint32_t uiClass : List_WantedClasses(stOptions)) {
-        if (SubtitleSource::Count_Classes() > 1 && zyrSubtitle_selectClass(1, &uiClass) != 0)
-            return {E_EXIT_SOME_FAILED, "a language class could not be selected"};
-        astTracks.push_back({stSource.Get_ClassName(uiClass), strMovie, stSource.Read_All()});
+    const size_t uiFirst = astTracks.size();
+    for (const uint32_t uiClass : stFile.List_Classes())
+        astTracks.push_back({stFile.Get_ClassName(uiClass), strMovie, {}});
+    for (uint32_t uiIndex = 0; uiIndex < stFile.Count(); ++uiIndex) {
+        Frame stFrame = stFile.Read_Frame(uiIndex);
+        astTracks[uiFirst + stFile.Get_Class(stFrame.uiClass).uiOrder].astFrames.push_back(
+            std::move(stFrame));
     }
     return {};
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "subtitle_source.h"
+#include "caption_file.h"
 
 // What an output cannot hold, and how often.
 class Losses

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "text_encode.h"
+#include "text_tools.h"
 #include "time_text.h"
 
 using nlohmann::ordered_json;

@@ -24,6 +24,8 @@ static int Run_Program(int iArguments, char **ppszArguments)
     CommandLine stLine = Read_CommandLine(iArguments, ppszArguments);
     if (stLine.pfRun == nullptr) return stLine.eCode;
     if (stLine.stOptions.iVerbose > 0) zyr_host_setLogSink(Print_Log, &stLine.stOptions.iVerbose);
+    stLine.stOptions.stSource.bVerbose = stLine.stOptions.iVerbose > 0;
+    stLine.stOptions.stSource.bAllOfLog = stLine.stOptions.iVerbose > 1;
     const ExitCode eCode = stLine.pfRun(stLine.stOptions);
     zyr_host_setLogSink(nullptr, nullptr);
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return eCode;

@@ -8,7 +8,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "subtitle_source.h"
+#include "text_tools.h"
+
+// In the engine's order, each in capitals first.
+static constexpr const char *ENDINGS[] = {".SMI", ".smi", ".SAMI", ".sami", ".SRT",
+                                          ".srt", ".SUB", ".sub",  ".SSA",  ".ssa"};
+
+bool Is_SubtitleName(const std::string &strFile)
+{
+    const size_t uiDot = strFile.rfind('.');
+    const std::string strEnding = uiDot == std::string::npos ? "" : Lower_Case(strFile.substr(uiDot));
+    return std::find(std::begin(ENDINGS), std::end(ENDINGS), strEnding) != std::end(ENDINGS);
+}
 
 static TriedName Try_Name(const std::string &strFile)
 {
@@ -66,8 +77,8 @@ static std::vector<Sibling> List_Siblings(const std::string &strBasePath,
 MovieSearch Search_Movie(const std::string &strMovie)
 {
     MovieSearch stSearch;
-    for (const std::string &strFile : List_NamesBeside(strMovie)) {
-        stSearch.astTried.push_back(Try_Name(strFile));
+    for (const char *const pszEnding : ENDINGS) {
+        stSearch.astTried.push_back(Try_Name(Get_BaseName(strMovie) + pszEnding));
         if (stSearch.astTried.back().bOpens && !stSearch.uiWinner)
             stSearch.uiWinner = stSearch.astTried.size() - 1;
     }

@@ -26,4 +26,7 @@ struct MovieSearch {
 
 MovieSearch Search_Movie(const std::string &strMovie);
 
+// By its ending, in any letter case.
+bool Is_SubtitleName(const std::string &strFile);
+
 #endif

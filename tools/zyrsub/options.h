@@ -7,19 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "output_mode.h"
-#include "subtitle_source.h"
+#include "caption_file.h"
 
 struct ReportOptions {
     bool bJson = false;
-    bool bTogether = false;
-    std::optional<uint32_t> uiFrom;  // ms
     std::optional<uint32_t> uiTo;    // ms
     std::optional<uint32_t> uiCount; // frames
 };
 
 struct ScreenOptions {
-    const OutputMode *pstOutput = nullptr;
+    uint32_t uiOutput = 0;   // as zyrCaptions_getOutput() counts them
     uint32_t uiFontSize = 0; // 0: the output's own
     std::optional<uint32_t> uiPosition;
     std::string strBackground;
@@ -37,6 +34,10 @@ struct PlayOptions {
     double dSpeed = 1;
     bool bTerminal = false;
 };
+
+// The output, or one without a name; and how many there are.
+ZyrCaptionOutput Get_Output(uint32_t uiOutput);
+uint32_t Count_Outputs();
 
 struct OutputFormat;
 

@@ -10,6 +10,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "text_tools.h"
 #include "time_text.h"
 
 static constexpr int POLL_MS = 10;

@@ -99,10 +99,7 @@ struct WindowPlay {
 
 static Outcome Change_Output(WindowPlay &stPlay)
 {
-    const std::span<const OutputMode> astModes = List_OutputModes();
-    const OutputMode *pstNext = stPlay.stScreenOptions.pstOutput + 1;
-    stPlay.stScreenOptions.pstOutput =
-        pstNext == astModes.data() + astModes.size() ? astModes.data() : pstNext;
+    stPlay.stScreenOptions.uiOutput = (stPlay.stScreenOptions.uiOutput + 1) % Count_Outputs();
     Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
     if (!stOpened.IsGood()) return stOpened;
     const WindowSize stSize = Fit_Window(stPlay.stScreen);
@@ -128,7 +125,7 @@ static Outcome Handle_Event(WindowPlay &stPlay, const SDL_Event &stEvent)
 static void Update_Title(WindowPlay &stPlay)
 {
     const std::string strTitle = stPlay.stPlayback.Describe() + "  " +
-                                 stPlay.stScreenOptions.pstOutput->pszName + "  " +
+                                 Get_Output(stPlay.stScreenOptions.uiOutput).pszName + "  " +
                                  stPlay.stOptions.astrMovies.front();
     if (strTitle == stPlay.strTitle) return;
     stPlay.strTitle = strTitle;
@@ -139,12 +136,11 @@ static void Update_Caption(WindowPlay &stPlay)
 {
     const std::string strCaption = stPlay.stPlayback.Get_Caption();
     if (strCaption != stPlay.strShown) {
-        stPlay.stScreen.Show(strCaption);
         stPlay.strShown = strCaption;
         stPlay.bRedraw = true;
     }
     if (!stPlay.bRedraw) return;
-    Picture stPicture = stPlay.stScreen.Compose();
+    Picture stPicture = stPlay.stScreen.Draw(strCaption);
     Draw_Window(stPlay.pstWindow.get(), stPicture);
     stPlay.bRedraw = false;
 }

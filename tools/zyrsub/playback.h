@@ -8,7 +8,6 @@
 
 #include "exit_code.h"
 #include "options.h"
-#include "timeline.h"
 
 enum PlayCommand {
     E_PLAY_NOTHING,
@@ -25,8 +24,8 @@ enum PlayCommand {
 class Playback
 {
 public:
-    // astrLanguages names the timeline's streams.
-    Playback(Timeline stTimeline, std::vector<std::string> astrLanguages, const PlayOptions &stOptions);
+    // The file outlives the playback.
+    Playback(const CaptionFile &stFile, const PlayOptions &stOptions);
 
     // Let so much real time pass. The film stops at every change of the caption on the way, so that none is
     // missed at any speed: true when it stopped before the time was used up, and should be asked again.
@@ -34,10 +33,10 @@ public:
 
     void Apply(PlayCommand eCommand);
 
-    std::string Get_Caption() const { return m_stTimeline.Get_Caption(Get_Position(), m_uiStream); }
+    std::string Get_Caption() const { return Get_TextAt(m_stFile.Get_List(), Get_Position(), Get_Class()); }
     int64_t Get_Position() const { return static_cast<int64_t>(m_dPosition); }
     bool Is_Paused() const { return m_bPaused; }
-    bool Is_AtEnd() const { return Get_Position() >= m_stTimeline.Get_End(); }
+    bool Is_AtEnd() const { return Get_Position() >= m_llEnd; }
 
     // "0:00:05.0  KRCC  paused": whole tenths of a second, so that it can be read while it runs
     std::string Describe() const;
@@ -45,13 +44,16 @@ public:
 private:
     void Seek_By(double dMs);
 
-    Timeline m_stTimeline;
-    std::vector<std::string> m_astrLanguages;
+    uint32_t Get_Class() const;
+
+    const CaptionFile &m_stFile;
+    std::vector<uint32_t> m_auiClasses;
+    int64_t m_llEnd; // ms
     double m_dSpeed;
     double m_dPosition;   // ms
     double m_dBehind = 0; // ms of the film that are due but not passed yet
     bool m_bPaused = false;
-    uint32_t m_uiStream = ALL_STREAMS;
+    size_t m_uiLanguage = 0; // 0: all, else the class before
 };
 
 Outcome Play_Window(const Options &stOptions, Playback &stPlayback);

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "encoding_report.h"
-#include "format_details.h"
+#include "report_text.h"
+#include "style_text.h"
 #include "time_text.h"
 
 using nlohmann::ordered_json;
@@ -62,135 +62,150 @@ void JsonReport::Add_Output(const ConvertedFile &stOutput)
     (*m_pstDocument)["outputs"].push_back(std::move(jsOutput));
 }
 
-static const char *Get_OutputName(const std::string &strEncoding)
+static bool Is_Ansi(const ZyrCaptionsFile &stFile)
 {
-    if (strEncoding == "ANSI") return "code page";
-    return strEncoding == "UTF-8" ? "UTF-8" : "UTF-16";
+    return stFile.pszCodePage != nullptr;
 }
 
-void JsonReport::Add_Source(const SubtitleSource &stSource, bool bFrames)
+static const char *Get_OutputName(const ZyrCaptionsFile &stFile)
+{
+    if (Is_Ansi(stFile)) return "code page";
+    return std::string_view(stFile.pszEncoding) == "UTF-8" ? "UTF-8" : "UTF-16";
+}
+
+void JsonReport::Add_Source(const CaptionFile &stCaptions, bool bFrames)
 {
     ordered_json &jsFile = Get_Last(*m_pstDocument);
-    const std::string strEncoding = stSource.Get_Encoding();
-    jsFile["subtitle"] = stSource.Get_FileName();
-    jsFile["format"] = Get_FormatName(stSource.Get_Format());
-    jsFile["encoding"] = strEncoding;
-    jsFile["byte_order_mark"] = stSource.Has_Mark();
-    jsFile["output_charset"] = Get_OutputName(strEncoding);
-    jsFile["code_page"] = strEncoding == "ANSI" ? ordered_json(stSource.Get_CodePage()) : ordered_json();
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
+    jsFile["subtitle"] = stFile.pszFile;
+    jsFile["format"] = stFile.pszFormat;
+    jsFile["encoding"] = stFile.pszEncoding;
+    jsFile["byte_order_mark"] = stFile.uiRule == ZYR_CAPTIONS_BY_MARK;
+    jsFile["output_charset"] = Get_OutputName(stFile);
+    jsFile["code_page"] = Is_Ansi(stFile) ? ordered_json(stFile.pszCodePage) : ordered_json();
     if (bFrames) jsFile["frames"] = ordered_json::array();
 }
 
-static ordered_json Describe_Classes(const SubtitleSource &stSource)
+static ordered_json Describe_Classes(const CaptionFile &stCaptions)
 {
     ordered_json jsClasses = ordered_json::array();
-    for (const LanguageClass &stClass : stSource.List_Classes()) {
-        const bool bAny = stClass.uiFrames > 0;
-        jsClasses.push_back({{"index", jsClasses.size()},
-                             {"name", stClass.strName},
-                             {"folded", stClass.astrFolded},
-                             {"frames", stClass.uiFrames},
-                             {"first", bAny ? ordered_json(stClass.iFirst) : ordered_json()},
-                             {"last", bAny ? ordered_json(stClass.iLast) : ordered_json()}});
+    for (const uint32_t uiClass : stCaptions.List_Classes()) {
+        const ZyrCaptionClass stClass = stCaptions.Get_Class(uiClass);
+        const bool bAny = stClass.uiCaptions > 0;
+        ordered_json jsFolded = ordered_json::array();
+        for (uint32_t uiName = 0; uiName < stClass.uiFolded; ++uiName)
+            jsFolded.push_back(zyrCaptions_getFoldedName(stCaptions.Get_List(), uiClass, uiName));
+        jsClasses.push_back({{"index", uiClass},
+                             {"name", stClass.pszName},
+                             {"language", stClass.pszLanguage == nullptr ? ordered_json()
+                                                                         : ordered_json(stClass.pszLanguage)},
+                             {"folded", std::move(jsFolded)},
+                             {"frames", stClass.uiCaptions},
+                             {"first", bAny ? ordered_json(stClass.iFirstStart) : ordered_json()},
+                             {"last", bAny ? ordered_json(stClass.iLastStart) : ordered_json()}});
     }
     return jsClasses;
 }
 
-static ordered_json Describe_Style(const SsaStyle &stStyle)
+static ordered_json Describe_Style(const ZyrCaptionSsaStyle &stStyle)
 {
-    const SSAStyleInfo &stNumbers = *stStyle.pstNumbers;
-    return {{"name", stStyle.strName},
-            {"font", stStyle.strFont},
-            {"font_size", stNumbers.uiFontSize},
-            {"primary_colour", stNumbers.uiPrimaryColour},
-            {"secondary_colour", stNumbers.uiSecondaryColour},
-            {"tertiary_colour", stNumbers.uiTertiaryColour},
-            {"back_colour", stNumbers.uiBackColour},
-            {"bold", stNumbers.uiBold},
-            {"italic", stNumbers.uiItalic},
-            {"border_style", stNumbers.uiBorderStyle},
-            {"outline", stNumbers.uiOutline},
-            {"shadow", stNumbers.uiShadow},
-            {"alignment", stNumbers.uiAlignment},
-            {"margin_left", stNumbers.uiMarginL},
-            {"margin_right", stNumbers.uiMarginR},
-            {"margin_vertical", stNumbers.uiMarginV},
-            {"alpha_level", stNumbers.uiAlphaLevel},
-            {"encoding", stNumbers.uiEncoding}};
+    return {{"name", stStyle.pszName},
+            {"font", stStyle.pszFont},
+            {"font_size", stStyle.uiFontSize},
+            {"primary_colour", stStyle.uiPrimaryColour},
+            {"secondary_colour", stStyle.uiSecondaryColour},
+            {"tertiary_colour", stStyle.uiTertiaryColour},
+            {"back_colour", stStyle.uiBackColour},
+            {"bold", stStyle.uiBold},
+            {"italic", stStyle.uiItalic},
+            {"border_style", stStyle.uiBorderStyle},
+            {"outline", stStyle.uiOutline},
+            {"shadow", stStyle.uiShadow},
+            {"alignment", stStyle.uiAlignment},
+            {"margin_left", stStyle.uiMarginLeft},
+            {"margin_right", stStyle.uiMarginRight},
+            {"margin_vertical", stStyle.uiMarginVertical},
+            {"alpha_level", stStyle.uiAlphaLevel},
+            {"encoding", stStyle.uiEncoding}};
 }
 
-static ordered_json Describe_Ssa(const TextDecoder &stDecoder)
+static ordered_json Describe_Ssa(const CaptionFile &stCaptions)
 {
-    const SsaHeader stHeader = Read_SsaHeader(stDecoder);
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
     ordered_json jsStyles = ordered_json::array();
-    for (const SsaStyle &stStyle : stHeader.astStyles) jsStyles.push_back(Describe_Style(stStyle));
-    return {{"title", stHeader.strTitle},
-            {"original_script", stHeader.strScript},
-            {"script_type", stHeader.strType},
+    ZyrCaptionSsaStyle stStyle;
+    for (uint32_t ui = 0; zyrCaptions_getSsaStyle(stCaptions.Get_List(), ui, &stStyle) == ZYR_CAPTIONS_OK;
+         ++ui)
+        jsStyles.push_back(Describe_Style(stStyle));
+    return {{"title", stFile.pszTitle},
+            {"original_script", stFile.pszOriginalScript},
+            {"script_type", stFile.pszScriptType},
             {"styles", jsStyles}};
 }
 
-static ordered_json Describe_SubViewer(const TextDecoder &stDecoder)
+static ordered_json Describe_SubViewer(const ZyrCaptionsFile &stFile)
 {
-    const SubViewerHeader stHeader = Read_SubViewerHeader(stDecoder);
-    return {{"delay", stHeader.uiDelay},
-            {"colour", Format_Color24(stHeader.uiColor)},
-            {"colour_raw", stHeader.uiColor},
-            {"size", stHeader.uiSize},
-            {"font", stHeader.strFont}};
+    return {{"delay", stFile.uiDelay},
+            {"colour", Format_Color24(stFile.uiColor)},
+            {"colour_raw", stFile.uiColor},
+            {"size", stFile.uiFontSize},
+            {"font", stFile.pszFont}};
 }
 
-static ordered_json Describe_BadByte(const std::optional<BadByte> &stBad)
+static ordered_json Describe_Byte(size_t uiOffset, uint8_t ucByte)
 {
-    return stBad ? ordered_json{{"offset", stBad->uiOffset}, {"byte", stBad->ucByte}} : ordered_json();
+    return uiOffset == ZYR_CAPTIONS_NOWHERE ? ordered_json()
+                                            : ordered_json{{"offset", uiOffset}, {"byte", ucByte}};
 }
 
-static ordered_json Describe_Encoding(const SubtitleSource &stSource)
+static ordered_json Describe_Encoding(const CaptionFile &stCaptions)
 {
-    const EncodingReport stReport = Explain_Encoding(stSource);
-    ordered_json jsGuesses = ordered_json::array();
-    for (const CodePageGuess &stGuess : stReport.astGuesses)
-        jsGuesses.push_back(
-            {{"name", stGuess.strName}, {"preview", stGuess.strPreview}, {"in_use", stGuess.bInUse}});
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
+    ordered_json jsPages = ordered_json::array();
+    ZyrCaptionCodePage stPage;
+    for (uint32_t ui = 0; zyrCaptions_getCodePage(stCaptions.Get_List(), ui, &stPage) == ZYR_CAPTIONS_OK;
+         ++ui)
+        jsPages.push_back(
+            {{"name", stPage.pszName}, {"preview", stPage.pszPreview}, {"in_use", stPage.bInUse != 0}});
     ordered_json jsScan;
-    if (stReport.eRule != E_RULE_MARK)
-        jsScan = {{"bytes", stReport.uiScanned},
-                  {"utf8_characters", stReport.stCount.uiSequences},
-                  {"invalid_bytes", stReport.stCount.uiInvalid},
-                  {"first_invalid", Describe_BadByte(stReport.stNotUtf8)}};
-    return {{"decided_by", Get_RuleName(stReport.eRule)},
+    if (stFile.uiRule != ZYR_CAPTIONS_BY_MARK)
+        jsScan = {{"bytes", stFile.uiScanned},
+                  {"utf8_characters", stFile.uiUtf8Characters},
+                  {"invalid_bytes", stFile.uiNotUtf8},
+                  {"first_invalid", Describe_Byte(stFile.uiFirstNotUtf8, stFile.ucFirstNotUtf8)}};
+    return {{"decided_by", Get_RuleName(stFile.uiRule)},
             {"scan", jsScan},
-            {"first_undecodable", Describe_BadByte(stReport.stUndecodable)},
-            {"single_byte", stSource.Is_SingleByteRead()},
-            {"likely_code_pages", jsGuesses}};
+            {"first_undecodable", Describe_Byte(stFile.uiFirstUnreadable, stFile.ucFirstUnreadable)},
+            {"single_byte", stFile.bSingleByte != 0},
+            {"likely_code_pages", jsPages}};
 }
 
-void JsonReport::Add_Info(const SubtitleSource &stSource)
+void JsonReport::Add_Info(const CaptionFile &stCaptions)
 {
-    Add_Source(stSource, false);
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
+    Add_Source(stCaptions, false);
     ordered_json &jsFile = Get_Last(*m_pstDocument);
-    jsFile["encoding_details"] = Describe_Encoding(stSource);
-    if (stSource.Get_Format() == E_CAPTION_FORMAT_SSA) jsFile["ssa"] = Describe_Ssa(stSource.Get_Decoder());
-    if (stSource.Get_Format() == E_CAPTION_FORMAT_SUBVIEWER)
-        jsFile["subviewer"] = Describe_SubViewer(stSource.Get_Decoder());
-    jsFile["classes"] = Describe_Classes(stSource);
+    jsFile["encoding_details"] = Describe_Encoding(stCaptions);
+    if (stFile.uiFormat == ZYR_CAPTIONS_SSA) jsFile["ssa"] = Describe_Ssa(stCaptions);
+    if (stFile.uiFormat == ZYR_CAPTIONS_SUBVIEWER) jsFile["subviewer"] = Describe_SubViewer(stFile);
+    jsFile["classes"] = Describe_Classes(stCaptions);
 }
 
-void JsonReport::Add_Frame(const SubtitleSource &stSource, const Frame &stFrame)
+void JsonReport::Add_Frame(const CaptionFile &stCaptions, const Frame &stFrame)
 {
-    const bool bOne = stFrame.uiStream != ALL_STREAMS;
-    const FrameStyle &stStyle = stFrame.stStyle;
+    const bool bOne = stFrame.uiClass != ZYR_CAPTIONS_ALL;
+    const ZyrCaptionStyle &stStyle = stFrame.stStyle;
     ordered_json jsStyle = {{"font_size", stStyle.uiFontSize},
                             {"colour", Format_Color(stStyle.usColor)},
                             {"colour_raw", stStyle.usColor},
-                            {"outline_colour", Format_Color(stStyle.usOutline)},
-                            {"outline_colour_raw", stStyle.usOutline},
+                            {"outline_colour", Format_Color(stStyle.usOutlineColor)},
+                            {"outline_colour_raw", stStyle.usOutlineColor},
                             {"highlight", stStyle.uiHighlight},
                             {"display_mode", List_DisplayModes(stStyle.uiDisplayMode)},
                             {"display_mode_raw", stStyle.uiDisplayMode}};
     Get_Last(*m_pstDocument)["frames"].push_back(
-        {{"stream", bOne ? ordered_json(stFrame.uiStream) : ordered_json()},
-         {"class", bOne ? ordered_json(stSource.Get_ClassName(stFrame.uiClass)) : ordered_json()},
+        {{"stream", bOne ? ordered_json(stCaptions.Get_Class(stFrame.uiClass).uiOrder) : ordered_json()},
+         {"class", bOne ? ordered_json(stCaptions.Get_ClassName(stFrame.uiClass)) : ordered_json()},
          {"start", stFrame.iStart},
          {"end", stFrame.iEnd == OPEN_END ? ordered_json() : ordered_json(stFrame.iEnd)},
          {"lines", stFrame.astrLines},

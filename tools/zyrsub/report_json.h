@@ -7,10 +7,10 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "caption_file.h"
 #include "convert_track.h"
 #include "exit_code.h"
 #include "movie_search.h"
-#include "subtitle_source.h"
 
 struct ConvertedFile {
     std::string strFile;
@@ -31,14 +31,14 @@ public:
     void Begin_File(const std::string &strMovie);
     void Add_Failure(const Outcome &stOutcome);
     void Add_Error(const Outcome &stOutcome); // of no one input
-    void Add_Info(const SubtitleSource &stSource);
-    void Add_Frame(const SubtitleSource &stSource, const Frame &stFrame);
+    void Add_Info(const CaptionFile &stCaptions);
+    void Add_Frame(const CaptionFile &stCaptions, const Frame &stFrame);
     void Add_Output(const ConvertedFile &stOutput);
     void Add_Search(const MovieSearch &stSearch, const std::string &strVerdict);
     void Print() const;
 
     // What every successfully opened file begins with.
-    void Add_Source(const SubtitleSource &stSource, bool bFrames);
+    void Add_Source(const CaptionFile &stCaptions, bool bFrames);
 
 private:
     std::unique_ptr<nlohmann::ordered_json> m_pstDocument;

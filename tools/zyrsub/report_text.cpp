@@ -3,8 +3,8 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "encoding_report.h"
-#include "format_details.h"
+#include "style_text.h"
+#include "text_tools.h"
 #include "time_text.h"
 
 static void Print_Row(const char *pszLabel, const std::string &strValue)
@@ -12,125 +12,143 @@ static void Print_Row(const char *pszLabel, const std::string &strValue)
     std::printf("  %-10s %s\n", pszLabel, Make_Printable(strValue).c_str());
 }
 
-static std::string Describe_Encoding(const SubtitleSource &stSource)
+static bool Is_Ansi(const ZyrCaptionsFile &stFile)
 {
-    std::string strEncoding = stSource.Get_Encoding();
-    if (strEncoding != "ANSI") return strEncoding;
-    return "ANSI, read as " + stSource.Get_CodePage() +
-           (stSource.Is_SingleByteRead() ? ", a byte for each character" : "");
+    return stFile.pszCodePage != nullptr;
 }
 
-static std::string Describe_Rule(const EncodingReport &stReport)
+static std::string Describe_Encoding(const ZyrCaptionsFile &stFile)
 {
-    const std::string strRule = Get_RuleName(stReport.eRule);
-    const Utf8Count &stCount = stReport.stCount;
-    if (stReport.eRule == E_RULE_MARK) return strRule + ": it begins with a byte order mark";
-    if (stCount.uiSequences + stCount.uiInvalid == 0) return strRule + ": no mark, and no byte from 0x80 on";
-    return strRule + ": no mark; UTF-8 characters " + std::to_string(stCount.uiSequences) +
-           ", invalid bytes " + std::to_string(stCount.uiInvalid) + ", after " +
-           std::to_string(stReport.uiScanned) + " bytes";
+    if (!Is_Ansi(stFile)) return stFile.pszEncoding;
+    return std::string("ANSI, read as ") + stFile.pszCodePage +
+           (stFile.bSingleByte != 0 ? ", a byte for each character" : "");
 }
 
-static void Print_BadByte(const std::string &strEncoding, const std::optional<BadByte> &stBad)
+static std::string Describe_Rule(const ZyrCaptionsFile &stFile)
+{
+    const std::string strRule = Get_RuleName(stFile.uiRule);
+    if (stFile.uiRule == ZYR_CAPTIONS_BY_MARK) return strRule + ": it begins with a byte order mark";
+    if (stFile.uiUtf8Characters + stFile.uiNotUtf8 == 0)
+        return strRule + ": no mark, and no byte from 0x80 on";
+    return strRule + ": no mark; UTF-8 characters " + std::to_string(stFile.uiUtf8Characters) +
+           ", invalid bytes " + std::to_string(stFile.uiNotUtf8) + ", after " +
+           std::to_string(stFile.uiScanned) + " bytes";
+}
+
+static void Print_BadByte(const std::string &strEncoding, size_t uiOffset, uint8_t ucByte)
 {
     char szWhere[64];
-    if (!stBad) return;
-    std::snprintf(szWhere, sizeof szWhere, ", first the 0x%02X at byte %zu", stBad->ucByte, stBad->uiOffset);
+    if (uiOffset == ZYR_CAPTIONS_NOWHERE) return;
+    std::snprintf(szWhere, sizeof szWhere, ", first the 0x%02X at byte %zu", ucByte, uiOffset);
     Print_Row("invalid", "as " + strEncoding + szWhere);
 }
 
-static void Print_Encoding(const SubtitleSource &stSource)
+static void Print_Encoding(const CaptionFile &stCaptions)
 {
-    const EncodingReport stReport = Explain_Encoding(stSource);
-    const std::string strEncoding = stSource.Get_Encoding();
-    Print_Row("encoding", Describe_Encoding(stSource));
-    Print_Row("decided by", Describe_Rule(stReport));
-    if (strEncoding != "UTF-8") Print_BadByte("UTF-8", stReport.stNotUtf8);
-    Print_BadByte(strEncoding == "ANSI" ? stSource.Get_CodePage() : strEncoding, stReport.stUndecodable);
-    for (const CodePageGuess &stGuess : stReport.astGuesses)
-        Print_Row("perhaps", stGuess.strName + (stGuess.bInUse ? " (in use): " : ": ") + stGuess.strPreview);
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
+    const std::string strEncoding = stFile.pszEncoding;
+    Print_Row("encoding", Describe_Encoding(stFile));
+    Print_Row("decided by", Describe_Rule(stFile));
+    if (strEncoding != "UTF-8") Print_BadByte("UTF-8", stFile.uiFirstNotUtf8, stFile.ucFirstNotUtf8);
+    Print_BadByte(Is_Ansi(stFile) ? stFile.pszCodePage : strEncoding, stFile.uiFirstUnreadable,
+                  stFile.ucFirstUnreadable);
+    ZyrCaptionCodePage stPage;
+    for (uint32_t ui = 0; zyrCaptions_getCodePage(stCaptions.Get_List(), ui, &stPage) == ZYR_CAPTIONS_OK;
+         ++ui)
+        Print_Row("perhaps", std::string(stPage.pszName) + (stPage.bInUse != 0 ? " (in use): " : ": ") +
+                                 stPage.pszPreview);
 }
 
-static const char *Describe_Output(const SubtitleSource &stSource)
+static const char *Describe_Output(const ZyrCaptionsFile &stFile)
 {
-    const std::string strEncoding = stSource.Get_Encoding();
-    if (strEncoding == "ANSI") return "the file's code page (1)";
-    return strEncoding == "UTF-8" ? "UTF-8 (3)" : "UTF-16 (2)";
+    if (Is_Ansi(stFile)) return "the file's code page (1)";
+    return std::string_view(stFile.pszEncoding) == "UTF-8" ? "UTF-8 (3)" : "UTF-16 (2)";
 }
 
 // Only SAMI has classes that are worth a name and a number.
-static void Print_Classes(const SubtitleSource &stSource)
+static void Print_Classes(const CaptionFile &stCaptions)
 {
-    const bool bSami = stSource.Get_Format() == E_CAPTION_FORMAT_SAMI;
-    const std::vector<LanguageClass> astClasses = stSource.List_Classes();
-    for (size_t uiClass = 0; uiClass < astClasses.size(); ++uiClass) {
-        const LanguageClass &stClass = astClasses[uiClass];
-        const std::string strFrames = std::to_string(stClass.uiFrames);
+    const bool bSami = stCaptions.Get_File().uiFormat == ZYR_CAPTIONS_SAMI;
+    for (const uint32_t uiClass : stCaptions.List_Classes()) {
+        const ZyrCaptionClass stClass = stCaptions.Get_Class(uiClass);
+        const std::string strFrames = std::to_string(stClass.uiCaptions);
         std::string strText = strFrames;
         if (bSami)
-            strText = std::to_string(uiClass) + "  " + Show_ClassName(stClass.strName) + "  " + strFrames +
+            strText = std::to_string(uiClass) + "  " + Show_ClassName(stClass.pszName) + "  " + strFrames +
                       " frames";
-        if (stClass.uiFrames > 0)
-            strText += ", " + Format_Time(stClass.iFirst) + " to " + Format_Time(stClass.iLast);
-        if (!stClass.astrFolded.empty()) strText += ", with " + Join_Lines(stClass.astrFolded, " ");
+        if (stClass.uiCaptions > 0)
+            strText += ", " + Format_Time(stClass.iFirstStart) + " to " + Format_Time(stClass.iLastStart);
+        for (uint32_t uiName = 0; uiName < stClass.uiFolded; ++uiName)
+            strText.append(uiName == 0 ? ", with " : " ")
+                .append(zyrCaptions_getFoldedName(stCaptions.Get_List(), uiClass, uiName));
         Print_Row(bSami ? "class" : "frames", strText);
     }
 }
 
-static void Print_SsaHeader(const SubtitleSource &stSource)
+static void Print_SsaHeader(const CaptionFile &stCaptions)
 {
-    const SsaHeader stHeader = Read_SsaHeader(stSource.Get_Decoder());
-    if (!stHeader.strTitle.empty()) Print_Row("title", stHeader.strTitle);
-    if (!stHeader.strScript.empty()) Print_Row("script", stHeader.strScript);
-    if (!stHeader.strType.empty()) Print_Row("type", stHeader.strType);
-    for (const SsaStyle &stStyle : stHeader.astStyles) {
-        const SSAStyleInfo &stNumbers = *stStyle.pstNumbers;
-        std::string strText = stStyle.strName + ": " + stStyle.strFont + " " +
-                              std::to_string(stNumbers.uiFontSize) + " " +
-                              Format_Color24(stNumbers.uiPrimaryColour);
-        if (stNumbers.uiBold != 0) strText += " bold";
-        if (stNumbers.uiItalic != 0) strText += " italic";
-        Print_Row("style", strText + " alignment " + std::to_string(stNumbers.uiAlignment));
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
+    if (*stFile.pszTitle != '\0') Print_Row("title", stFile.pszTitle);
+    if (*stFile.pszOriginalScript != '\0') Print_Row("script", stFile.pszOriginalScript);
+    if (*stFile.pszScriptType != '\0') Print_Row("type", stFile.pszScriptType);
+    ZyrCaptionSsaStyle stStyle;
+    for (uint32_t ui = 0; zyrCaptions_getSsaStyle(stCaptions.Get_List(), ui, &stStyle) == ZYR_CAPTIONS_OK;
+         ++ui) {
+        std::string strText = std::string(stStyle.pszName) + ": " + stStyle.pszFont + " " +
+                              std::to_string(stStyle.uiFontSize) + " " +
+                              Format_Color24(stStyle.uiPrimaryColour);
+        if (stStyle.uiBold != 0) strText += " bold";
+        if (stStyle.uiItalic != 0) strText += " italic";
+        Print_Row("style", strText + " alignment " + std::to_string(stStyle.uiAlignment));
     }
 }
 
-static void Print_SubViewerHeader(const SubtitleSource &stSource)
+static void Print_SubViewerHeader(const ZyrCaptionsFile &stFile)
 {
-    const SubViewerHeader stHeader = Read_SubViewerHeader(stSource.Get_Decoder());
-    Print_Row("delay", std::to_string(stHeader.uiDelay));
-    Print_Row("colour", Format_Color24(stHeader.uiColor));
-    Print_Row("size", std::to_string(stHeader.uiSize));
-    Print_Row("font", stHeader.strFont);
+    Print_Row("delay", std::to_string(stFile.uiDelay));
+    Print_Row("colour", Format_Color24(stFile.uiColor));
+    Print_Row("size", std::to_string(stFile.uiFontSize));
+    Print_Row("font", stFile.pszFont);
 }
 
-void Print_Info(const std::string &strMovie, const SubtitleSource &stSource)
+void Print_Info(const std::string &strMovie, const CaptionFile &stCaptions)
 {
+    const ZyrCaptionsFile stFile = stCaptions.Get_File();
     std::printf("%s\n", strMovie.c_str());
-    if (stSource.Get_FileName() != strMovie) Print_Row("subtitle", stSource.Get_FileName());
-    Print_Row("format", Get_FormatName(stSource.Get_Format()));
-    Print_Encoding(stSource);
-    Print_Row("delivers", Describe_Output(stSource));
-    if (stSource.Get_Format() == E_CAPTION_FORMAT_SSA) Print_SsaHeader(stSource);
-    if (stSource.Get_Format() == E_CAPTION_FORMAT_SUBVIEWER) Print_SubViewerHeader(stSource);
-    Print_Classes(stSource);
+    if (strMovie != stFile.pszFile) Print_Row("subtitle", stFile.pszFile);
+    Print_Row("format", stFile.pszFormat);
+    Print_Encoding(stCaptions);
+    Print_Row("delivers", Describe_Output(stFile));
+    if (stFile.uiFormat == ZYR_CAPTIONS_SSA) Print_SsaHeader(stCaptions);
+    if (stFile.uiFormat == ZYR_CAPTIONS_SUBVIEWER) Print_SubViewerHeader(stFile);
+    Print_Classes(stCaptions);
 }
 
 // The class is only worth a column where there is a choice.
-static std::string Describe_Stream(const SubtitleSource &stSource, const Frame &stFrame)
+static std::string Describe_Class(const CaptionFile &stCaptions, const Frame &stFrame)
 {
-    if (SubtitleSource::Count_Classes() < 2 || stFrame.uiStream == ALL_STREAMS) return "";
-    return Show_ClassName(stSource.Get_ClassName(stFrame.uiClass)) + "  ";
+    if (stCaptions.Get_File().uiClasses < 2 || stFrame.uiClass == ZYR_CAPTIONS_ALL) return "";
+    return Show_ClassName(stCaptions.Get_ClassName(stFrame.uiClass)) + "  ";
 }
 
-void Print_Frame(const SubtitleSource &stSource, const Frame &stFrame)
+void Print_Frame(const CaptionFile &stCaptions, const Frame &stFrame)
 {
     char szTimes[80];
     std::snprintf(szTimes, sizeof szTimes, "%s  %-11s  ", Format_Time(stFrame.iStart).c_str(),
                   Format_EndTime(stFrame.iEnd).c_str());
-    std::string strLead = szTimes + Make_Printable(Describe_Stream(stSource, stFrame));
+    std::string strLead = szTimes + Make_Printable(Describe_Class(stCaptions, stFrame));
     if (stFrame.astrLines.empty()) std::printf("%s(no text)\n", strLead.c_str());
     for (const std::string &strLine : stFrame.astrLines) {
         std::printf("%s%s\n", strLead.c_str(), Make_Printable(strLine).c_str());
         strLead.assign(strLead.size(), ' ');
+    }
+}
+
+const char *Get_RuleName(uint32_t uiRule)
+{
+    switch (uiRule) {
+    case ZYR_CAPTIONS_BY_MARK: return "mark";
+    case ZYR_CAPTIONS_BY_SCAN: return "scan";
+    default: return "fallback";
     }
 }

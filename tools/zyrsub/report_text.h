@@ -4,11 +4,14 @@
 
 #include <string>
 
-#include "subtitle_source.h"
+#include "caption_file.h"
 
-void Print_Info(const std::string &strMovie, const SubtitleSource &stSource);
+void Print_Info(const std::string &strMovie, const CaptionFile &stCaptions);
 
 // One frame: times, the class where there are several, and the lines below each other.
-void Print_Frame(const SubtitleSource &stSource, const Frame &stFrame);
+void Print_Frame(const CaptionFile &stCaptions, const Frame &stFrame);
+
+// "mark", "scan" or "fallback".
+const char *Get_RuleName(uint32_t uiRule);
 
 #endif

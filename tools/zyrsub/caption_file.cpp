@@ -1,0 +1,126 @@
+#include "caption_file.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "text_tools.h"
+
+static constexpr int64_t LAST_CAPTION_MS = 5000;
+
+static ExitCode Get_ExitCode(int iError)
+{
+    switch (iError) {
+    case ZYR_CAPTIONS_OK: return E_EXIT_GOOD;
+    case ZYR_CAPTIONS_BAD_ARGUMENT:
+    case ZYR_CAPTIONS_NO_CODE_PAGE:
+    case ZYR_CAPTIONS_NO_CLASS: return E_EXIT_USAGE;
+    case ZYR_CAPTIONS_NOT_FOUND:
+    case ZYR_CAPTIONS_UNREADABLE:
+    case ZYR_CAPTIONS_FOLDER: return E_EXIT_NOT_FOUND;
+    case ZYR_CAPTIONS_BUSY:
+    case ZYR_CAPTIONS_NO_MEMORY: return E_EXIT_SOME_FAILED;
+    default: return E_EXIT_NOT_SUBTITLE;
+    }
+}
+
+// The sentence names the file, as do all messages of this tool.
+static std::string Cut_Name(const std::string &strSentence, const std::string &strMovie)
+{
+    const std::string strLead = strMovie + ": ";
+    return strSentence.starts_with(strLead) ? strSentence.substr(strLead.size()) : strSentence;
+}
+
+static void Print_Log(const ZyrCaptions *pstList, bool bAllOfLog)
+{
+    static constexpr int32_t ERROR = 6;
+    ZyrCaptionLogLine stLine;
+    for (uint32_t uiLine = 0; zyrCaptions_getLogLine(pstList, uiLine, &stLine) == ZYR_CAPTIONS_OK; ++uiLine) {
+        if (stLine.iPriority < ERROR && !bAllOfLog) continue;
+        std::string strText = stLine.pszText;
+        while (strText.ends_with('\n')) strText.pop_back();
+        const std::string strTag = stLine.pszTag == nullptr ? "" : std::string(stLine.pszTag) + ":";
+        std::fprintf(stderr, "%s%s\n", strTag.c_str(), strText.c_str());
+    }
+}
+
+Outcome CaptionFile::Open(const std::string &strMovie, const SourceOptions &stOptions)
+{
+    std::vector<const char *> apszClasses;
+    for (const std::string &strClass : stOptions.astrClasses) apszClasses.push_back(strClass.c_str());
+    ZyrCaptionsOptions stLoad = {};
+    const bool bAuto = Lower_Case(stOptions.strCodePage) == AUTO_CODE_PAGE;
+    stLoad.pszCodePage = bAuto ? nullptr : stOptions.strCodePage.c_str();
+    stLoad.ppszClasses = apszClasses.data();
+    stLoad.uiClasses = static_cast<uint32_t>(apszClasses.size());
+    if (stOptions.bRawLineEnds) stLoad.uiFlags |= ZYR_CAPTIONS_BOX_LINE_ENDS;
+    if (stOptions.bSingleByte) stLoad.uiFlags |= ZYR_CAPTIONS_SINGLE_BYTE;
+    if (stOptions.bTogether) stLoad.uiFlags |= ZYR_CAPTIONS_TOGETHER;
+    stLoad.uiFromMs = stOptions.uiFromMs;
+    m_pstList.reset(zyrCaptions_load(strMovie.c_str(), &stLoad));
+    if (stOptions.bVerbose) Print_Log(Get_List(), stOptions.bAllOfLog);
+    return {Get_ExitCode(zyrCaptions_getError(Get_List())),
+            Cut_Name(zyrCaptions_getErrorText(Get_List()), strMovie)};
+}
+
+ZyrCaptionsFile CaptionFile::Get_File() const
+{
+    ZyrCaptionsFile stFile;
+    zyrCaptions_getFile(Get_List(), &stFile);
+    return stFile;
+}
+
+ZyrCaptionClass CaptionFile::Get_Class(uint32_t uiClass) const
+{
+    ZyrCaptionClass stClass;
+    zyrCaptions_getClass(Get_List(), uiClass, &stClass);
+    return stClass;
+}
+
+ZyrCaption CaptionFile::Get_Caption(uint32_t uiIndex) const
+{
+    ZyrCaption stCaption;
+    zyrCaptions_get(Get_List(), uiIndex, &stCaption);
+    return stCaption;
+}
+
+Frame CaptionFile::Read_Frame(uint32_t uiIndex) const
+{
+    const ZyrCaption stCaption = Get_Caption(uiIndex);
+    return {stCaption.uiClass, stCaption.iStart, stCaption.iEnd,
+            Split_Lines({stCaption.pszText, stCaption.uiTextBytes}), *stCaption.pstStyle};
+}
+
+std::string CaptionFile::Get_ClassName(uint32_t uiClass) const
+{
+    const char *const pszName = Get_Class(uiClass).pszName;
+    return pszName == nullptr ? "" : pszName;
+}
+
+std::vector<uint32_t> CaptionFile::List_Classes() const
+{
+    std::vector<uint32_t> auiClasses;
+    for (uint32_t uiClass = 0; uiClass < Get_File().uiClasses; ++uiClass)
+        if (Get_Class(uiClass).uiOrder != ZYR_CAPTIONS_NONE) auiClasses.push_back(uiClass);
+    std::sort(auiClasses.begin(), auiClasses.end(),
+              [this](uint32_t uiA, uint32_t uiB) { return Get_Class(uiA).uiOrder < Get_Class(uiB).uiOrder; });
+    return auiClasses;
+}
+
+int64_t CaptionFile::Get_End() const
+{
+    int64_t llEnd = 0;
+    for (uint32_t uiIndex = 0; uiIndex < Count(); ++uiIndex) {
+        const ZyrCaption stCaption = Get_Caption(uiIndex);
+        const bool bOpen = stCaption.iShownUntil == ZYR_CAPTIONS_OPEN_END;
+        llEnd = std::max(llEnd, bOpen ? stCaption.iStart + LAST_CAPTION_MS : int64_t{stCaption.iShownUntil});
+    }
+    return llEnd;
+}
+
+std::string Get_TextAt(const ZyrCaptions *pstList, int64_t llMs, uint32_t uiClass)
+{
+    const auto iMs = static_cast<int32_t>(std::min<int64_t>(llMs, INT32_MAX));
+    std::string strText(zyrCaptions_getTextAt(pstList, uiClass, iMs, nullptr, 0), '\0');
+    zyrCaptions_getTextAt(pstList, uiClass, iMs, strText.data(), strText.size() + 1);
+    return strText;
+}
