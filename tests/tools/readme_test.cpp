@@ -29,20 +29,34 @@ TEST(Readme, CommandsFirstThenCaptions)
 TEST(Readme, ExampleIsTheFile)
 {
     const std::string strReadme = Read_File(SOURCE + "/README.md");
-    const std::string strExample = Read_File(SOURCE + "/examples/frames.c");
+    const std::string strExample = Read_File(SOURCE + "/examples/captions.c");
     ASSERT_FALSE(strExample.empty());
     EXPECT_NE(strReadme.find("```c\n" + strExample + "```\n"), std::string::npos);
 }
 
-// The example is built as C99 with every warning an error, and finds the subtitle of a movie that is not
-// there.
-TEST(Readme, ExampleRuns)
+// The examples are built as C99 with every warning an error, and find the subtitle of a movie that is not there.
+TEST(Readme, ExamplesRun)
 {
-    const RunResult stRun = Run_Program(ZYR_EXAMPLE_FRAMES " subrip-crlf.avi");
-    EXPECT_EQ(stRun.iCode, 0);
-    EXPECT_EQ(stRun.strOut.find("1000 to 3500 ms\nThe lamp is lit at dusk.\n4000 to 6500 ms\n"), 0U)
-        << stRun.strOut;
-    EXPECT_EQ(Run_Program(ZYR_EXAMPLE_FRAMES " nothing.avi").iCode, 1);
+    const struct {
+        const char *pszProgram, *pszArgument;
+        int iCode;
+        const char *pszStart; // of what it prints
+    } astCases[] = {
+        {ZYR_EXAMPLE_CAPTIONS, "subrip-crlf.avi", 0,
+         "1000 to 3500 ms\nThe lamp is lit at dusk.\n4000 to 6500 ms\n"},
+        {ZYR_EXAMPLE_CAPTIONS, "subrip-utf16be.srt", 0, "1000 to 3000 ms\nDéjà vu: the café is open.\n"},
+        {ZYR_EXAMPLE_CAPTIONS, "nothing.avi", 2, ""},
+        {ZYR_EXAMPLE_CAPTIONS, "", 1, ""},
+        {ZYR_EXAMPLE_FRAMES, "subrip-crlf.avi", 0,
+         "text in the file's code page\n1000 to 3500 ms\nThe lamp is lit"},
+        {ZYR_EXAMPLE_FRAMES, "sami-utf16be.avi", 0, "text in UTF-16\n1000 to"},
+        {ZYR_EXAMPLE_FRAMES, "nothing.avi", 1, ""},
+    };
+    for (const auto &stCase : astCases) {
+        const RunResult stRun = Run_Program(std::string(stCase.pszProgram) + " " + stCase.pszArgument);
+        EXPECT_EQ(stRun.iCode, stCase.iCode) << stCase.pszArgument;
+        EXPECT_EQ(stRun.strOut.find(stCase.pszStart), 0U) << stRun.strOut;
+    }
 }
 
 TEST(Readme, EverySampleIsDescribed)
