@@ -59,6 +59,7 @@ int zyrCaptions_get(const ZyrCaptions *pstCaptions, uint32_t uiIndex, ZyrCaption
     pstCaption->uiTextBytes = stRecord.usTextBytes;
     pstCaption->uiLines = stRecord.ucLines;
     pstCaption->uiBadCharacters = stRecord.usBad;
+    pstCaption->uiSource = stRecord.uiSource;
     pstCaption->pstStyle = &pstCaptions->astStyles[stRecord.uiStyle];
     return ZYR_CAPTIONS_OK;
 }

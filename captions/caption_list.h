@@ -14,19 +14,20 @@
 // A caption's place among the classes that were read; with joined classes there is one such place.
 constexpr uint32_t ORDER_NUMS = ZYR_CLASS_MAX;
 
-// 28 bytes; with the index, 40 for each caption beside its text.
+// 32 bytes; with the index, 44 for each caption beside its text.
 struct CaptionRecord {
     int32_t iStart;      // ms
     int32_t iEnd;        // ms
     int32_t iShownUntil; // ms
     uint32_t uiText;     // where its text begins in strText
     uint32_t uiStyle;    // in astStyles
+    uint32_t uiSource;   // where it begins in the file
     uint16_t usTextBytes;
     uint16_t usBad;
     uint8_t ucOrder;
     uint8_t ucLines;
 };
-static_assert(sizeof(CaptionRecord) == 28);
+static_assert(sizeof(CaptionRecord) == 32);
 
 struct LogRecord {
     int32_t iPriority;

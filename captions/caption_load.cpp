@@ -7,6 +7,7 @@
 #include "caption_list.h"
 #include "code_page.h"
 #include "engine_reading.h"
+#include "source_place.h"
 #include "subtitle_file.h"
 #include "text_decode.h"
 
@@ -137,6 +138,8 @@ LoadResult Load_Bytes(Load &stLoad)
     std::string strHighBlock;
     stResult = Read_WithEngine(stList, stLoad.strBytes, stLoad.stOptions, strHighBlock);
     if (!stResult.Is_Good()) return stResult;
+    if ((stLoad.stOptions.uiFlags & ZYR_CAPTIONS_BOX_LINE_ENDS) == 0)
+        Place_InFile(stList.astRecords, stLoad.strBytes);
     stList.uiFirstUnreadable = Find_Unreadable(stList, stLoad.strBytes);
     stList.ucFirstUnreadable = Get_Byte(stLoad.strBytes, stList.uiFirstUnreadable);
     stList.ucFirstNotUtf8 = Get_Byte(stLoad.strBytes, stList.stRule.uiFirstInvalid);

@@ -293,6 +293,8 @@ void Add_Caption(Reading &stReading, const Block &stBlock)
     stRecord.usTextBytes = static_cast<uint16_t>(stList.strText.size() - uiText);
     stList.strText += '\0';
     stRecord.uiStyle = Keep_Style(stReading);
+    stRecord.uiSource =
+        static_cast<uint32_t>(pstQuibCaptionParserInfo->astStreamState[stBlock.uiStream].llCurrFilePos);
     stList.astRecords.push_back(stRecord);
 }
 

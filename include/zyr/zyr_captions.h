@@ -169,6 +169,8 @@ typedef struct ZyrCaption {
     uint32_t uiTextBytes;     /* without the closing zero */
     uint32_t uiLines;         /* as the engine counts them: 0..6 */
     uint32_t uiBadCharacters; /* places in the text that could not be read, each shown as U+FFFD */
+    uint32_t uiSource; /* where the caption begins in the file, bytes: its number or time line, SYNC tag
+                                 or Dialogue line; with joined classes that of the first of them */
     const ZyrCaptionStyle *pstStyle;
 } ZyrCaption;
 

@@ -151,6 +151,26 @@ TEST(CaptionList, GoesOnBehindACaptionThatCannotBeRead)
     EXPECT_EQ(strTexts, "cd");
 }
 
+// What stands at a caption's place, whatever the line ends and the width of a character.
+TEST(CaptionList, CaptionsKnowTheirPlaceInTheFile)
+{
+    static constexpr std::pair<const char *, const char *> astSamples[] = {
+        {"subrip-crlf.srt", "3\r\n00:00:07"},  {"subrip-lf.srt", "3\n00:00:07"},
+        {"subrip-utf16be.srt", "3\r\n00:00:"}, {"subrip-utf16le.srt", "3\r\n00:00:"},
+        {"sami-lf.smi", "<SYNC Start="},       {"sami-unordered.smi", "<SYNC Start="},
+        {"ssa-lf.ssa", "Dialogue: "},          {"subviewer-lf.sub", "00:00:07"},
+    };
+    for (const auto &[pszSample, pszThere] : astSamples) {
+        const std::string strBytes = Read_File(Sample(pszSample));
+        std::string strThere = strBytes.substr(Get(Load(Sample(pszSample)), 2).uiSource, 40);
+        std::erase(strThere, '\0');
+        EXPECT_EQ(strThere.substr(0, std::string_view(pszThere).size()), pszThere) << pszSample;
+    }
+    const ListPtr pstList = Load_Text(
+        "\n\r\r\n1\r00:00:01,000 --> 00:00:02,000\ra\r\r\r\n2\n00:00:03,000 --> 00:00:04,000\nb\n\n", "x.srt");
+    EXPECT_EQ(Get(pstList, 1).uiSource, 41U);
+}
+
 TEST(CaptionList, FromC)
 {
     EXPECT_EQ(Count_FromC(Sample("subrip-lf.srt").c_str()), 4U);
