@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 
 #include "text_tools.h"
 
@@ -48,8 +50,9 @@ Outcome CaptionFile::Open(const std::string &strMovie, const SourceOptions &stOp
     std::vector<const char *> apszClasses;
     for (const std::string &strClass : stOptions.astrClasses) apszClasses.push_back(strClass.c_str());
     ZyrCaptionsOptions stLoad = {};
-    const bool bAuto = Lower_Case(stOptions.strCodePage) == AUTO_CODE_PAGE;
-    stLoad.pszCodePage = bAuto ? nullptr : stOptions.strCodePage.c_str();
+    const std::string strCodePage = stOptions.strCodePage.empty() ? "CP949" : stOptions.strCodePage;
+    const bool bAuto = Lower_Case(strCodePage) == AUTO_CODE_PAGE;
+    stLoad.pszCodePage = bAuto ? nullptr : strCodePage.c_str();
     stLoad.ppszClasses = apszClasses.data();
     stLoad.uiClasses = static_cast<uint32_t>(apszClasses.size());
     if (stOptions.bRawLineEnds) stLoad.uiFlags |= ZYR_CAPTIONS_BOX_LINE_ENDS;
@@ -104,6 +107,12 @@ std::vector<uint32_t> CaptionFile::List_Classes() const
     std::sort(auiClasses.begin(), auiClasses.end(),
               [this](uint32_t uiA, uint32_t uiB) { return Get_Class(uiA).uiOrder < Get_Class(uiB).uiOrder; });
     return auiClasses;
+}
+
+std::string CaptionFile::Read_Bytes() const
+{
+    std::ifstream stFile(Get_File().pszFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stFile), {}};
 }
 
 int64_t CaptionFile::Get_End() const

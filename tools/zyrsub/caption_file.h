@@ -10,11 +10,13 @@
 #include "exit_code.h"
 #include "zyr/zyr_captions.h"
 
+constexpr uint16_t WHITE = 0xFFFF; // RGB565, the colour of captions without one
+
 constexpr const char *AUTO_CODE_PAGE = "auto"; // as an option: the likeliest code page of each file
 
 // How to read a file; the same for every command.
 struct SourceOptions {
-    std::string strCodePage = "CP949"; // or AUTO_CODE_PAGE
+    std::string strCodePage; // or AUTO_CODE_PAGE; empty: nobody said, and it is Korean
     bool bSingleByte = false;
     bool bRawLineEnds = false;
     std::vector<std::string> astrClasses; // names or indexes, in order; empty: all
@@ -30,6 +32,7 @@ struct Frame {
     int32_t iEnd = 0;     // ms; ZYR_CAPTIONS_OPEN_END
     std::vector<std::string> astrLines;
     ZyrCaptionStyle stStyle = {};
+    bool bPartStyled = false; // the author gave parts of it a style, which the list does not tell
 };
 
 class CaptionFile
@@ -46,6 +49,9 @@ public:
     Frame Read_Frame(uint32_t uiIndex) const;
     std::string Get_ClassName(uint32_t uiClass) const; // empty for none, and for those joined
     std::vector<uint32_t> List_Classes() const;        // those that were read, in their order
+
+    // The file as it is; empty when it is gone by now.
+    std::string Read_Bytes() const;
 
     // When the last caption goes; one that never does counts a few seconds.
     int64_t Get_End() const;

@@ -101,11 +101,14 @@ static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::st
         stOutput.uiFrames += Count_Captions(stTrack);
         stOutput.stLosses.Add_All(stTrack.stLosses);
     }
-    const std::string strUtf8 = stFormat.pfWrite(astTracks, stOutput.stLosses);
+    const std::string strUtf8 =
+        stFormat.pfWrite(astTracks, static_cast<int32_t>(stConvert.uiOpenMs), stOutput.stLosses);
     const std::string strText =
-        Encode_Text(strUtf8, stConvert.strEncoding, stFormat.bMark, stOutput.stLosses, astTracks);
+        Encode_Text(strUtf8, stConvert.strEncoding, stFormat, stConvert.bMark, stOutput.stLosses, astTracks);
     stOutput.uiFrames -= stOutput.stLosses.Count_LeftOut();
-    if (strFile == "-")
+    if (stConvert.bStrict && stOutput.stLosses.Has_Text())
+        stOutput.stOutcome = {E_EXIT_TEXT_LOST, "text would be lost, and with --strict nothing is written"};
+    else if (strFile == "-")
         std::fwrite(strText.data(), 1, strText.size(), stdout);
     else
         stOutput.stOutcome = Write_Safely(strFile, strText, stConvert.bForce);
@@ -118,7 +121,8 @@ static void Report_Output(const ConvertedFile &stOutput, bool bJson)
     if (bGood && !bJson && stOutput.strFile != "-")
         std::printf("%s  %s  %zu captions\n", stOutput.strFile.c_str(), stOutput.pszFormat,
                     stOutput.uiFrames);
-    if (!bGood) return Report_Problem(stOutput.strFile, stOutput.stOutcome.strText);
+    if (!bGood) Report_Problem(stOutput.strFile, stOutput.stOutcome.strText);
+    if (stOutput.stOutcome.eCode != E_EXIT_GOOD && stOutput.stOutcome.eCode != E_EXIT_TEXT_LOST) return;
     for (const std::string &strLoss : stOutput.stLosses.List()) Report_Problem(stOutput.strFile, strLoss);
 }
 
@@ -168,7 +172,9 @@ static std::vector<ExitCode> Write_Outputs(const Options &stOptions, std::vector
         const ConvertedFile stOutput = Write_Output(stConvert, strFile, astSome);
         Report_Output(stOutput, stOptions.stReport.bJson);
         stJson.Add_Output(stOutput);
-        aeCodes.push_back(stOutput.stOutcome.eCode);
+        aeCodes.push_back(stOutput.stOutcome.IsGood() && stOutput.stLosses.Has_Text()
+                              ? E_EXIT_TEXT_LOST
+                              : stOutput.stOutcome.eCode);
     };
     if (stConvert.pstFormat->bSeveral || astTracks.size() == 1) {
         pfWrite(stConvert.strFile, astTracks);
@@ -187,7 +193,7 @@ static Outcome Read_Input(const SourceOptions &stSource, const std::string &strM
     std::vector<Track> astRead;
     Outcome stRead = Read_Tracks(stSource, strMovie, astRead);
     for (Track &stTrack : astRead)
-        if (!stTrack.astFrames.empty())
+        if (Count_Captions(stTrack) > 0)
             astTracks.push_back(std::move(stTrack));
         else if (stRead.IsGood())
             stRead = {E_EXIT_SOME_FAILED,
@@ -231,9 +237,13 @@ static ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
     const Outcome stFits = Check_Tracks(stConvert, astTracks);
     if (!stFits.IsGood()) return Refuse(stFits, stJson);
     for (Track &stTrack : astTracks) Retime_Track(stTrack, stConvert.dScale, stConvert.llShift);
+    const ExitCode eRead = Combine_Codes(aeCodes);
     const std::vector<ExitCode> aeWritten = Write_Outputs(stOptions, astTracks, stJson);
-    aeCodes.insert(aeCodes.end(), aeWritten.begin(), aeWritten.end());
-    return Combine_Codes(aeCodes);
+    for (const ExitCode eCode : aeWritten) // what was written with losses is no failure beside what was not
+        if (eCode != E_EXIT_TEXT_LOST) aeCodes.push_back(eCode);
+    const bool bLost = std::find(aeWritten.begin(), aeWritten.end(), E_EXIT_TEXT_LOST) != aeWritten.end();
+    const ExitCode eAll = Combine_Codes(aeCodes);
+    return eRead == E_EXIT_GOOD && eAll == E_EXIT_GOOD && bLost ? E_EXIT_TEXT_LOST : eAll;
 }
 
 ExitCode Run_Convert(const Options &stOptions)

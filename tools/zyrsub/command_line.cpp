@@ -18,8 +18,8 @@ static constexpr const char *MAIN_FOOTER = R"(Examples:
 
 "zyrsub COMMAND --help" tells more about each command.
 
-Exit codes: 0 good, 1 some inputs failed, 2 wrong use, 3 not found or not readable, 4 not a subtitle
-that can be read.)";
+Exit codes: 0 good, 1 some inputs failed, 2 wrong use, 3 not found or not readable (convert: text was lost),
+4 not a subtitle that can be read.)";
 
 static constexpr const char *INFO_FOOTER = R"(Examples:
   zyrsub info movie.srt              one file
@@ -108,8 +108,7 @@ static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSevera
         ->type_name("");
     pstApp
         ->add_option("--codepage", stSource.strCodePage,
-                     "code page of text without a Unicode encoding; auto: what it looks like")
-        ->capture_default_str()
+                     "code page of text without a Unicode encoding; auto: what it looks like [CP949]")
         ->type_name("NAME");
     pstApp->add_flag("--single-byte", stSource.bSingleByte, "every byte of such text is one character");
     pstApp->add_flag("--raw-line-ends", stSource.bRawLineEnds,

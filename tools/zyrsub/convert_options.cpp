@@ -14,8 +14,8 @@ static constexpr const char *CONVERT_FOOTER = R"(Examples:
   zyrsub convert movie.srt --shift -1.5s --scale 25/23.976 -o fixed.srt
   zyrsub convert movie.srt --to vtt -o -                     to standard output
 
-An existing file is replaced only with --force. Texts and times are written, styles (colour, bold, place) are
-not. What else the format cannot hold is told on standard error.)";
+An existing file is replaced only with --force. What does not come along is counted and told on standard error;
+where that is text, the exit code is 3, and --strict writes nothing.)";
 
 static bool Read_Shift(const std::string &strText, int64_t &llShift)
 {
@@ -24,6 +24,13 @@ static bool Read_Shift(const std::string &strText, int64_t &llShift)
     if (!uiMs) return false;
     llShift = bSign && strText[0] == '-' ? -int64_t{*uiMs} : int64_t{*uiMs};
     return true;
+}
+
+static bool Read_Time(const std::string &strText, uint32_t &uiMs)
+{
+    const std::optional<uint32_t> uiRead = Parse_Time(strText);
+    uiMs = uiRead.value_or(0);
+    return uiRead.has_value();
 }
 
 static double Read_Number(std::string_view strText)
@@ -105,6 +112,10 @@ void Add_ConvertOptions(CLI::App *pstApp, ConvertOptions &stConvert)
             },
             "of the file to write: UTF-8, UTF-16LE, UTF-16BE or a code page [UTF-8]")
         ->type_name("NAME");
+    Add_Checked(pstApp, "--open-end", "how long a caption stays whose end nothing tells [5s]", "T",
+                stConvert.uiOpenMs, Read_Time);
+    pstApp->add_flag("--bom", stConvert.bMark, "begin UTF-8 with a byte order mark");
+    pstApp->add_flag("--strict", stConvert.bStrict, "write nothing where text would be lost");
     pstApp->add_flag("--force", stConvert.bForce, "replace an existing file");
     pstApp->parse_complete_callback([&stConvert] { Choose_Format(stConvert); });
     pstApp->footer(CONVERT_FOOTER);

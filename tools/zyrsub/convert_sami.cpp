@@ -69,11 +69,11 @@ static std::string Write_Head(std::span<const Track> astTracks)
     return strOut + "-->\r\n</STYLE>\r\n</HEAD>\r\n<BODY>\r\n";
 }
 
-std::string Write_Sami(std::span<const Track> astTracks, Losses &stLosses)
+std::string Write_Sami(std::span<const Track> astTracks, int32_t /*iOpenMs*/, Losses &stLosses)
 {
     std::vector<SamiFrame> astFrames;
     for (const Track &stTrack : astTracks) {
-        Note_MarkupLosses(stTrack, stLosses);
+        Note_MarkupLosses(stTrack, true, stLosses);
         Lay_OutTrack(stTrack, astFrames, stLosses);
     }
     Note_Sparse(astTracks, astFrames, stLosses);

@@ -8,31 +8,36 @@
 
 #include "caption_file.h"
 
-// What an output cannot hold, and how often.
+// What does not come along, and in how many captions.
 class Losses
 {
 public:
-    void Add(const std::string &strWhat, size_t uiTimes = 1)
-    {
-        if (uiTimes > 0) m_auiTimes[strWhat] += uiTimes;
-    }
+    struct Loss {
+        size_t uiTimes = 0;
+        bool bText = false; // words of the author, not only how they look or when they are shown
+    };
+    void Add(const std::string &strWhat, size_t uiTimes = 1) { Add_Loss(strWhat, {uiTimes, false}); }
+    void Add_Text(const std::string &strWhat, size_t uiTimes = 1) { Add_Loss(strWhat, {uiTimes, true}); }
     // The caption is not written at all.
     void Add_LeftOut(const std::string &strWhy)
     {
-        Add("left out, as " + strWhy);
+        Add_Text("left out, as " + strWhy);
         ++m_uiLeftOut;
     }
     void Add_All(const Losses &stOther)
     {
-        for (const auto &[strWhat, uiTimes] : stOther.m_auiTimes) Add(strWhat, uiTimes);
+        for (const auto &[strWhat, stLoss] : stOther.m_astLosses) Add_Loss(strWhat, stLoss);
     }
     size_t Count_LeftOut() const { return m_uiLeftOut; }
-    const std::map<std::string, size_t> &Get() const { return m_auiTimes; }
+    bool Has_Text() const;
+    const std::map<std::string, Loss> &Get() const { return m_astLosses; }
     // "3 captions: an end ..."
     std::vector<std::string> List() const;
 
 private:
-    std::map<std::string, size_t> m_auiTimes;
+    void Add_Loss(const std::string &strWhat, Loss stLoss);
+
+    std::map<std::string, Loss> m_astLosses;
     size_t m_uiLeftOut = 0;
 };
 
@@ -40,7 +45,7 @@ struct Track {
     std::string strClass; // empty: unnamed
     std::string strMovie; // the input that it is from
     std::vector<Frame> astFrames;
-    Losses stLosses = {}; // by new times
+    Losses stLosses = {}; // by reading, and by new times
 };
 
 // Every language of the input, or those that the source's options name, each read by itself.

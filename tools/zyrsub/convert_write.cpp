@@ -4,13 +4,12 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "style_text.h"
 #include "text_encode.h"
 #include "text_tools.h"
 #include "time_text.h"
 
 using nlohmann::ordered_json;
-
-static constexpr int64_t LAST_CAPTION_MS = 5000; // how long a caption without an end is left on screen
 
 static constexpr OutputFormat FORMATS[] = {
     {"srt", "SubRip", " .srt ", false, true, true, Write_SubRip},
@@ -80,7 +79,7 @@ std::string Choose_Encoding(const std::string &strName)
 }
 
 // What the encoding does not have, caption by caption.
-static void Note_EncodingLosses(const Track &stTrack, const std::string &strEncoding, bool bMark,
+static void Note_EncodingLosses(const Track &stTrack, const std::string &strEncoding, bool bForPlayers,
                                 Losses &stLosses)
 {
     const Converter stConverter(strEncoding, "UTF-8");
@@ -90,21 +89,23 @@ static void Note_EncodingLosses(const Track &stTrack, const std::string &strEnco
         const bool bBeyondBmp = std::any_of(strText.begin(), strText.end(), [](char cChar) {
             return static_cast<uint8_t>(cChar) >= 0xF0; // leads a character above U+FFFF
         });
-        if (bUtf8 && bMark && bBeyondBmp)
-            stLosses.Add("players read no character above U+FFFF from UTF-8; --encoding UTF-16LE keeps it");
+        if (bUtf8 && bForPlayers && bBeyondBmp)
+            stLosses.Add("the box reads no character beyond U+FFFF from UTF-8; --encoding UTF-16LE keeps it");
         if (!bUtf8 && stConverter.Convert(strText, 1, "\x01") != Encode_Characters(strText, stConverter))
-            stLosses.Add("characters that the encoding does not have are written as '?'");
+            stLosses.Add_Text("characters that the encoding does not have are written as '?'");
     }
 }
 
-std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding, bool bMark,
-                        Losses &stLosses, std::span<const Track> astTracks)
+std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding,
+                        const OutputFormat &stFormat, bool bMark, Losses &stLosses,
+                        std::span<const Track> astTracks)
 {
     static constexpr const char *MARK = "\xEF\xBB\xBF";
     const bool bUtf8 = strEncoding == "UTF-8";
     const bool bUtf16 = Is_Utf16(strEncoding);
     if (!bUtf16)
-        for (const Track &stTrack : astTracks) Note_EncodingLosses(stTrack, strEncoding, bMark, stLosses);
+        for (const Track &stTrack : astTracks)
+            Note_EncodingLosses(stTrack, strEncoding, stFormat.bForPlayers, stLosses);
     if (bUtf8) return bMark ? MARK + strUtf8 : strUtf8;
     const Converter stConverter(strEncoding, "UTF-8");
     return bUtf16 ? stConverter.Convert(MARK + strUtf8, 1, "") : Encode_Characters(strUtf8, stConverter);
@@ -159,12 +160,21 @@ static std::string Join_Escaped(const Frame &stFrame, const char *pszBreak, bool
     return strOut;
 }
 
-void Note_MarkupLosses(const Track &stTrack, Losses &stLosses)
+// The bits that stand for a place on screen; the middle below is where captions stand anyway.
+static constexpr uint32_t PLACES =
+    ZYR_CAPTIONS_LEFT | ZYR_CAPTIONS_RIGHT | ZYR_CAPTIONS_TOP | ZYR_CAPTIONS_MIDDLE;
+static constexpr uint32_t LETTERS = ZYR_CAPTIONS_BOLD | ZYR_CAPTIONS_ITALIC | ZYR_CAPTIONS_UNDERLINE;
+
+void Note_MarkupLosses(const Track &stTrack, bool bColor, Losses &stLosses)
 {
-    static constexpr uint16_t WHITE = 0xFFFF;
     for (const Frame &stFrame : stTrack.astFrames) {
-        if (stFrame.stStyle.uiDisplayMode != 0 || stFrame.stStyle.usColor != WHITE)
-            stLosses.Add("its style (colour, bold, place and so on) is not written");
+        const ZyrCaptionStyle &stStyle = stFrame.stStyle;
+        const bool bHeading = (stStyle.uiDisplayMode & ~(PLACES | LETTERS | ZYR_CAPTIONS_CENTER)) != 0;
+        if (stFrame.astrLines.empty()) continue;
+        if (stFrame.bPartStyled) stLosses.Add("the style of a part of it is not known, and is not written");
+        if ((stStyle.uiDisplayMode & PLACES) != 0) stLosses.Add("its place on screen is not written");
+        if (bHeading || (!bColor && stStyle.usColor != WHITE))
+            stLosses.Add("its size or colour is not written");
         const auto pfEmpty = [](const std::string &strLine) {
             return strLine.find_first_not_of(" \t") == std::string::npos;
         };
@@ -173,25 +183,22 @@ void Note_MarkupLosses(const Track &stTrack, Losses &stLosses)
     }
 }
 
-std::string Write_SubRip(std::span<const Track> astTracks, Losses &stLosses)
+// A caption's text between the tags that its style has.
+static std::string Add_Tags(const ZyrCaptionStyle &stStyle, bool bColor, const std::string &strText)
 {
-    std::string strOut;
-    size_t uiNumber = 0;
-    const Track &stTrack = astTracks.front();
-    Note_MarkupLosses(stTrack, stLosses);
-    for (const Frame &stFrame : stTrack.astFrames) {
-        if (stFrame.iEnd == OPEN_END)
-            stLosses.Add("it has no end, and gets the last time there is, 596:31:23,647");
-        const std::string strText = Join_Escaped(stFrame, "\r\n", false);
-        strOut += std::to_string(++uiNumber) + "\r\n" + Format_Clock(stFrame.iStart, 2, ',') + " --> " +
-                  Format_Clock(stFrame.iEnd, 2, ',') + "\r\n" + strText + (strText.empty() ? "" : "\r\n") +
-                  "\r\n";
-    }
-    return strOut;
+    static constexpr std::pair<uint32_t, const char *> TAGS[] = {
+        {ZYR_CAPTIONS_BOLD, "b"}, {ZYR_CAPTIONS_ITALIC, "i"}, {ZYR_CAPTIONS_UNDERLINE, "u"}};
+    if (strText.empty()) return strText;
+    std::string strOut = strText;
+    for (const auto &[uiBit, pszTag] : TAGS)
+        if ((stStyle.uiDisplayMode & uiBit) != 0)
+            strOut = std::string("<") + pszTag + ">" + strOut + "</" + pszTag + ">";
+    if (!bColor || stStyle.usColor == WHITE) return strOut;
+    return "<font color=\"" + Format_Color(stStyle.usColor) + "\">" + strOut + "</font>";
 }
 
 // In order of their starts, with an end for each.
-static std::vector<Frame> Close_Ends(const Track &stTrack, Losses &stLosses)
+static std::vector<Frame> Close_Ends(const Track &stTrack, int32_t iOpenMs, Losses &stLosses)
 {
     std::vector<Frame> astFrames = stTrack.astFrames;
     std::stable_sort(astFrames.begin(), astFrames.end(),
@@ -200,19 +207,33 @@ static std::vector<Frame> Close_Ends(const Track &stTrack, Losses &stLosses)
         Frame &stFrame = astFrames[uiFrame];
         if (stFrame.iEnd != OPEN_END) continue;
         const bool bLast = uiFrame + 1 == astFrames.size();
-        const int64_t llEnd = bLast ? stFrame.iStart + LAST_CAPTION_MS : astFrames[uiFrame + 1].iStart;
+        const int64_t llEnd = bLast ? int64_t{stFrame.iStart} + iOpenMs : astFrames[uiFrame + 1].iStart;
         stFrame.iEnd = static_cast<int32_t>(std::min<int64_t>(llEnd, OPEN_END - 1));
-        if (!stFrame.astrLines.empty())
-            stLosses.Add("it has no end, and gets the next start, or 5 seconds as the last one");
+        if (!stFrame.astrLines.empty() && bLast)
+            stLosses.Add("it has no end, and stays for the time of --open-end");
     }
     return astFrames;
 }
 
-std::string Write_WebVtt(std::span<const Track> astTracks, Losses &stLosses)
+std::string Write_SubRip(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses)
+{
+    std::string strOut;
+    size_t uiNumber = 0;
+    Note_MarkupLosses(astTracks.front(), true, stLosses);
+    for (const Frame &stFrame : Close_Ends(astTracks.front(), iOpenMs, stLosses)) {
+        if (stFrame.astrLines.empty()) continue; // nothing is on screen without an entry
+        strOut += std::to_string(++uiNumber) + "\r\n" + Format_Clock(stFrame.iStart, 2, ',') + " --> " +
+                  Format_Clock(stFrame.iEnd, 2, ',') + "\r\n" +
+                  Add_Tags(stFrame.stStyle, true, Join_Escaped(stFrame, "\r\n", false)) + "\r\n\r\n";
+    }
+    return strOut;
+}
+
+std::string Write_WebVtt(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses)
 {
     std::string strOut = "WEBVTT\n";
-    Note_MarkupLosses(astTracks.front(), stLosses);
-    for (const Frame &stFrame : Close_Ends(astTracks.front(), stLosses)) {
+    Note_MarkupLosses(astTracks.front(), false, stLosses);
+    for (const Frame &stFrame : Close_Ends(astTracks.front(), iOpenMs, stLosses)) {
         if (stFrame.astrLines.empty()) continue; // nothing is on screen without a cue
         if (stFrame.iEnd <= stFrame.iStart) {
             stLosses.Add_LeftOut("it does not end after it begins");
@@ -220,12 +241,12 @@ std::string Write_WebVtt(std::span<const Track> astTracks, Losses &stLosses)
         }
         strOut.append("\n").append(Format_Clock(stFrame.iStart, 2, '.')).append(" --> ");
         strOut.append(Format_Clock(stFrame.iEnd, 2, '.')).append("\n");
-        strOut.append(Join_Escaped(stFrame, "\n", true)).append("\n");
+        strOut.append(Add_Tags(stFrame.stStyle, false, Join_Escaped(stFrame, "\n", true))).append("\n");
     }
     return strOut;
 }
 
-std::string Write_Text(std::span<const Track> astTracks, Losses & /*stLosses*/)
+std::string Write_Text(std::span<const Track> astTracks, int32_t /*iOpenMs*/, Losses & /*stLosses*/)
 {
     std::string strOut;
     for (const Frame &stFrame : astTracks.front().astFrames)
@@ -253,7 +274,8 @@ static std::string Write_SsaLine(const std::string &strLine, Losses &stLosses)
                          strLine.starts_with(' ') || strLine.ends_with(' ');
     if (bFolded) stLosses.Add("SSA reads runs of blanks as one, and none at the edges of a line");
     if (bChanged)
-        stLosses.Add("SSA has no { } backslash or line end inside a line; they become ( ) / and a blank");
+        stLosses.Add_Text(
+            "SSA has no { } backslash or line end inside a line; they become ( ) / and a blank");
     return strOut;
 }
 
@@ -268,12 +290,12 @@ static std::string Format_SsaTime(int64_t llHundredths)
 static std::string Write_SsaTimes(const Frame &stFrame, Losses &stLosses)
 {
     static constexpr int64_t LAST = 3599999; // 9:59:59.99
-    if (stFrame.iEnd == OPEN_END) stLosses.Add("it has no end, and gets the last time of SSA, 9:59:59.99");
-    const bool bRounded = stFrame.iStart % 10 != 0 || (stFrame.iEnd != OPEN_END && stFrame.iEnd % 10 != 0);
+    const bool bRounded = stFrame.iStart % 10 != 0 || stFrame.iEnd % 10 != 0;
     if (bRounded) stLosses.Add("SSA counts in hundredths of a second; its times are rounded");
     const int64_t llStart = (int64_t{stFrame.iStart} + 5) / 10;
     const int64_t llEnd = (int64_t{stFrame.iEnd} + 5) / 10;
-    if (stFrame.iEnd < stFrame.iStart) stLosses.Add("it ends before it begins, and loses its text in SSA");
+    if (stFrame.iEnd < stFrame.iStart)
+        stLosses.Add_Text("it ends before it begins, and loses its text in SSA");
     if (llStart == 0) stLosses.Add("SSA captions that start at 0 are never shown; it starts at 10 ms");
     if (llStart > LAST) stLosses.Add("SSA ends at ten hours; it is written as 9:59:59.99");
     std::string strTimes = Format_SsaTime(std::clamp<int64_t>(llStart, 1, LAST));
@@ -281,7 +303,20 @@ static std::string Write_SsaTimes(const Frame &stFrame, Losses &stLosses)
     return strTimes.append(",").append(Format_SsaTime(std::min(llShown, LAST)));
 }
 
-std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses)
+// The overrides of SSA count colours as blue, green, red.
+static std::string Write_SsaStyle(const ZyrCaptionStyle &stStyle)
+{
+    std::string strOut;
+    if ((stStyle.uiDisplayMode & ZYR_CAPTIONS_BOLD) != 0) strOut += "\\b1";
+    if ((stStyle.uiDisplayMode & ZYR_CAPTIONS_ITALIC) != 0) strOut += "\\i1";
+    if (stStyle.usColor != WHITE) {
+        const std::string strColor = Format_Color(stStyle.usColor);
+        strOut += "\\c&H" + strColor.substr(5, 2) + strColor.substr(3, 2) + strColor.substr(1, 2) + "&";
+    }
+    return strOut.empty() ? "" : "{" + strOut + "}";
+}
+
+std::string Write_Ssa(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses)
 {
     std::string strOut =
         "[Script Info]\r\nScriptType: v4.00\r\n\r\n[V4 Styles]\r\n"
@@ -289,13 +324,13 @@ std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses)
         "Italic, BorderStyle, Outline, Shadow, Alignment, MarginL, MarginR, MarginV, AlphaLevel, Encoding\r\n"
         "Style: Default,Arial,20,16777215,16777215,16777215,0,0,0,1,2,0,2,20,20,20,0,0\r\n\r\n[Events]\r\n"
         "Format: Marked, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\r\n";
-    Note_MarkupLosses(astTracks.front(), stLosses);
-    std::vector<Frame> astFrames = astTracks.front().astFrames;
-    std::stable_sort(astFrames.begin(), astFrames.end(),
-                     [](const Frame &stA, const Frame &stB) { return stA.iStart < stB.iStart; });
-    for (const Frame &stFrame : astFrames) {
+    Note_MarkupLosses(astTracks.front(), true, stLosses);
+    for (const Frame &stFrame : Close_Ends(astTracks.front(), iOpenMs, stLosses)) {
+        if (stFrame.astrLines.empty()) continue;
         strOut.append("Dialogue: Marked=0,").append(Write_SsaTimes(stFrame, stLosses));
-        strOut += ",Default,,0,0,0,,";
+        strOut += ",Default,,0,0,0,," + Write_SsaStyle(stFrame.stStyle);
+        if ((stFrame.stStyle.uiDisplayMode & ZYR_CAPTIONS_UNDERLINE) != 0)
+            stLosses.Add("SSA has no underlines");
         for (size_t uiLine = 0; uiLine < stFrame.astrLines.size(); ++uiLine)
             strOut.append(uiLine > 0 ? "\\N" : "").append(Write_SsaLine(stFrame.astrLines[uiLine], stLosses));
         strOut += "\r\n";
@@ -303,16 +338,21 @@ std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses)
     return strOut;
 }
 
-std::string Write_Json(std::span<const Track> astTracks, Losses & /*stLosses*/)
+std::string Write_Json(std::span<const Track> astTracks, int32_t /*iOpenMs*/, Losses &stLosses)
 {
     ordered_json jsTracks = ordered_json::array();
     for (const Track &stTrack : astTracks) {
         ordered_json jsFrames = ordered_json::array();
-        for (const Frame &stFrame : stTrack.astFrames)
+        for (const Frame &stFrame : stTrack.astFrames) {
+            if (stFrame.bPartStyled)
+                stLosses.Add("the style of a part of it is not known, and is not written");
             jsFrames.push_back(
                 {{"start", stFrame.iStart},
                  {"end", stFrame.iEnd == OPEN_END ? ordered_json() : ordered_json(stFrame.iEnd)},
-                 {"lines", stFrame.astrLines}});
+                 {"lines", stFrame.astrLines},
+                 {"display_mode", List_DisplayModes(stFrame.stStyle.uiDisplayMode)},
+                 {"colour", Format_Color(stFrame.stStyle.usColor)}});
+        }
         jsTracks.push_back(
             {{"movie", stTrack.strMovie}, {"class", stTrack.strClass}, {"frames", std::move(jsFrames)}});
     }
@@ -322,5 +362,6 @@ std::string Write_Json(std::span<const Track> astTracks, Losses & /*stLosses*/)
 
 std::string Escape_SamiText(const Frame &stFrame)
 {
-    return stFrame.astrLines.empty() ? "&nbsp;" : Join_Escaped(stFrame, "<br>", true);
+    return stFrame.astrLines.empty() ? "&nbsp;"
+                                     : Add_Tags(stFrame.stStyle, true, Join_Escaped(stFrame, "<br>", true));
 }

@@ -12,9 +12,9 @@ struct OutputFormat {
     const char *pszTitle;   // for people
     const char *pszEndings; // in lower case, each between blanks
     bool bSeveral;          // holds several languages
-    bool bMark;             // a byte order mark makes its readers see UTF-8
+    bool bForPlayers;       // the box reads it
     bool bCodePages;        // may be something else than UTF-8
-    std::string (*pfWrite)(std::span<const Track>, Losses &);
+    std::string (*pfWrite)(std::span<const Track>, int32_t iOpenMs, Losses &);
 };
 
 std::span<const OutputFormat> List_OutputFormats();
@@ -30,19 +30,21 @@ bool Is_Unicode(const std::string &strEncoding);
 
 // The text, which is UTF-8, in a chosen encoding; what it cannot hold becomes "?"; the tracks tell in how many
 // captions.
-std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding, bool bMark,
-                        Losses &stLosses, std::span<const Track> astTracks);
+std::string Encode_Text(const std::string &strUtf8, const std::string &strEncoding,
+                        const OutputFormat &stFormat, bool bMark, Losses &stLosses,
+                        std::span<const Track> astTracks);
 
-// The writers. All but SAMI and JSON take one track. Style is not written: frames carry only how it ended.
-std::string Write_SubRip(std::span<const Track> astTracks, Losses &stLosses);
-std::string Write_WebVtt(std::span<const Track> astTracks, Losses &stLosses);
-std::string Write_Sami(std::span<const Track> astTracks, Losses &stLosses);
-std::string Write_Ssa(std::span<const Track> astTracks, Losses &stLosses);
-std::string Write_Json(std::span<const Track> astTracks, Losses &stLosses);
-std::string Write_Text(std::span<const Track> astTracks, Losses &stLosses);
+// The writers. All but SAMI and JSON take one track. A caption whose end is open stays until the next one, or for
+// iOpenMs (ms).
+std::string Write_SubRip(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses);
+std::string Write_WebVtt(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses);
+std::string Write_Sami(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses);
+std::string Write_Ssa(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses);
+std::string Write_Json(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses);
+std::string Write_Text(std::span<const Track> astTracks, int32_t iOpenMs, Losses &stLosses);
 
-// What a format with tags and folded blanks loses of every track.
-void Note_MarkupLosses(const Track &stTrack, Losses &stLosses);
+// What a format with tags and folded blanks loses of every track; bColor: its tags know colours.
+void Note_MarkupLosses(const Track &stTrack, bool bColor, Losses &stLosses);
 
 // The text of a SAMI paragraph.
 std::string Escape_SamiText(const Frame &stFrame);

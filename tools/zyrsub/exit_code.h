@@ -9,6 +9,7 @@ enum ExitCode : int {
     E_EXIT_SOME_FAILED = 1,
     E_EXIT_USAGE = 2,
     E_EXIT_NOT_FOUND = 3,
+    E_EXIT_TEXT_LOST = 3, // of convert: written, but not all of the text
     E_EXIT_NOT_SUBTITLE = 4,
 };
 

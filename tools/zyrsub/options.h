@@ -49,7 +49,10 @@ struct ConvertOptions {
     const OutputFormat *pstFormat = nullptr;
     int64_t llShift = 0; // ms
     double dScale = 1;
+    uint32_t uiOpenMs = 5000; // how long a caption stays whose end nothing tells
     bool bForce = false;
+    bool bMark = false;   // a byte order mark before UTF-8
+    bool bStrict = false; // write nothing that loses text
 };
 
 struct Options {

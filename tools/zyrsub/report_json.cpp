@@ -49,11 +49,12 @@ void JsonReport::Add_Error(const Outcome &stOutcome)
 void JsonReport::Add_Output(const ConvertedFile &stOutput)
 {
     ordered_json jsLosses = ordered_json::array();
-    for (const auto &[strWhat, uiTimes] : stOutput.stLosses.Get())
-        jsLosses.push_back({{"what", strWhat}, {"captions", uiTimes}});
+    for (const auto &[strWhat, stLoss] : stOutput.stLosses.Get())
+        jsLosses.push_back({{"what", strWhat}, {"captions", stLoss.uiTimes}, {"text", stLoss.bText}});
     ordered_json jsOutput = {{"file", stOutput.strFile},
                              {"format", stOutput.pszFormat},
                              {"captions", stOutput.uiFrames},
+                             {"text_lost", stOutput.stLosses.Has_Text()},
                              {"losses", std::move(jsLosses)}};
     if (!stOutput.stOutcome.IsGood()) {
         jsOutput["error"] = Describe_Error(stOutput.stOutcome);

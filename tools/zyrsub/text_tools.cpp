@@ -28,6 +28,17 @@ std::string Lower_Case(std::string strText)
     return strText;
 }
 
+bool Has_VisibleText(std::string_view strUtf8)
+{
+    static constexpr std::string_view NO_BREAK_SPACE = "\xC2\xA0";
+    while (!strUtf8.empty()) {
+        const bool bNoBreak = strUtf8.starts_with(NO_BREAK_SPACE);
+        if (static_cast<uint8_t>(strUtf8[0]) > ' ' && !bNoBreak) return true;
+        strUtf8.remove_prefix(bNoBreak ? NO_BREAK_SPACE.size() : 1);
+    }
+    return false;
+}
+
 std::vector<std::string> Split_Lines(std::string_view strText)
 {
     std::vector<std::string> astrLines;

@@ -19,6 +19,9 @@ inline bool Is_High(char cByte)
 // Of ASCII letters alone, so that no locale has a say.
 std::string Lower_Case(std::string strText);
 
+// A character beyond blanks is in it.
+bool Has_VisibleText(std::string_view strUtf8);
+
 std::vector<std::string> Split_Lines(std::string_view strText);
 std::string Join_Lines(std::span<const std::string> astrLines, std::string_view strBetween);
 
