@@ -385,6 +385,14 @@ void Commit_UsualText(const UsualText &stText, const UsualForm &stForm)
     ++s_uiUsualEntries;
 }
 
+bool Take_UsualUnit(UsualText &stText, uint16_t *pusUnit)
+{
+    if (stText.pucEnd - stText.pucByte < USUAL_AHEAD) return false;
+    const uint32_t uiBytes = Decode_Unit(stText, stText.pucByte, pusUnit);
+    stText.pucByte += uiBytes;
+    return uiBytes != 0;
+}
+
 UsualStep Break_UsualLine(UsualText &stText)
 {
     if (stText.uiLines == ZYR_LINE_MAX) return E_USUAL_ODD; // the log tells that

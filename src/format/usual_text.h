@@ -89,6 +89,9 @@ struct UsualForm {
  */
 bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits);
 
+/** Take the next unit of an entry's head. @return whether it is sure */
+bool Take_UsualUnit(UsualText &stText, uint16_t *pusUnit);
+
 /** Take text up to the entry's end. @return whether the entry is usual to its end */
 bool Take_UsualText(UsualText &stText, const UsualForm &stForm);
 

@@ -113,3 +113,17 @@ int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd)
         return static_cast<int32_t>(pucByte + 2 * uiUnitBytes - stStream.pucStreamBuf);
     }
 }
+
+int32_t Find_LineEnd(uint32_t uiSkipUnits)
+{
+    const CaptionStreamInfo &stStream = Get_StreamInfo();
+    const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
+    const uint32_t uiUnitBytes = Get_UnitBytes();
+    const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
+    const uint8_t *pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * uiUnitBytes;
+    pucByte = Find_Unit(Get_TextKind(), pucByte, pucEnd, '\r', '\r');
+    if (pucByte == nullptr) return -1;
+    pucByte += uiUnitBytes;
+    if (pucByte[uiLow] != '\n' || (uiUnitBytes > 1 && pucByte[1 - uiLow] != 0)) return -1;
+    return static_cast<int32_t>(pucByte + uiUnitBytes - stStream.pucStreamBuf);
+}

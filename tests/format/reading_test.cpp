@@ -62,6 +62,30 @@ const FileKind KINDS[] = {
       "perhaps even "
       "at two of them or at three of them<br>1<br>2<br>3<br>4<br>\r\n",
       "<SYNC Start=9500><P Class=KRCC>1<br>2<br>3<br>4<br>5<br>6<br>7\r\n", "</BODY></SAMI>\r\n"}},
+    {".ssa",
+     "[Script Info]\r\nTitle: x\r\n[v4 Styles]\r\n"
+     "Style: Default,Arial,20,16777215,65535,65535,0,-1,0,1,2,2,2,30,30,10,0,0\r\n"
+     "Style: 제목,Times New Roman,18,&H00FFFF,65535,65535,0,0,1,1,2,0,6,30,30,10,0,0\r\n"
+     "[Events]\r\nFormat: Marked, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\r\n",
+     {"Dialogue: Marked=0,0:00:01.00,0:00:02.43,Default,NTP,0000,0000,0000,,One line of words\r\n",
+      "Dialogue: Marked=1,0:00:03.00,0:00:04.00,Default,NTP,0000,0000,0000,,Two  lines, \\N one\\nmore \r\n",
+      "Dialogue: 3,1:02:03.04,1:02:05.67,제목,두 사람,12,0,7,,{\\i1}slanted{\\b1\\i0} "
+      "{\\c&H0000FF&}red\\h{\\r}x\r\n",
+      "Dialogue: 0,0:00:02.50,0:00:04.50,None,A B,0,0,0,Scroll up;10;100;5;,한국어 자막 "
+      "\\N{\\a6}と日本語、é\t\tñ\r\n",
+      "Dialogue: 0,0:00:05.00,0:00:06.00,,,0,0,0,Banner;20,\r\n",
+      "Dialogue: 0,0:00:00.00,0:00:06.00,,,0,0,0,,no start\r\n",
+      "Dialogue: 0,0:00:05.50,0:00:00.00,,,0,0,0,,no end\r\n",
+      "Dialogue: 0,10:00:05.50,0:0:6.00,Default,,0,0,0,,two hours' digits\r\n",
+      "Comment: 0,0:00:05.50,0:00:06.00,Default,,0,0,0,,not shown\r\n",
+      "; nor this\r\n[Fonts]\r\nfontname: x\r\nM0123456789\r\n[Events]\r\n",
+      "Dialogue: Marked=0,0:00:07.00,0:00:08.00,Default,NTP,0000,0000,0000,,A line that is so long that it "
+      "must "
+      "be wrapped at one of its blanks, perhaps even at two of them or at three of "
+      "them.{\\pos(3,4)}{\\fs30}\r\n",
+      "Dialogue: "
+      "Marked=0,0:00:09.00,0:00:09.50,Default,NTP,0000,0000,0000,,1\\N2\\N\\N3\\N\t\\N4\\N5\\N6\\N7\r\n"
+      "Style: Default,Arial,30,255,0,0,0,0,0,0,0,0,1,0,0,0,0,0\r\n"}},
 };
 
 /** Pieces that bend an entry. */
@@ -86,7 +110,10 @@ const char *const PIECES[] = {"<",
                               "{",
                               "}",
                               "{\\b1}",
+                              "{\\i1}{\\fs}",
                               "\\N",
+                              "\\",
+                              "0",
                               "[br]",
                               "[",
                               "1",
@@ -166,6 +193,9 @@ protected:
             stInfo.uiDisplayMode, stInfo.uiFontSize, stInfo.usFontColor, stInfo.usOutlineColor,
             stInfo.uiHighlight, stInfo.uiOutStreamIndex, stInfo.iOutStartPTS, stInfo.iOutEndPTS,
             stInfo.uiOutLineNums, stInfo.uiOutTextLength});
+        strRecord += std::string(reinterpret_cast<const char *>(&stInfo.stSSAFrameInfo),
+                                 offsetof(SSAFrameInfo, pstStyle));
+        strRecord += stInfo.stSSAFrameInfo.pstStyle == nullptr ? "no style" : "a style";
         strRecord += testing::PrintToString(
             std::vector<uint32_t>(stInfo.puiLineLength, stInfo.puiLineLength + ZYR_LINE_MAX));
         for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {

@@ -4,9 +4,10 @@
 
 #include <cstring>
 
+#include "format/ssa/frame_list.h"
 #include "format/ssa/ssa_line.h"
+#include "format/ssa/ssa_usual.h"
 #include "format/ssa/style_list.h"
-#include "markup/caption_text.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
 #include "zyr_log.h"
@@ -66,46 +67,6 @@ struct HeaderScan {
     uint32_t uiField;     // of the Style line
     SSAStyleInfo stStyle; // the Style line so far
 };
-
-constexpr StopUnits CR_STOP = {1, {'\r'}, false};
-constexpr StopUnits LF_STOP = {1, {'\n'}, false};
-constexpr StopUnits SECTION_STOP = {1, {'['}, false};
-constexpr StopUnits KEY_STOPS = {4, {'\r', ':', ';', '['}, false};
-constexpr StopUnits MARKED_STOPS = {2, {'\r', ','}, false};
-constexpr StopUnits START_STOPS = {3, {'\r', ',', ' '}, false};
-constexpr StopUnits STYLE_STOPS = {4, {'\r', ',', ';', ' '}, false};
-
-/** Put a unit into the tag buffer. @return whether that has filled it. */
-bool Hold_Unit(uint16_t usChar)
-{
-    Collect_TagUnit(usChar, TAG_BUF_UNITS);
-    return s_pstTagControlInfo->uiTagLength == TAG_BUF_UNITS;
-}
-
-/** Double-byte characters, as the reader gives them in raw mode. */
-void Hide_DoubleBytes(uint16_t *pusUnits, uint32_t uiNums)
-{
-    if (s_uiTextEncoding != E_TEXT_ENCODING_ANSI) return;
-    for (uint32_t uiPos = 0; uiPos < uiNums; ++uiPos)
-        if (pusUnits[uiPos] > 0xFF) pusUnits[uiPos] = 0xFFFF;
-}
-
-/** Put the units up to the next stop that the read buffer holds into the tag buffer. One place is left, so
- * that it is always Hold_Unit() that finds the buffer full. */
-template <StopUnits STOPS>
-void Hold_Run(HeaderScan &stScan)
-{
-    constexpr uint32_t RUN_UNITS = TAG_BUF_UNITS - 1;
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    TagControlInfo &stTag = *s_pstTagControlInfo;
-    if (stTag.uiTagLength >= RUN_UNITS) return;
-    const int32_t iBefore = stInfo.iStreamBufIndex;
-    uint16_t *const pusTarget = stTag.ausTagBuf + stTag.uiTagLength;
-    const uint32_t uiUnits = Take_PlainRun<STOPS>(pusTarget, RUN_UNITS - stTag.uiTagLength, false).uiUnits;
-    if (stScan.iRawMode != 0) Hide_DoubleBytes(pusTarget, uiUnits);
-    stScan.llLineBytes += stInfo.iStreamBufIndex - iBefore;
-    stTag.uiTagLength += uiUnits;
-}
 
 /** Let the next state see the unit again. */
 bool Hand_On(HeaderScan &stScan, HeaderState eState)
@@ -200,27 +161,35 @@ void Finish_StyleField(HeaderScan &stScan)
     stTag.uiTagLength = 0;
 }
 
-/** Index the Dialogue line whose start time the tag buffer holds. */
-void Add_Frame(HeaderScan &stScan)
+/** Index a Dialogue line that llLineBytes of have been read. */
+void Add_Frame(HeaderScan &stScan, uint32_t uiPTS)
 {
-    const TagControlInfo &stTag = *s_pstTagControlInfo;
-    const uint32_t uiPTS = Parse_SSAPts(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
     int64_t llPos = 0;
-    if (uiPTS == 0 || !Get_Position(stScan, &llPos)) return;
+    if (!Get_Position(stScan, &llPos)) return;
     if (Append_CaptionFrame(uiPTS, llPos - stScan.llLineBytes) == 1) return;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] HeaderParser_SSA() - Add Frame Failed!\n",
                         __LINE__);
     stScan.iResult = -1;
 }
 
+/** Index the usual Dialogue lines that the read buffer holds from the line's begin on. */
+void Take_UsualLines(HeaderScan &stScan)
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    int32_t iLine = stInfo.iStreamBufIndex;
+    uint32_t uiPTS = 0;
+    for (; stScan.iResult == 1 && Pass_UsualDialogue(&uiPTS); iLine = stInfo.iStreamBufIndex) {
+        stScan.iRawMode = 1;
+        stScan.llLineBytes = stInfo.iStreamBufIndex - iLine;
+        Add_Frame(stScan, uiPTS);
+    }
+}
+
 // One function per state. Each gives whether its unit is done with; if not, the next state sees it again.
 
 bool Step_FindSection(HeaderScan &stScan, uint16_t usChar)
 {
-    if (usChar != '[') {
-        Skip_PlainRun<SECTION_STOP>();
-        return true;
-    }
+    if (usChar != '[') return true;
     s_pstTagControlInfo->uiTagLength = 0;
     stScan.eState = E_HEADER_SECTION;
     return true;
@@ -228,7 +197,7 @@ bool Step_FindSection(HeaderScan &stScan, uint16_t usChar)
 
 bool Step_Section(HeaderScan &stScan, uint16_t usChar)
 {
-    const bool bFull = Hold_Unit(usChar);
+    const bool bFull = Hold_SSAUnit(usChar);
     if (usChar == ']') {
         stScan.eSection = Get_Section();
         stScan.eState = stScan.eSection == E_SSA_SECTION_UNKNOWN ? E_HEADER_FIND_SECTION : E_HEADER_SKIP_LINE;
@@ -239,36 +208,19 @@ bool Step_Section(HeaderScan &stScan, uint16_t usChar)
 
 bool Step_SkipLine(HeaderScan &stScan, uint16_t usChar)
 {
-    if (usChar == '\r')
-        stScan.eState = E_HEADER_LINE_END;
-    else
-        Skip_PlainRun<CR_STOP>();
+    if (usChar == '\r') stScan.eState = E_HEADER_LINE_END;
     return true;
-}
-
-void Begin_Dialogue(HeaderScan &stScan)
-{
-    stScan.iRawMode = 1; // from here on only times and line ends are read
-    stScan.eState = E_HEADER_MARKED;
-    stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
 }
 
 bool Step_LineEnd(HeaderScan &stScan, uint16_t usChar)
 {
-    if (usChar != '\n') {
-        Skip_PlainRun<LF_STOP>();
-        return true;
-    }
+    if (usChar != '\n') return true;
     if (stScan.eSection == E_SSA_SECTION_EVENTS && stScan.llEventsPos < 0)
         Get_Position(stScan, &stScan.llEventsPos);
+    Take_UsualLines(stScan);
     s_pstTagControlInfo->uiTagLength = 0;
-    stScan.llLineBytes = Take_DialogueKey();
-    if (stScan.llLineBytes > 0) {
-        Begin_Dialogue(stScan);
-        return true;
-    }
+    stScan.llLineBytes = 0;
     stScan.eState = E_HEADER_KEY;
-    Hold_Run<KEY_STOPS>(stScan);
     return true;
 }
 
@@ -278,7 +230,10 @@ bool Begin_Value(HeaderScan &stScan)
     const uint32_t eType = Get_SSALineType(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
     stTag.uiTagLength = 0;
     switch (eType) {
-    case E_SSA_LINE_DIALOGUE: Begin_Dialogue(stScan); break;
+    case E_SSA_LINE_DIALOGUE:
+        stScan.iRawMode = 1; // from here on only times and line ends are read
+        stScan.eState = E_HEADER_MARKED;
+        break;
     case E_SSA_LINE_STYLE:
         stScan.stStyle = {};
         stScan.uiField = 0;
@@ -295,7 +250,7 @@ bool Begin_Value(HeaderScan &stScan)
 
 bool Step_Key(HeaderScan &stScan, uint16_t usChar)
 {
-    const bool bFull = Hold_Unit(usChar);
+    const bool bFull = Hold_SSAUnit(usChar);
     if (usChar == ':') return Begin_Value(stScan);
     if (usChar == '\r' || usChar == ';' || bFull) return Hand_On(stScan, E_HEADER_SKIP_LINE);
     return usChar == '[' ? Hand_On(stScan, E_HEADER_FIND_SECTION) : true;
@@ -317,13 +272,10 @@ bool Step_Style(HeaderScan &stScan, uint16_t usChar)
     if (usChar == ' ') return true;
     if (usChar == ',') {
         Finish_StyleField(stScan);
-        if (stScan.uiField++ == LAST_STYLE_FIELD)
-            stScan.eState = E_HEADER_SKIP_LINE;
-        else
-            Hold_Run<STYLE_STOPS>(stScan);
+        if (stScan.uiField++ == LAST_STYLE_FIELD) stScan.eState = E_HEADER_SKIP_LINE;
         return true;
     }
-    if (usChar != '\r' && usChar != ';' && !Hold_Unit(usChar)) return true;
+    if (usChar != '\r' && usChar != ';' && !Hold_SSAUnit(usChar)) return true;
     if (stScan.uiField == LAST_STYLE_FIELD) Finish_StyleField(stScan);
     return Hand_On(stScan, E_HEADER_SKIP_LINE);
 }
@@ -331,25 +283,20 @@ bool Step_Style(HeaderScan &stScan, uint16_t usChar)
 bool Step_Marked(HeaderScan &stScan, uint16_t usChar)
 {
     if (usChar == '\r') return Hand_On(stScan, E_HEADER_SKIP_LINE);
-    if (usChar == ',') {
-        stScan.eState = E_HEADER_START;
-        Hold_Run<START_STOPS>(stScan);
-    } else {
-        stScan.llLineBytes += Skip_PlainRun<MARKED_STOPS>();
-    }
+    if (usChar == ',') stScan.eState = E_HEADER_START;
     return true;
 }
 
 bool Step_Start(HeaderScan &stScan, uint16_t usChar)
 {
     if (usChar == ' ') return true;
-    if (usChar == ',') {
-        Add_Frame(stScan);
-        stScan.eState = E_HEADER_SKIP_LINE;
-        Skip_PlainRun<CR_STOP>();
-        return true;
-    }
-    return usChar == '\r' || Hold_Unit(usChar) ? Hand_On(stScan, E_HEADER_SKIP_LINE) : true;
+    if (usChar != ',')
+        return usChar == '\r' || Hold_SSAUnit(usChar) ? Hand_On(stScan, E_HEADER_SKIP_LINE) : true;
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint32_t uiPTS = Parse_SSAPts(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+    if (uiPTS != 0) Add_Frame(stScan, uiPTS);
+    stScan.eState = E_HEADER_SKIP_LINE;
+    return true;
 }
 
 bool Step_Header(HeaderScan &stScan, uint16_t usChar)
@@ -422,6 +369,7 @@ int32_t HeaderParser_SSA(void *hFile)
     stScan.llBufferPos = NO_POSITION;
     const int32_t iResult = Scan_File(stScan);
     Index_Styles();
+    Forget_UsualFields();
     if (Sort_CaptionFrames() == 1) return iResult;
     Clear_CaptionFrameList(); // in file order it would be of no use
     if (iResult != 1) return iResult;

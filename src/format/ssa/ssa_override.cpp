@@ -136,9 +136,7 @@ OverrideParam Get_Param(const uint16_t *pusUnits, uint32_t uiLen)
     return stParam;
 }
 
-} // namespace
-
-bool Apply_SSAOverride(const uint16_t *pusBlock, uint32_t uiLen)
+bool Apply_Block(const uint16_t *pusBlock, uint32_t uiLen)
 {
     if (uiLen <= 2 || pusBlock[0] != '\\') return false;
     const uint16_t *const pusName = pusBlock + 1;
@@ -153,4 +151,13 @@ bool Apply_SSAOverride(const uint16_t *pusBlock, uint32_t uiLen)
     const uint32_t uiKeyLen = static_cast<uint32_t>(std::strlen(pstRow->pszName));
     pstRow->pfApply(Get_Param(pusName + uiKeyLen, uiNameLen - uiKeyLen));
     return true;
+}
+
+} // namespace
+
+void Apply_SSAOverride(const uint16_t *pusBlock, uint32_t uiLen)
+{
+    if (Apply_Block(pusBlock, uiLen)) return;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] FrameParser_SSA() - Failed to parse the caption tag!\n", __LINE__);
 }

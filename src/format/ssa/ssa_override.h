@@ -4,10 +4,9 @@
 #include <cstdint>
 
 /**
- * Carry an override block out.
+ * Carry an override block out; one that is malformed or not known is logged.
  *
  * @param[in] pusBlock  the units behind the "{"
  * @param[in] uiLen     units, the closing "}" included
- * @return false when it is malformed or not known (what is known of the reason is logged)
  */
-bool Apply_SSAOverride(const uint16_t *pusBlock, uint32_t uiLen);
+void Apply_SSAOverride(const uint16_t *pusBlock, uint32_t uiLen);

@@ -1,0 +1,180 @@
+#include "format/ssa/ssa_fields.h"
+
+#include <cstring>
+
+#include "format/ssa/style_list.h"
+#include "markup/tag_command.h"
+#include "record/parser_state.h"
+#include "text/text_helpers.h"
+#include "zyr_log.h"
+
+namespace
+{
+
+// Each of these takes the field that the tag buffer holds, and gives whether the line goes on.
+
+uint32_t Get_Number(uint32_t uiFrom = 0)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    return QUIBCAPTPARS_Str2Number(stTag.ausTagBuf + uiFrom,
+                                   static_cast<int32_t>(stTag.uiTagLength - uiFrom));
+}
+
+uint32_t Get_Time()
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    return Parse_SSAPts(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
+}
+
+bool Finish_Marked(SSAFrameInfo &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    for (uint32_t uiPos = 0; uiPos < stTag.uiTagLength; ++uiPos)
+        if (Is_Digit(stTag.ausTagBuf[uiPos])) stFrame.uiMarked = stTag.ausTagBuf[uiPos] - uint32_t{'0'};
+    return true;
+}
+
+bool Finish_Start(SSAFrameInfo &stFrame)
+{
+    stFrame.uiStartPTS = Get_Time();
+    return stFrame.uiStartPTS != 0;
+}
+
+bool Finish_End(SSAFrameInfo &stFrame)
+{
+    stFrame.uiEndPTS = Get_Time();
+    return stFrame.uiEndPTS != 0;
+}
+
+bool Finish_Style(SSAFrameInfo &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint32_t uiUnits = stTag.uiTagLength < ZYR_SSA_FRAME_NAME_UNITS
+                                 ? stTag.uiTagLength
+                                 : static_cast<uint32_t>(ZYR_SSA_FRAME_NAME_UNITS);
+    std::memcpy(stFrame.ausStyleName, stTag.ausTagBuf, uiUnits * sizeof(uint16_t));
+    stFrame.pstStyle = Find_Style(stTag.ausTagBuf, stTag.uiTagLength);
+    return true;
+}
+
+bool Finish_Name(SSAFrameInfo & /*stFrame*/)
+{
+    return true;
+}
+
+bool Finish_MarginL(SSAFrameInfo &stFrame)
+{
+    stFrame.uiMarginL = Get_Number();
+    return true;
+}
+
+bool Finish_MarginR(SSAFrameInfo &stFrame)
+{
+    stFrame.uiMarginR = Get_Number();
+    return true;
+}
+
+bool Finish_MarginV(SSAFrameInfo &stFrame)
+{
+    stFrame.uiMarginV = Get_Number();
+    return true;
+}
+
+/** ";" y1 ";" y2 ";" delay, from unit uiPos of the tag buffer on. */
+void Parse_ScrollUp(SSAFrameInfo &stFrame, uint32_t uiPos)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    uint32_t uiStart = 0; // of the parameter that is open
+    uint32_t uiOpened = 0;
+    for (; uiPos < stTag.uiTagLength && uiOpened < 3; ++uiPos) {
+        if (stTag.ausTagBuf[uiPos] != ';') continue;
+        const uint32_t uiValue =
+            QUIBCAPTPARS_Str2Number(stTag.ausTagBuf + uiStart, static_cast<int32_t>(uiPos - uiStart));
+        if (uiOpened == 1) stFrame.uiEffectY1 = uiValue;
+        if (uiOpened == 2) stFrame.uiEffectY2 = uiValue;
+        ++uiOpened;
+        uiStart = uiPos + 1;
+    }
+    if (uiOpened == 3) stFrame.uiEffectDelay = Get_Number(uiStart);
+}
+
+/** One separator, then the delay. */
+void Parse_Banner(SSAFrameInfo &stFrame, uint32_t uiPos)
+{
+    if (uiPos < s_pstTagControlInfo->uiTagLength) stFrame.uiEffectDelay = Get_Number(uiPos + 1);
+}
+
+void Parse_Karaoke(SSAFrameInfo & /*stFrame*/, uint32_t /*uiPos*/) {}
+
+struct EffectRow {
+    const char *pszName; // as the field has it, without blanks
+    uint32_t uiEffect;
+    void (*pfParse)(SSAFrameInfo &stFrame, uint32_t uiPos);
+};
+
+constexpr EffectRow EffectTable[] = {
+    {"Karaoke", 1, Parse_Karaoke},
+    {"Scrollup", 2, Parse_ScrollUp},
+    {"Banner", 3, Parse_Banner},
+};
+constexpr uint32_t EFFECT_UNITS = 29; // longest effect that is looked at
+
+bool Finish_Effect(SSAFrameInfo &stFrame)
+{
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    if (stTag.uiTagLength == 0 || stTag.uiTagLength > EFFECT_UNITS) return true;
+    char szEffect[EFFECT_UNITS + 1] = {};
+    uint16_t usBad = 0;
+    if (Copy_AsciiUnits(szEffect, stTag.ausTagBuf, stTag.uiTagLength, &usBad) < stTag.uiTagLength) {
+        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad SSA Effect Name Character! [0x%04X]\n",
+                            __LINE__, usBad);
+        return true;
+    }
+    for (const EffectRow &stRow : EffectTable) {
+        const uint32_t uiNameLen = static_cast<uint32_t>(std::strlen(stRow.pszName));
+        if (Compare_StringNoCase(stRow.pszName, szEffect, uiNameLen) == 0) continue;
+        stFrame.uiEffect = stRow.uiEffect;
+        stRow.pfParse(stFrame, uiNameLen);
+        break;
+    }
+    return true;
+}
+
+constexpr bool (*FieldTable[])(SSAFrameInfo &stFrame) = {
+    Finish_Marked,  Finish_Start,   Finish_End,     Finish_Style,  Finish_Name,
+    Finish_MarginL, Finish_MarginR, Finish_MarginV, Finish_Effect,
+};
+static_assert(sizeof(FieldTable) / sizeof(FieldTable[0]) == E_SSA_FIELDS);
+
+uint32_t Get_AlignmentMode(uint32_t uiAlignment)
+{
+    uint32_t uiMode = DISPLAY_MODE_CENTER;
+    if ((uiAlignment & 1) != 0) uiMode |= (uiAlignment & 2) != 0 ? DISPLAY_MODE_RIGHT : DISPLAY_MODE_LEFT;
+    if ((uiAlignment & 4) != 0) return uiMode | DISPLAY_MODE_TOP;
+    return (uiAlignment & 8) != 0 ? uiMode | DISPLAY_MODE_MIDDLE : uiMode;
+}
+
+void Apply_Style(const SSAStyleInfo &stStyle)
+{
+    Set_TextStyle(E_TAGCMD_SET_DISPLAY_MODE, Get_AlignmentMode(stStyle.uiAlignment));
+    Set_TextStyle(E_TAGCMD_SET_FONT_COLOR, Get_Rgb565(stStyle.uiPrimaryColour));
+    if (stStyle.uiBorderStyle != 0)
+        Set_TextStyle(E_TAGCMD_SET_FONT_OUTLINECOLOR, Get_Rgb565(stStyle.uiBackColour));
+    if (stStyle.uiBold != 0) Set_TextStyle(E_TAGCMD_SET_DISPLAY_MODE, DISPLAY_MODE_BOLD);
+    if (stStyle.uiItalic != 0) Set_TextStyle(E_TAGCMD_SET_DISPLAY_MODE, DISPLAY_MODE_ITALIC);
+    if (stStyle.uiFontSize != 0) Set_TextStyle(E_TAGCMD_SET_FONT_SIZE, stStyle.uiFontSize);
+}
+
+} // namespace
+
+bool Finish_SSAField(uint32_t eField, SSAFrameInfo &stFrame)
+{
+    return FieldTable[eField](stFrame);
+}
+
+void Begin_SSAText(const SSAFrameInfo &stFrame)
+{
+    if (stFrame.pstStyle != nullptr) Apply_Style(*stFrame.pstStyle);
+    pstQuibCaptionParserInfo->stSSAFrameInfo = stFrame;
+    pstQuibCaptionParserInfo->uiConvLength = 0;
+}

@@ -1,0 +1,185 @@
+#include "format/ssa/ssa_usual.h"
+
+#include <cstring>
+
+#include "format/ssa/ssa_fields.h"
+#include "format/ssa/ssa_override.h"
+#include "format/usual_text.h"
+#include "text/digit_pattern.h"
+#include "text/find_unit.h"
+#include "text/text_helpers.h"
+
+namespace
+{
+
+constexpr char KEY[] = "Dialogue:";
+constexpr uint32_t KEY_UNITS = sizeof(KEY) - 1;
+constexpr DigitPattern START("0:00:00.00,");
+constexpr DigitPattern TIMES("0:00:00.00,0:00:00.00,");
+constexpr uint32_t END_PLACE = 11; // of the end time
+constexpr uint32_t MARKED_MAX = 14;
+constexpr uint32_t HEAD_UNITS = KEY_UNITS + MARKED_MAX + DigitPattern::BYTES_MAX;
+constexpr uint32_t FIELD_UNITS_MAX = 60;
+
+/** @return ms of the time at a place of a pattern. */
+uint32_t Get_Time(const PatternDigits &stDigits, uint32_t uiPlace)
+{
+    const uint32_t uiMinutes = stDigits.aucDigit[uiPlace] * 60u + stDigits.Get_Pair(uiPlace + 2);
+    const uint32_t uiSeconds = uiMinutes * 60 + stDigits.Get_Pair(uiPlace + 5);
+    return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 8) * 10;
+}
+
+/** @return units of the key and the first field; 0 where they are not as usual */
+uint32_t Match_Marked(const uint8_t *pucHead, uint32_t *puiMarked)
+{
+    if (pucHead == nullptr || std::memcmp(pucHead, KEY, KEY_UNITS) != 0) return 0;
+    for (uint32_t uiPos = KEY_UNITS; uiPos < KEY_UNITS + MARKED_MAX; ++uiPos) {
+        const uint32_t uiUnit = pucHead[uiPos];
+        if (uiUnit == ',') return uiPos + 1;
+        if (uiUnit < ' ' || uiUnit >= 0x80) return 0;
+        if (Is_Digit(uiUnit)) *puiMarked = uiUnit - '0';
+    }
+    return 0;
+}
+
+/** Take the line up to its end time. */
+bool Take_Head(UsualText &stText, SSAFrameInfo &stFrame)
+{
+    uint8_t aucHead[HEAD_UNITS];
+    const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
+    const uint32_t uiUnits = Match_Marked(pucHead, &stFrame.uiMarked);
+    PatternDigits stDigits;
+    if (uiUnits == 0 || !Match_Pattern<TIMES>(pucHead + uiUnits, &stDigits)) return false;
+    stFrame.uiStartPTS = Get_Time(stDigits, 0);
+    stFrame.uiEndPTS = Get_Time(stDigits, END_PLACE);
+    stText.Take_Units(uiUnits + TIMES.uiBytes);
+    return stFrame.uiStartPTS != 0 && stFrame.uiEndPTS != 0;
+}
+
+/** Bring a field into the tag buffer. @return whether it is as usual */
+bool Take_Field(UsualText &stText, bool bAscii)
+{
+    TagControlInfo &stTag = *s_pstTagControlInfo;
+    stTag.uiTagLength = 0;
+    while (stTag.uiTagLength < FIELD_UNITS_MAX) {
+        uint16_t usUnit = 0;
+        if (!Take_UsualUnit(stText, &usUnit) || usUnit < ' ' || (bAscii && usUnit >= 0x80)) return false;
+        if (usUnit == ',') return true;
+        if (usUnit != ' ') stTag.ausTagBuf[stTag.uiTagLength++] = usUnit;
+    }
+    return false;
+}
+
+/** The fields from the style to the effect of the line before, as bytes and as they were taken: most lines have
+ * the same. */
+struct LastFields {
+    static constexpr uint32_t BYTES_MAX = 128;
+    uint32_t uiBytes; // 0 = none
+    uint8_t aucBytes[BYTES_MAX];
+    SSAFrameInfo stFrame;
+};
+
+LastFields s_stLastFields = {};
+
+void Keep_Fields(const uint8_t *pucFrom, const uint8_t *pucEnd, const SSAFrameInfo &stFrame)
+{
+    const size_t uiBytes = static_cast<size_t>(pucEnd - pucFrom);
+    if (uiBytes > LastFields::BYTES_MAX) return;
+    std::memcpy(s_stLastFields.aucBytes, pucFrom, uiBytes);
+    s_stLastFields.uiBytes = static_cast<uint32_t>(uiBytes);
+    s_stLastFields.stFrame = stFrame;
+}
+
+/** Take the fields behind the times. */
+bool Take_Fields(UsualText &stText, SSAFrameInfo &stFrame)
+{
+    const LastFields &stLast = s_stLastFields;
+    const uint8_t *const pucFrom = stText.pucByte;
+    if (stLast.uiBytes != 0 && stText.pucEnd - pucFrom >= static_cast<int32_t>(stLast.uiBytes) &&
+        std::memcmp(pucFrom, stLast.aucBytes, stLast.uiBytes) == 0) {
+        const SSAFrameInfo stHead = stFrame;
+        stFrame = stLast.stFrame;
+        stFrame.uiMarked = stHead.uiMarked;
+        stFrame.uiStartPTS = stHead.uiStartPTS;
+        stFrame.uiEndPTS = stHead.uiEndPTS;
+        stText.pucByte += stLast.uiBytes;
+        return true;
+    }
+    for (uint32_t eField = E_SSA_FIELD_STYLE; eField < E_SSA_FIELDS; ++eField) {
+        if (!Take_Field(stText, eField == E_SSA_FIELD_EFFECT))
+            return false; // the log tells others than ASCII
+        Finish_SSAField(eField, stFrame);
+    }
+    s_pstTagControlInfo->uiTagLength = 0;
+    Keep_Fields(pucFrom, stText.pucByte, stFrame);
+    return true;
+}
+
+/** A line break; of any other escape the backslash stays. */
+UsualStep Take_Escape(UsualText &stText)
+{
+    const uint32_t uiUnit = stText.Get_Unit(1);
+    if (uiUnit < ' ' || uiUnit >= 0x80) return E_USUAL_ODD;
+    stText.Take_Units(2);
+    return To_Upper(uiUnit) == 'N' ? Break_UsualLine(stText) : Put_UsualUnit(stText, '\\');
+}
+
+UsualStep Take_LineEnd(UsualText &stText)
+{
+    if (stText.Get_Unit(1) != '\n') return E_USUAL_ODD;
+    stText.Take_Units(2);
+    return E_USUAL_END;
+}
+
+UsualStep Take_DialogueStop(UsualText &stText, uint32_t uiUnit)
+{
+    switch (uiUnit) {
+    case '\r': return Take_LineEnd(stText);
+    case '\\': return Take_Escape(stText);
+    case '{': return Note_UsualTag(stText, '{', '}');
+    case '\t': return Take_UsualTab(stText);
+    default: return E_USUAL_ODD;
+    }
+}
+
+void Apply_Override(uint32_t uiUnits)
+{
+    Apply_SSAOverride(s_pstTagControlInfo->ausTagBuf + 1, uiUnits - 1);
+}
+
+constexpr UsualForm DIALOGUE_FORM = {{'{', '\\'}, Take_DialogueStop, Apply_Override};
+
+} // namespace
+
+bool Take_UsualDialogue(SSAFrameInfo *pstFrame)
+{
+    UsualText stText;
+    *pstFrame = {};
+    if (!Begin_UsualText(&stText, 0) || !Take_Head(stText, *pstFrame) || !Take_Fields(stText, *pstFrame) ||
+        !Take_UsualText(stText, DIALOGUE_FORM))
+        return false;
+    Begin_SSAText(*pstFrame);
+    Commit_UsualText(stText, DIALOGUE_FORM);
+    return true;
+}
+
+bool Pass_UsualDialogue(uint32_t *puiStart)
+{
+    uint8_t aucHead[HEAD_UNITS];
+    uint32_t uiMarked = 0;
+    if (!s_bUsualReading) return false;
+    const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
+    const uint32_t uiUnits = Match_Marked(pucHead, &uiMarked);
+    PatternDigits stDigits;
+    if (uiUnits == 0 || !Match_Pattern<START>(pucHead + uiUnits, &stDigits)) return false;
+    const int32_t iBehind = Find_LineEnd(uiUnits + START.uiBytes);
+    *puiStart = Get_Time(stDigits, 0);
+    if (iBehind < 0 || *puiStart == 0) return false;
+    Get_StreamInfo().iStreamBufIndex = iBehind;
+    return true;
+}
+
+void Forget_UsualFields()
+{
+    s_stLastFields.uiBytes = 0;
+}

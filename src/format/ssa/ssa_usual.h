@@ -1,0 +1,25 @@
+/* The usual Dialogue line: times of the full form, and text with line breaks and overrides in good form. */
+#pragma once
+
+#include <cstdint>
+
+#include "zyr/quib_caption.h"
+
+/**
+ * Take the Dialogue line at the read position, if it is usual, as the current stream's frame.
+ *
+ * @param[out] pstFrame  its fields
+ * @return whether it was usual
+ */
+bool Take_UsualDialogue(SSAFrameInfo *pstFrame);
+
+/**
+ * Pass over the Dialogue line at the read position, if it is usual.
+ *
+ * @param[out] puiStart  its start, ms, never 0
+ * @return whether it was usual
+ */
+bool Pass_UsualDialogue(uint32_t *puiStart);
+
+/** Forget the fields of the line before: the styles are others. */
+void Forget_UsualFields();
