@@ -12,14 +12,19 @@
 namespace
 {
 
-constexpr char KEY[] = "Dialogue:";
-constexpr uint32_t KEY_UNITS = sizeof(KEY) - 1;
-constexpr DigitPattern START("0:00:00.00,");
-constexpr DigitPattern TIMES("0:00:00.00,0:00:00.00,");
-constexpr uint32_t END_PLACE = 11; // of the end time
-constexpr uint32_t MARKED_MAX = 14;
-constexpr uint32_t HEAD_UNITS = KEY_UNITS + MARKED_MAX + DigitPattern::BYTES_MAX;
+// A line up to its first time, by the two forms of its first field.
+constexpr DigitPattern MARKED_HEAD("Dialogue: Marked=0,0:00:00.00,");
+constexpr DigitPattern LAYER_HEAD("Dialogue: 0,0:00:00.00,");
+constexpr DigitPattern TIME("0:00:00.00,");
+constexpr uint32_t MARK_AHEAD = 2; // places from the digit of the first field to the time
 constexpr uint32_t FIELD_UNITS_MAX = 60;
+
+/** A line up to its first time. */
+struct DialogueHead {
+    uint32_t uiUnits;
+    uint32_t uiMarked;
+    uint32_t uiStart; // ms
+};
 
 /** @return ms of the time at a place of a pattern. */
 uint32_t Get_Time(const PatternDigits &stDigits, uint32_t uiPlace)
@@ -29,31 +34,37 @@ uint32_t Get_Time(const PatternDigits &stDigits, uint32_t uiPlace)
     return uiSeconds * 1000 + stDigits.Get_Pair(uiPlace + 8) * 10;
 }
 
-/** @return units of the key and the first field; 0 where they are not as usual */
-uint32_t Match_Marked(const uint8_t *pucHead, uint32_t *puiMarked)
+/** Look at BYTES_MAX bytes. */
+bool Match_Head(const uint8_t *pucHead, DialogueHead *pstHead)
 {
-    if (pucHead == nullptr || std::memcmp(pucHead, KEY, KEY_UNITS) != 0) return 0;
-    for (uint32_t uiPos = KEY_UNITS; uiPos < KEY_UNITS + MARKED_MAX; ++uiPos) {
-        const uint32_t uiUnit = pucHead[uiPos];
-        if (uiUnit == ',') return uiPos + 1;
-        if (uiUnit < ' ' || uiUnit >= 0x80) return 0;
-        if (Is_Digit(uiUnit)) *puiMarked = uiUnit - '0';
+    PatternDigits stDigits;
+    pstHead->uiUnits = MARKED_HEAD.uiBytes;
+    if (!Match_Pattern<MARKED_HEAD>(pucHead, &stDigits)) {
+        pstHead->uiUnits = LAYER_HEAD.uiBytes;
+        if (!Match_Pattern<LAYER_HEAD>(pucHead, &stDigits)) return false;
     }
-    return 0;
+    const uint32_t uiPlace = pstHead->uiUnits - TIME.uiBytes;
+    pstHead->uiMarked = stDigits.aucDigit[uiPlace - MARK_AHEAD];
+    pstHead->uiStart = Get_Time(stDigits, uiPlace);
+    return pstHead->uiStart != 0;
 }
 
 /** Take the line up to its end time. */
 bool Take_Head(UsualText &stText, SSAFrameInfo &stFrame)
 {
+    constexpr uint32_t HEAD_UNITS = MARKED_HEAD.uiBytes + DigitPattern::BYTES_MAX;
     uint8_t aucHead[HEAD_UNITS];
     const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
-    const uint32_t uiUnits = Match_Marked(pucHead, &stFrame.uiMarked);
+    DialogueHead stHead;
     PatternDigits stDigits;
-    if (uiUnits == 0 || !Match_Pattern<TIMES>(pucHead + uiUnits, &stDigits)) return false;
-    stFrame.uiStartPTS = Get_Time(stDigits, 0);
-    stFrame.uiEndPTS = Get_Time(stDigits, END_PLACE);
-    stText.Take_Units(uiUnits + TIMES.uiBytes);
-    return stFrame.uiStartPTS != 0 && stFrame.uiEndPTS != 0;
+    if (pucHead == nullptr || !Match_Head(pucHead, &stHead) ||
+        !Match_Pattern<TIME>(pucHead + stHead.uiUnits, &stDigits))
+        return false;
+    stFrame.uiMarked = stHead.uiMarked;
+    stFrame.uiStartPTS = stHead.uiStart;
+    stFrame.uiEndPTS = Get_Time(stDigits, 0);
+    stText.Take_Units(stHead.uiUnits + TIME.uiBytes);
+    return stFrame.uiEndPTS != 0;
 }
 
 /** Bring a field into the tag buffer. @return whether it is as usual */
@@ -61,10 +72,14 @@ bool Take_Field(UsualText &stText, bool bAscii)
 {
     TagControlInfo &stTag = *s_pstTagControlInfo;
     stTag.uiTagLength = 0;
-    while (stTag.uiTagLength < FIELD_UNITS_MAX) {
-        uint16_t usUnit = 0;
-        if (!Take_UsualUnit(stText, &usUnit) || usUnit < ' ' || (bAscii && usUnit >= 0x80)) return false;
+    while (stTag.uiTagLength < FIELD_UNITS_MAX && stText.pucEnd - stText.pucByte >= USUAL_AHEAD) {
+        uint16_t usUnit = static_cast<uint16_t>(stText.Get_Unit(0));
+        if (usUnit < 0x80)
+            stText.Take_Units(1);
+        else if (bAscii || !Take_UsualUnit(stText, &usUnit))
+            return false;
         if (usUnit == ',') return true;
+        if (usUnit < ' ') return false;
         if (usUnit != ' ') stTag.ausTagBuf[stTag.uiTagLength++] = usUnit;
     }
     return false;
@@ -165,16 +180,13 @@ bool Take_UsualDialogue(SSAFrameInfo *pstFrame)
 
 bool Pass_UsualDialogue(uint32_t *puiStart)
 {
-    uint8_t aucHead[HEAD_UNITS];
-    uint32_t uiMarked = 0;
-    if (!s_bUsualReading) return false;
-    const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
-    const uint32_t uiUnits = Match_Marked(pucHead, &uiMarked);
-    PatternDigits stDigits;
-    if (uiUnits == 0 || !Match_Pattern<START>(pucHead + uiUnits, &stDigits)) return false;
-    const int32_t iBehind = Find_LineEnd(uiUnits + START.uiBytes);
-    *puiStart = Get_Time(stDigits, 0);
-    if (iBehind < 0 || *puiStart == 0) return false;
+    uint8_t aucHead[DigitPattern::BYTES_MAX];
+    const uint8_t *const pucHead = Get_UsualHead(aucHead, DigitPattern::BYTES_MAX);
+    DialogueHead stHead;
+    if (!s_bUsualReading || pucHead == nullptr || !Match_Head(pucHead, &stHead)) return false;
+    const int32_t iBehind = Find_LineEnd(stHead.uiUnits);
+    if (iBehind < 0) return false;
+    *puiStart = stHead.uiStart;
     Get_StreamInfo().iStreamBufIndex = iBehind;
     return true;
 }
