@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <cstring>
 
 #include "markup/entity.h"
 #include "text/text_block.h"
@@ -323,6 +324,17 @@ void Decode_Tag(const UsualText &stText, const UsualTag &stTag)
     s_pstTagControlInfo->uiTagLength = stTag.uiUnits;
 }
 
+/** Copy 16 units as bytes. */
+void Narrow_Units(uint8_t *pucTarget, const uint8_t *pucUnits)
+{
+    uint16_t ausUnit[BLOCK_BYTES];
+    std::memcpy(ausUnit, pucUnits, sizeof(ausUnit));
+    if (s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE)
+        for (uint16_t &usUnit : ausUnit) usUnit = static_cast<uint16_t>(usUnit << 8 | usUnit >> 8);
+    for (uint32_t uiUnit = 0; uiUnit < BLOCK_BYTES; ++uiUnit)
+        pucTarget[uiUnit] = static_cast<uint8_t>(ausUnit[uiUnit] < 0x80 ? ausUnit[uiUnit] : 0xFF);
+}
+
 } // namespace
 
 bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
@@ -520,10 +532,9 @@ const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits)
     const uint8_t *const pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
     if (Get_HeldBytes(stStream) < static_cast<int32_t>(uiUnits * Get_UnitBytes())) return nullptr;
     if (!Is_Utf16Text()) return pucByte;
-    const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
-    for (uint32_t uiUnit = 0; uiUnit < uiUnits; ++uiUnit) {
-        const uint8_t *const puc = pucByte + 2 * uiUnit;
-        pucTarget[uiUnit] = puc[1 - uiLow] == 0 ? puc[uiLow] : uint8_t{0xFF};
+    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
+        const uint32_t uiFrom = uiUnits - uiUnit < BLOCK_BYTES ? uiUnits - BLOCK_BYTES : uiUnit;
+        Narrow_Units(pucTarget + uiFrom, pucByte + size_t{2} * uiFrom);
     }
     return pucTarget;
 }

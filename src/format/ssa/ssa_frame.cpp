@@ -160,10 +160,7 @@ constexpr int32_t FRAME_BEHIND_LIST = -6;
 /** Show a line's times, and go on to the next line. */
 int32_t Finish_Line(const SSAFrameInfo &stFrame)
 {
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    stInfo.iStartPTS = static_cast<int32_t>(stFrame.uiStartPTS);
-    stInfo.iCurrPTS = stInfo.iStartPTS;
-    stInfo.iEndPTS = static_cast<int32_t>(stFrame.uiEndPTS);
+    Set_FrameTimes(stFrame.uiStartPTS, stFrame.uiEndPTS);
     if (s_stCaptionFrameList.uiCurrNode == Get_TailNode()) return FRAME_BEHIND_LIST;
     ++s_stCaptionFrameList.uiCurrNode;
     return FRAME;
@@ -247,8 +244,8 @@ int32_t FrameParser_SSA(void)
         return -1;
     }
     pstQuibCaptionParserInfo->llCurrFilePos = llReached;
-    SSAFrameInfo stFrame;
-    return Take_UsualDialogue(&stFrame) ? Finish_Line(stFrame) : Read_Line(hFile);
+    const SSAFrameInfo *const pstUsual = Take_UsualDialogue();
+    return pstUsual != nullptr ? Finish_Line(*pstUsual) : Read_Line(hFile);
 }
 
 int32_t Seek_SSA(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,

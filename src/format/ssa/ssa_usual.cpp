@@ -19,11 +19,12 @@ constexpr DigitPattern TIME("0:00:00.00,");
 constexpr uint32_t MARK_AHEAD = 2; // places from the digit of the first field to the time
 constexpr uint32_t FIELD_UNITS_MAX = 60;
 
-/** A line up to its first time. */
+/** A line up to its times. */
 struct DialogueHead {
     uint32_t uiUnits;
     uint32_t uiMarked;
     uint32_t uiStart; // ms
+    uint32_t uiEnd;   // only where the frame is wanted
 };
 
 /** @return ms of the time at a place of a pattern. */
@@ -50,21 +51,18 @@ bool Match_Head(const uint8_t *pucHead, DialogueHead *pstHead)
 }
 
 /** Take the line up to its end time. */
-bool Take_Head(UsualText &stText, SSAFrameInfo &stFrame)
+bool Take_Head(UsualText &stText, DialogueHead &stHead)
 {
     constexpr uint32_t HEAD_UNITS = MARKED_HEAD.uiBytes + DigitPattern::BYTES_MAX;
     uint8_t aucHead[HEAD_UNITS];
     const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
-    DialogueHead stHead;
     PatternDigits stDigits;
     if (pucHead == nullptr || !Match_Head(pucHead, &stHead) ||
         !Match_Pattern<TIME>(pucHead + stHead.uiUnits, &stDigits))
         return false;
-    stFrame.uiMarked = stHead.uiMarked;
-    stFrame.uiStartPTS = stHead.uiStart;
-    stFrame.uiEndPTS = Get_Time(stDigits, 0);
+    stHead.uiEnd = Get_Time(stDigits, 0);
     stText.Take_Units(stHead.uiUnits + TIME.uiBytes);
-    return stFrame.uiEndPTS != 0;
+    return stHead.uiEnd != 0;
 }
 
 /** Bring a field into the tag buffer. @return whether it is as usual */
@@ -85,49 +83,50 @@ bool Take_Field(UsualText &stText, bool bAscii)
     return false;
 }
 
-/** The fields from the style to the effect of the line before, as bytes and as they were taken: most lines have
- * the same. */
-struct LastFields {
+/** The fields from the style to the effect as bytes, and as they were taken: a file has few different ones. */
+struct KnownFields {
     static constexpr uint32_t BYTES_MAX = 128;
     uint32_t uiBytes; // 0 = none
     uint8_t aucBytes[BYTES_MAX];
     SSAFrameInfo stFrame;
 };
 
-LastFields s_stLastFields = {};
+constexpr uint32_t KNOWN_BITS = 3;
+KnownFields s_astKnownFields[1u << KNOWN_BITS] = {};
 
-void Keep_Fields(const uint8_t *pucFrom, const uint8_t *pucEnd, const SSAFrameInfo &stFrame)
+/** @return the place where fields that begin with these 16 bytes are kept. */
+KnownFields &Get_KnownPlace(const uint8_t *pucFields)
 {
-    const size_t uiBytes = static_cast<size_t>(pucEnd - pucFrom);
-    if (uiBytes > LastFields::BYTES_MAX) return;
-    std::memcpy(s_stLastFields.aucBytes, pucFrom, uiBytes);
-    s_stLastFields.uiBytes = static_cast<uint32_t>(uiBytes);
-    s_stLastFields.stFrame = stFrame;
+    constexpr uint64_t SPREAD = 0x9E3779B97F4A7C15u;
+    uint64_t aullBegin[2];
+    std::memcpy(aullBegin, pucFields, sizeof(aullBegin));
+    return s_astKnownFields[(aullBegin[0] + aullBegin[1] * 3) * SPREAD >> (64 - KNOWN_BITS)];
 }
 
-/** Take the fields behind the times. */
-bool Take_Fields(UsualText &stText, SSAFrameInfo &stFrame)
+/** Take the fields behind the times. @return them; NULL where they are not as usual */
+SSAFrameInfo *Take_Fields(UsualText &stText)
 {
-    const LastFields &stLast = s_stLastFields;
     const uint8_t *const pucFrom = stText.pucByte;
-    if (stLast.uiBytes != 0 && stText.pucEnd - pucFrom >= static_cast<int32_t>(stLast.uiBytes) &&
-        std::memcmp(pucFrom, stLast.aucBytes, stLast.uiBytes) == 0) {
-        const SSAFrameInfo stHead = stFrame;
-        stFrame = stLast.stFrame;
-        stFrame.uiMarked = stHead.uiMarked;
-        stFrame.uiStartPTS = stHead.uiStartPTS;
-        stFrame.uiEndPTS = stHead.uiEndPTS;
-        stText.pucByte += stLast.uiBytes;
-        return true;
+    if (stText.pucEnd - pucFrom < USUAL_AHEAD) return nullptr;
+    KnownFields &stKnown = Get_KnownPlace(pucFrom);
+    if (stKnown.uiBytes != 0 && stText.pucEnd - pucFrom >= static_cast<int32_t>(stKnown.uiBytes) &&
+        std::memcmp(pucFrom, stKnown.aucBytes, stKnown.uiBytes) == 0) {
+        stText.pucByte += stKnown.uiBytes;
+        return &stKnown.stFrame;
     }
+    stKnown = {};
     for (uint32_t eField = E_SSA_FIELD_STYLE; eField < E_SSA_FIELDS; ++eField) {
         if (!Take_Field(stText, eField == E_SSA_FIELD_EFFECT))
-            return false; // the log tells others than ASCII
-        Finish_SSAField(eField, stFrame);
+            return nullptr; // the log tells others than ASCII
+        Finish_SSAField(eField, stKnown.stFrame);
     }
     s_pstTagControlInfo->uiTagLength = 0;
-    Keep_Fields(pucFrom, stText.pucByte, stFrame);
-    return true;
+    const size_t uiBytes = static_cast<size_t>(stText.pucByte - pucFrom);
+    if (uiBytes <= KnownFields::BYTES_MAX) {
+        std::memcpy(stKnown.aucBytes, pucFrom, uiBytes);
+        stKnown.uiBytes = static_cast<uint32_t>(uiBytes);
+    }
+    return &stKnown.stFrame;
 }
 
 /** A line break; of any other escape the backslash stays. */
@@ -166,16 +165,19 @@ constexpr UsualForm DIALOGUE_FORM = {{'{', '\\'}, Take_DialogueStop, Apply_Overr
 
 } // namespace
 
-bool Take_UsualDialogue(SSAFrameInfo *pstFrame)
+const SSAFrameInfo *Take_UsualDialogue()
 {
     UsualText stText;
-    *pstFrame = {};
-    if (!Begin_UsualText(&stText, 0) || !Take_Head(stText, *pstFrame) || !Take_Fields(stText, *pstFrame) ||
-        !Take_UsualText(stText, DIALOGUE_FORM))
-        return false;
+    DialogueHead stHead;
+    if (!Begin_UsualText(&stText, 0) || !Take_Head(stText, stHead)) return nullptr;
+    SSAFrameInfo *const pstFrame = Take_Fields(stText);
+    if (pstFrame == nullptr || !Take_UsualText(stText, DIALOGUE_FORM)) return nullptr;
+    pstFrame->uiMarked = stHead.uiMarked;
+    pstFrame->uiStartPTS = stHead.uiStart;
+    pstFrame->uiEndPTS = stHead.uiEnd;
     Begin_SSAText(*pstFrame);
     Commit_UsualText(stText, DIALOGUE_FORM);
-    return true;
+    return pstFrame;
 }
 
 bool Pass_UsualDialogue(uint32_t *puiStart)
@@ -193,5 +195,5 @@ bool Pass_UsualDialogue(uint32_t *puiStart)
 
 void Forget_UsualFields()
 {
-    s_stLastFields.uiBytes = 0;
+    for (KnownFields &stKnown : s_astKnownFields) stKnown.uiBytes = 0;
 }

@@ -5,13 +5,9 @@
 
 #include "zyr/quib_caption.h"
 
-/**
- * Take the Dialogue line at the read position, if it is usual, as the current stream's frame.
- *
- * @param[out] pstFrame  its fields
- * @return whether it was usual
- */
-bool Take_UsualDialogue(SSAFrameInfo *pstFrame);
+/** Take the Dialogue line at the read position, if it is usual, as the current stream's frame. @return its fields;
+ * NULL where it is not */
+const SSAFrameInfo *Take_UsualDialogue();
 
 /**
  * Pass over the Dialogue line at the read position, if it is usual.
@@ -21,5 +17,5 @@ bool Take_UsualDialogue(SSAFrameInfo *pstFrame);
  */
 bool Pass_UsualDialogue(uint32_t *puiStart);
 
-/** Forget the fields of the line before: the styles are others. */
+/** Forget the fields of lines before: the styles are others. */
 void Forget_UsualFields();
