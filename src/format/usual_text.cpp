@@ -324,15 +324,26 @@ void Decode_Tag(const UsualText &stText, const UsualTag &stTag)
     s_pstTagControlInfo->uiTagLength = stTag.uiUnits;
 }
 
-/** Copy 16 units as bytes. */
-void Narrow_Units(uint8_t *pucTarget, const uint8_t *pucUnits)
+/** Copy a block of units as bytes. */
+void Narrow_Block(uint8_t *pucTarget, const uint8_t *pucUnits, bool bBigEndian)
 {
     uint16_t ausUnit[BLOCK_BYTES];
     std::memcpy(ausUnit, pucUnits, sizeof(ausUnit));
-    if (s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE)
+    if (bBigEndian)
         for (uint16_t &usUnit : ausUnit) usUnit = static_cast<uint16_t>(usUnit << 8 | usUnit >> 8);
     for (uint32_t uiUnit = 0; uiUnit < BLOCK_BYTES; ++uiUnit)
         pucTarget[uiUnit] = static_cast<uint8_t>(ausUnit[uiUnit] < 0x80 ? ausUnit[uiUnit] : 0xFF);
+}
+
+/** Copy a block's units or more as bytes. @return those; a function of its own, so that others need no stack for it */
+[[gnu::noinline]] const uint8_t *Narrow_Units(uint8_t *pucTarget, const uint8_t *pucUnits, uint32_t uiUnits)
+{
+    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
+        const uint32_t uiFrom = uiUnits - uiUnit < BLOCK_BYTES ? uiUnits - BLOCK_BYTES : uiUnit;
+        Narrow_Block(pucTarget + uiFrom, pucUnits + size_t{2} * uiFrom,
+                     s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
+    }
+    return pucTarget;
 }
 
 } // namespace
@@ -531,10 +542,5 @@ const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits)
     const CaptionStreamInfo &stStream = Get_StreamInfo();
     const uint8_t *const pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
     if (Get_HeldBytes(stStream) < static_cast<int32_t>(uiUnits * Get_UnitBytes())) return nullptr;
-    if (!Is_Utf16Text()) return pucByte;
-    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
-        const uint32_t uiFrom = uiUnits - uiUnit < BLOCK_BYTES ? uiUnits - BLOCK_BYTES : uiUnit;
-        Narrow_Units(pucTarget + uiFrom, pucByte + size_t{2} * uiFrom);
-    }
-    return pucTarget;
+    return Is_Utf16Text() ? Narrow_Units(pucTarget, pucByte, uiUnits) : pucByte;
 }
