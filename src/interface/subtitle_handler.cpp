@@ -189,7 +189,7 @@ void Give_Up_Open()
     Close_SubtitleFile();
     s_eCaptionFormat = E_CAPTION_FORMAT_NONE;
     if (pstQuibCaptionParserInfo == nullptr) return;
-    QuibCaptionParser_Destroy_SSA_MemoryBuffers();
+    Forget_Formats();
     pstQuibCaptionParserInfo->uiStreamNums = 0;
     pstQuibCaptionParserInfo->uiCurrStream = 0;
 }

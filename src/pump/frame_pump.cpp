@@ -209,7 +209,7 @@ void QUIB_CAPTION_Close(void)
         Free_And_Clear(pstInfo->pusConvBuf);
         Free_And_Clear(pstInfo->puiLineLength);
         for (CaptionStreamInfo &stStream : pstInfo->astStreamInfo) Free_And_Clear(stStream.pucStreamBuf);
-        QuibCaptionParser_Destroy_SSA_MemoryBuffers();
+        Forget_Formats();
         pstQuibCaptionParserInfo = nullptr;
         ZYR_free(pstInfo);
     }

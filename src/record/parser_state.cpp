@@ -1,8 +1,5 @@
 #include "record/parser_state.h"
 
-#include "format/ssa/style_list.h"
-#include "zyr_log.h"
-
 QuibCaptionParserInfo *pstQuibCaptionParserInfo = nullptr;
 
 uint32_t s_uiFontColor = 0xFFFF;
@@ -53,51 +50,4 @@ uint32_t QUIBCAPTPARS_Get_VerInfo(void)
 void QUIBCAPTPARS_Set_ParsingOption(uint32_t uiOption)
 {
     s_uiParsingOption = uiOption;
-}
-
-int32_t QuibCaptionParser_Create_MemoryBuffers(uint32_t uiConvUnits, uint32_t uiMaxLines,
-                                               uint32_t uiStreamBytes)
-{
-    if (uiConvUnits == 0 || uiMaxLines == 0 || uiStreamBytes == 0) return -1;
-    if (s_pstTagControlInfo == nullptr)
-        s_pstTagControlInfo =
-            static_cast<TagControlInfo *>(QUIBCAPTCB_Allocate_Aligned_Memory(sizeof(TagControlInfo), 4));
-    if (s_pstTagControlInfo == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] QuibCaptionParser_Create_MemoryBuffers() - Tag Control Info allocation "
-                            "Error!\n",
-                            __LINE__);
-        return -1;
-    }
-    *s_pstTagControlInfo = {};
-    // The buffers themselves are as large as the constants say: a caller may ask for less, never for more.
-    s_uiConvBufSize = uiConvUnits < CONV_BUF_UNITS ? uiConvUnits : CONV_BUF_UNITS;
-    s_uiMaxLineNums = uiMaxLines < ZYR_LINE_MAX ? uiMaxLines : static_cast<uint32_t>(ZYR_LINE_MAX);
-    s_uiStreamBufSize = uiStreamBytes < STREAM_BUF_BYTES ? uiStreamBytes : STREAM_BUF_BYTES;
-    return Create_CaptionFrameList();
-}
-
-void QuibCaptionParser_Destroy_MemoryBuffers(void)
-{
-    if (s_pstTagControlInfo != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstTagControlInfo);
-    s_pstTagControlInfo = nullptr;
-    s_uiConvBufSize = 0;
-    s_uiStreamBufSize = 0;
-    s_uiMaxLineNums = 0;
-    Destroy_CaptionFrameList();
-    if (s_pstFrameInfoArray != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstFrameInfoArray);
-    s_pstFrameInfoArray = nullptr;
-    if (s_puiSyncPlaces != nullptr) QUIBCAPTCB_Deallocate_Memory(s_puiSyncPlaces);
-    s_puiSyncPlaces = nullptr;
-    s_llCaptionFileSize = 0;
-    s_uiFrameInfoMax = 0;
-    s_uiFrameInfoNums = 0;
-}
-
-void QuibCaptionParser_Destroy_SSA_MemoryBuffers(void)
-{
-    Destroy_Styles();
-    if (pstQuibCaptionParserInfo == nullptr) return;
-    pstQuibCaptionParserInfo->pstSSAStyleList = nullptr;
-    pstQuibCaptionParserInfo->stSSAFrameInfo.pstStyle = nullptr;
 }

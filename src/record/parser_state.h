@@ -6,7 +6,6 @@
 
 #include <cstdint>
 
-#include "format/ssa/frame_list.h"
 #include "zyr/quib_caption.h"
 
 /** Encoding of the open file's text. */

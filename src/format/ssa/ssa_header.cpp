@@ -369,7 +369,6 @@ int32_t HeaderParser_SSA(void *hFile)
     stScan.llBufferPos = NO_POSITION;
     const int32_t iResult = Scan_File(stScan);
     Index_Styles();
-    Forget_UsualFields();
     if (Sort_CaptionFrames() == 1) return iResult;
     Clear_CaptionFrameList(); // in file order it would be of no use
     if (iResult != 1) return iResult;

@@ -17,5 +17,5 @@ const SSAFrameInfo *Take_UsualDialogue();
  */
 bool Pass_UsualDialogue(uint32_t *puiStart);
 
-/** Forget the fields of lines before: the styles are others. */
+/** Forget the fields of lines before: the styles change. */
 void Forget_UsualFields();

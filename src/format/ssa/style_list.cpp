@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "format/ssa/ssa_usual.h"
 #include "record/parser_state.h"
 
 namespace
@@ -60,8 +61,10 @@ bool Add_Block()
     return true;
 }
 
+/** What has been looked up is no longer sure. */
 void Drop_Index()
 {
+    Forget_UsualFields();
     if (s_stStyles.papstIndex != nullptr) QUIBCAPTCB_Deallocate_Memory(s_stStyles.papstIndex);
     s_stStyles.papstIndex = nullptr;
     s_stStyles.uiIndexed = 0;
@@ -203,7 +206,7 @@ const SSAStyleInfo *Find_Style(const uint16_t *pusText, uint32_t uiLen)
     return nullptr;
 }
 
-void Destroy_Styles()
+void QuibCaptionParser_Destroy_SSA_MemoryBuffers(void)
 {
     Drop_Index();
     for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr;) {
@@ -212,4 +215,7 @@ void Destroy_Styles()
         pstBlock = pstOlder;
     }
     s_stStyles = {};
+    if (pstQuibCaptionParserInfo == nullptr) return;
+    pstQuibCaptionParserInfo->pstSSAStyleList = nullptr;
+    pstQuibCaptionParserInfo->stSSAFrameInfo.pstStyle = nullptr;
 }

@@ -3,6 +3,7 @@
  *
  * The nodes stand in a few blocks of growing size. The look-up halves an index that is made once, when the
  * header has been read; without an index, or without memory for one, it walks the list.
+ * QuibCaptionParser_Destroy_SSA_MemoryBuffers() frees all of it.
  */
 #pragma once
 
@@ -25,6 +26,3 @@ void Index_Styles();
  * @return the style, or NULL
  */
 const SSAStyleInfo *Find_Style(const uint16_t *pusText, uint32_t uiLen);
-
-/** Free all styles and the index. */
-void Destroy_Styles();

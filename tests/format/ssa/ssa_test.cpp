@@ -232,6 +232,20 @@ TEST_F(SsaTest, StyleIsTheFirstThatBeginsWithTheField)
     EXPECT_EQ(Get_Fields().pstStyle, nullptr);
 }
 
+TEST_F(SsaTest, FreedStylesAreNoLongerFound)
+{
+    std::string strLines;
+    for (uint32_t uiSecond = 1; uiSecond < 9; ++uiSecond)
+        strLines += Line("0:00:0" + std::to_string(uiSecond) + ".00", "x", "Default");
+    EXPECT_EQ(First(File(strLines)), "1000-9500 x");
+    EXPECT_EQ(Next(), "2000-9500 x");
+    EXPECT_EQ(pstQuibCaptionParserInfo->uiFontSize, 20u);
+    QuibCaptionParser_Destroy_SSA_MemoryBuffers();
+    EXPECT_EQ(Next(), "3000-9500 x");
+    EXPECT_EQ(Get_Fields().pstStyle, nullptr);
+    EXPECT_EQ(pstQuibCaptionParserInfo->uiFontSize, 16u);
+}
+
 TEST_F(SsaTest, NoMoreThan4096StylesAreKept)
 {
     const std::string strNumbers = ",0,0,0,0,0,0,0,0,0,2,0,0,0,0,0";
