@@ -77,6 +77,12 @@ const FileKind KINDS[] = {
       "Dialogue: 0,0:00:00.00,0:00:06.00,,,0,0,0,,no start\r\n",
       "Dialogue: 0,0:00:05.50,0:00:00.00,,,0,0,0,,no end\r\n",
       "Dialogue: 0,10:00:05.50,0:0:6.00,Default,,0,0,0,,two hours' digits\r\n",
+      "Dialogue: 1,0:00:08.20,0:00:08.60,Default,,0,0,0,나,an effect that is none\\n\\\\ and \\h\r\n",
+      "Dialogue: 0,0:00:08.30,0:00:08.70,Default,,0,0,0,,escapes: \\가\\é\\\t\\x\r\n",
+      "Dialogue: 0,0:00:08.50,0:00:08.90,Default,,0,0,0,,a line that a bare CR ends \r"
+      "and behind which, perhaps, no LF comes any more",
+      "Dialogue: 1,0:00:08.40,0:00:08.80," + Repeat("n", 520) +
+          ",,0,0,0,,a style's name too long to be one\r\n",
       "Comment: 0,0:00:05.50,0:00:06.00,Default,,0,0,0,,not shown\r\n",
       "; nor this\r\n[Fonts]\r\nfontname: x\r\nM0123456789\r\n[Events]\r\n",
       "Dialogue: Marked=0,0:00:07.00,0:00:08.00,Default,NTP,0000,0000,0000,,A line that is so long that it "
@@ -166,6 +172,19 @@ std::string Make_File(const FileKind &stKind, Random &stRandom)
         strFile += strEntry;
     }
     return strFile;
+}
+
+/** @return the text with two bytes for each character beyond ASCII; the second one may be any, also a stop's. */
+std::string Make_DoubleBytes(const std::string &strText)
+{
+    constexpr char SECONDS[] = "\\{}<&,[; \r\n\t\xB0\xC7\x81\xFE";
+    std::string strOut;
+    for (const char cByte : strText) {
+        const uint8_t ucByte = static_cast<uint8_t>(cByte);
+        if (ucByte < 0x80) strOut += cByte;
+        if (ucByte >= 0xC0) strOut += {'\x81', SECONDS[strOut.size() % (sizeof(SECONDS) - 1)]};
+    }
+    return strOut;
 }
 
 /** Change bytes of a file that has been encoded, its mark aside. */
@@ -274,6 +293,7 @@ TEST_F(Reading, BothWaysAreOne)
         for (int iFile = 0; iFile < iFiles; ++iFile)
             for (const TestEncoding eEncoding : ENCODINGS) {
                 std::string strFile = Encode(Make_File(stKind, stRandom), eEncoding);
+                if (eEncoding == E_ANSI && Choose(stRandom, 2) == 0) strFile = Make_DoubleBytes(strFile);
                 if (Choose(stRandom, 4) == 0) Damage(strFile, stRandom);
                 const uint32_t uiSize = SIZES[Choose(stRandom, std::size(SIZES))];
                 const int32_t iOption = Choose(stRandom, 4) == 0 ? 1 : 0;

@@ -120,7 +120,6 @@ SSAFrameInfo *Take_Fields(UsualText &stText)
             return nullptr; // the log tells others than ASCII
         Finish_SSAField(eField, stKnown.stFrame);
     }
-    s_pstTagControlInfo->uiTagLength = 0;
     const size_t uiBytes = static_cast<size_t>(stText.pucByte - pucFrom);
     if (uiBytes <= KnownFields::BYTES_MAX) {
         std::memcpy(stKnown.aucBytes, pucFrom, uiBytes);
@@ -129,11 +128,11 @@ SSAFrameInfo *Take_Fields(UsualText &stText)
     return &stKnown.stFrame;
 }
 
-/** A line break; of any other escape the backslash stays. */
+/** A line break; of any other escape the backslash stays and the unit behind it goes. */
 UsualStep Take_Escape(UsualText &stText)
 {
     const uint32_t uiUnit = stText.Get_Unit(1);
-    if (uiUnit < ' ' || uiUnit >= 0x80) return E_USUAL_ODD;
+    if (uiUnit >= 0x80) return E_USUAL_ODD; // may be more than a byte
     stText.Take_Units(2);
     return To_Upper(uiUnit) == 'N' ? Break_UsualLine(stText) : Put_UsualUnit(stText, '\\');
 }
