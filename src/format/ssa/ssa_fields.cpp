@@ -11,8 +11,6 @@
 namespace
 {
 
-// Each of these takes the field that the tag buffer holds, and gives whether the line goes on.
-
 uint32_t Get_Number(uint32_t uiFrom = 0)
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
@@ -26,27 +24,14 @@ uint32_t Get_Time()
     return Parse_SSAPts(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
 }
 
-bool Finish_Marked(SSAFrameInfo &stFrame)
+void Finish_Marked(SSAFrameInfo &stFrame)
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
     for (uint32_t uiPos = 0; uiPos < stTag.uiTagLength; ++uiPos)
         if (Is_Digit(stTag.ausTagBuf[uiPos])) stFrame.uiMarked = stTag.ausTagBuf[uiPos] - uint32_t{'0'};
-    return true;
 }
 
-bool Finish_Start(SSAFrameInfo &stFrame)
-{
-    stFrame.uiStartPTS = Get_Time();
-    return stFrame.uiStartPTS != 0;
-}
-
-bool Finish_End(SSAFrameInfo &stFrame)
-{
-    stFrame.uiEndPTS = Get_Time();
-    return stFrame.uiEndPTS != 0;
-}
-
-bool Finish_Style(SSAFrameInfo &stFrame)
+void Finish_Style(SSAFrameInfo &stFrame)
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
     const uint32_t uiUnits = stTag.uiTagLength < ZYR_SSA_FRAME_NAME_UNITS
@@ -54,30 +39,6 @@ bool Finish_Style(SSAFrameInfo &stFrame)
                                  : static_cast<uint32_t>(ZYR_SSA_FRAME_NAME_UNITS);
     std::memcpy(stFrame.ausStyleName, stTag.ausTagBuf, uiUnits * sizeof(uint16_t));
     stFrame.pstStyle = Find_Style(stTag.ausTagBuf, stTag.uiTagLength);
-    return true;
-}
-
-bool Finish_Name(SSAFrameInfo & /*stFrame*/)
-{
-    return true;
-}
-
-bool Finish_MarginL(SSAFrameInfo &stFrame)
-{
-    stFrame.uiMarginL = Get_Number();
-    return true;
-}
-
-bool Finish_MarginR(SSAFrameInfo &stFrame)
-{
-    stFrame.uiMarginR = Get_Number();
-    return true;
-}
-
-bool Finish_MarginV(SSAFrameInfo &stFrame)
-{
-    stFrame.uiMarginV = Get_Number();
-    return true;
 }
 
 /** ";" y1 ";" y2 ";" delay, from unit uiPos of the tag buffer on. */
@@ -119,16 +80,16 @@ constexpr EffectRow EffectTable[] = {
 };
 constexpr uint32_t EFFECT_UNITS = 29; // longest effect that is looked at
 
-bool Finish_Effect(SSAFrameInfo &stFrame)
+void Finish_Effect(SSAFrameInfo &stFrame)
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
-    if (stTag.uiTagLength == 0 || stTag.uiTagLength > EFFECT_UNITS) return true;
+    if (stTag.uiTagLength == 0 || stTag.uiTagLength > EFFECT_UNITS) return;
     char szEffect[EFFECT_UNITS + 1] = {};
     uint16_t usBad = 0;
     if (Copy_AsciiUnits(szEffect, stTag.ausTagBuf, stTag.uiTagLength, &usBad) < stTag.uiTagLength) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad SSA Effect Name Character! [0x%04X]\n",
                             __LINE__, usBad);
-        return true;
+        return;
     }
     for (const EffectRow &stRow : EffectTable) {
         const uint32_t uiNameLen = static_cast<uint32_t>(std::strlen(stRow.pszName));
@@ -137,14 +98,7 @@ bool Finish_Effect(SSAFrameInfo &stFrame)
         stRow.pfParse(stFrame, uiNameLen);
         break;
     }
-    return true;
 }
-
-constexpr bool (*FieldTable[])(SSAFrameInfo &stFrame) = {
-    Finish_Marked,  Finish_Start,   Finish_End,     Finish_Style,  Finish_Name,
-    Finish_MarginL, Finish_MarginR, Finish_MarginV, Finish_Effect,
-};
-static_assert(sizeof(FieldTable) / sizeof(FieldTable[0]) == E_SSA_FIELDS);
 
 uint32_t Get_AlignmentMode(uint32_t uiAlignment)
 {
@@ -169,7 +123,17 @@ void Apply_Style(const SSAStyleInfo &stStyle)
 
 bool Finish_SSAField(uint32_t eField, SSAFrameInfo &stFrame)
 {
-    return FieldTable[eField](stFrame);
+    switch (eField) {
+    case E_SSA_FIELD_MARKED: Finish_Marked(stFrame); return true;
+    case E_SSA_FIELD_START: stFrame.uiStartPTS = Get_Time(); return stFrame.uiStartPTS != 0;
+    case E_SSA_FIELD_END: stFrame.uiEndPTS = Get_Time(); return stFrame.uiEndPTS != 0;
+    case E_SSA_FIELD_STYLE: Finish_Style(stFrame); return true;
+    case E_SSA_FIELD_MARGIN_L: stFrame.uiMarginL = Get_Number(); return true;
+    case E_SSA_FIELD_MARGIN_R: stFrame.uiMarginR = Get_Number(); return true;
+    case E_SSA_FIELD_MARGIN_V: stFrame.uiMarginV = Get_Number(); return true;
+    case E_SSA_FIELD_EFFECT: Finish_Effect(stFrame); return true;
+    default: return true; // the name
+    }
 }
 
 void Begin_SSAText(const SSAFrameInfo &stFrame)

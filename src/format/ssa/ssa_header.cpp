@@ -60,7 +60,6 @@ struct HeaderScan {
     int32_t iRawMode;
     int32_t iResult;      // 1, or why the pass ends
     int64_t llEventsPos;  // where the lines of [Events] begin; NO_POSITION before it was found
-    int64_t llBufferPos;  // file position of the read buffer's first byte; NO_POSITION = not asked yet
     int64_t llLineBytes;  // bytes of the line read so far; right in the states that need it
     uint32_t eTitle;      // which title the value is
     uint32_t uiTextUnits; // units of ausSSAHeaderText that are used up
@@ -75,24 +74,19 @@ bool Hand_On(HeaderScan &stScan, HeaderState eState)
     return false;
 }
 
-/** Where the reader stands. The file is asked once for each filling of the buffer. @return false when it does
- * not tell. */
+/** Where the reader stands. @return false when the file does not tell */
 bool Get_Position(HeaderScan &stScan, int64_t *pllPos)
 {
     const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    if (stScan.llBufferPos < 0) {
-        const int64_t llTold = QUIBCAPTCB_FileTell(stScan.hFile);
-        if (llTold < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] HeaderParser_SSA() - File Tell Failed! (ERROR = %d)\n", __LINE__,
-                                static_cast<int32_t>(llTold));
-            stScan.iResult = -1;
-            return false;
-        }
-        stScan.llBufferPos = llTold - stInfo.iStreamDataSize;
-    }
-    *pllPos = stScan.llBufferPos + stInfo.iStreamBufIndex;
-    return true;
+    const int64_t llTold = QUIBCAPTCB_FileTell(stScan.hFile);
+    *pllPos = llTold - stInfo.iStreamDataSize + stInfo.iStreamBufIndex;
+    if (llTold >= 0) return true;
+    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
+                        " [%d] HeaderParser_SSA() - File Tell Failed! (ERROR = %d)\n", __LINE__,
+                        static_cast<int32_t>(llTold));
+    *pllPos = NO_POSITION;
+    stScan.iResult = -1;
+    return false;
 }
 
 uint32_t Find_Section(const char *pszName)
@@ -161,12 +155,9 @@ void Finish_StyleField(HeaderScan &stScan)
     stTag.uiTagLength = 0;
 }
 
-/** Index a Dialogue line that llLineBytes of have been read. */
-void Add_Frame(HeaderScan &stScan, uint32_t uiPTS)
+void Add_Frame(HeaderScan &stScan, uint32_t uiPTS, int64_t llPos)
 {
-    int64_t llPos = 0;
-    if (!Get_Position(stScan, &llPos)) return;
-    if (Append_CaptionFrame(uiPTS, llPos - stScan.llLineBytes) == 1) return;
+    if (Append_CaptionFrame(uiPTS, llPos) == 1) return;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] HeaderParser_SSA() - Add Frame Failed!\n",
                         __LINE__);
     stScan.iResult = -1;
@@ -176,12 +167,18 @@ void Add_Frame(HeaderScan &stScan, uint32_t uiPTS)
 void Take_UsualLines(HeaderScan &stScan)
 {
     const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    int32_t iLine = stInfo.iStreamBufIndex;
-    uint32_t uiPTS = 0;
-    for (; stScan.iResult == 1 && Pass_UsualDialogue(&uiPTS); iLine = stInfo.iStreamBufIndex) {
+    int64_t llBehind = NO_POSITION;
+    for (;;) {
+        const int32_t iLine = stInfo.iStreamBufIndex;
+        uint32_t uiPTS = 0;
+        if (stScan.iResult != 1 || !Pass_UsualDialogue(&uiPTS)) return;
+        const int32_t iBytes = stInfo.iStreamBufIndex - iLine;
         stScan.iRawMode = 1;
-        stScan.llLineBytes = stInfo.iStreamBufIndex - iLine;
-        Add_Frame(stScan, uiPTS);
+        if (llBehind >= 0)
+            llBehind += iBytes; // the file is asked once
+        else if (!Get_Position(stScan, &llBehind))
+            return;
+        Add_Frame(stScan, uiPTS, llBehind - iBytes);
     }
 }
 
@@ -294,7 +291,8 @@ bool Step_Start(HeaderScan &stScan, uint16_t usChar)
         return usChar == '\r' || Hold_SSAUnit(usChar) ? Hand_On(stScan, E_HEADER_SKIP_LINE) : true;
     const TagControlInfo &stTag = *s_pstTagControlInfo;
     const uint32_t uiPTS = Parse_SSAPts(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
-    if (uiPTS != 0) Add_Frame(stScan, uiPTS);
+    int64_t llPos = 0;
+    if (uiPTS != 0 && Get_Position(stScan, &llPos)) Add_Frame(stScan, uiPTS, llPos - stScan.llLineBytes);
     stScan.eState = E_HEADER_SKIP_LINE;
     return true;
 }
@@ -314,17 +312,6 @@ bool Step_Header(HeaderScan &stScan, uint16_t usChar)
     }
 }
 
-/** Get_CharCode(), keeping track of the buffer: when a refill took place, the index and the bytes disagree.
- */
-int32_t Read_Char(HeaderScan &stScan, uint16_t *pusChar)
-{
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int32_t iBefore = stInfo.iStreamBufIndex;
-    const int32_t iBytes = Get_CharCode(stScan.hFile, pusChar, stScan.iRawMode);
-    if (stInfo.iStreamBufIndex - iBefore != iBytes) stScan.llBufferPos = NO_POSITION;
-    return iBytes;
-}
-
 void Set_Class(int64_t llFirstFramePos)
 {
     pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos = llFirstFramePos;
@@ -336,7 +323,7 @@ int32_t Scan_File(HeaderScan &stScan)
 {
     while (stScan.iResult == 1) {
         uint16_t usChar = 0;
-        const int32_t iBytes = Read_Char(stScan, &usChar);
+        const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, stScan.iRawMode);
         if (iBytes < 0) {
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                                 " [%d] HeaderParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
@@ -366,7 +353,6 @@ int32_t HeaderParser_SSA(void *hFile)
     stScan.eSection = E_SSA_SECTION_UNKNOWN;
     stScan.iResult = 1;
     stScan.llEventsPos = NO_POSITION;
-    stScan.llBufferPos = NO_POSITION;
     const int32_t iResult = Scan_File(stScan);
     Index_Styles();
     if (Sort_CaptionFrames() == 1) return iResult;

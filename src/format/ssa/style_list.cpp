@@ -1,5 +1,6 @@
 #include "format/ssa/style_list.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "format/ssa/ssa_usual.h"
@@ -86,36 +87,6 @@ bool Is_Before(const StyleEntry *pstA, const StyleEntry *pstB)
     return Compare_Names(pstA, Get_Name(pstB), ZYR_SSA_NAME_UNITS) < 0;
 }
 
-/** Merge two sorted runs of papstFrom, [0, uiMiddle) and [uiMiddle, uiEnd). Files often hold them in order.
- */
-void Merge_Runs(StyleEntry *const *papstFrom, uint32_t uiMiddle, uint32_t uiEnd, StyleEntry **papstTo)
-{
-    if (uiMiddle == uiEnd || !Is_Before(papstFrom[uiMiddle], papstFrom[uiMiddle - 1])) {
-        std::memcpy(papstTo, papstFrom, size_t{uiEnd} * ENTRY_POINTER_BYTES);
-        return;
-    }
-    uint32_t uiLeft = 0;
-    uint32_t uiRight = uiMiddle;
-    for (uint32_t uiPos = 0; uiPos < uiEnd; ++uiPos) {
-        const bool bRight =
-            uiLeft == uiMiddle || (uiRight < uiEnd && Is_Before(papstFrom[uiRight], papstFrom[uiLeft]));
-        papstTo[uiPos] = papstFrom[bRight ? uiRight++ : uiLeft++];
-    }
-}
-
-/** Sort entries by name. papstScratch has room for as many. */
-void Sort_ByName(StyleEntry **papstEntry, StyleEntry **papstScratch, uint32_t uiNums)
-{
-    for (uint32_t uiRun = 1; uiRun < uiNums; uiRun *= 2) {
-        for (uint32_t uiStart = 0; uiStart < uiNums; uiStart += 2 * uiRun) {
-            const uint32_t uiLeft = uiNums - uiStart;
-            Merge_Runs(papstEntry + uiStart, uiRun < uiLeft ? uiRun : uiLeft,
-                       2 * uiRun < uiLeft ? 2 * uiRun : uiLeft, papstScratch + uiStart);
-        }
-        std::memcpy(papstEntry, papstScratch, size_t{uiNums} * ENTRY_POINTER_BYTES);
-    }
-}
-
 StyleEntry *Get_Earlier(StyleEntry *pstA, StyleEntry *pstB)
 {
     if (pstA == nullptr) return pstB;
@@ -187,7 +158,7 @@ void Index_Styles()
     for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr; pstBlock = pstBlock->pstOlder)
         for (uint32_t uiPos = pstBlock->uiUsed; uiPos-- > 0;)
             papstIndex[--uiEntry] = Get_Entries(pstBlock) + uiPos;
-    Sort_ByName(papstIndex + uiNums, papstIndex, uiNums);
+    std::sort(papstIndex + uiNums, papstIndex + size_t{2} * uiNums, Is_Before);
     for (uint32_t uiPos = uiNums; --uiPos > 0;)
         papstIndex[uiPos] = Get_Earlier(papstIndex[size_t{2} * uiPos], papstIndex[size_t{2} * uiPos + 1]);
     s_stStyles.papstIndex = papstIndex;
