@@ -1,6 +1,8 @@
 // SSA frames: one Dialogue line per call, read at the place that the frame list's cursor names; and the seek,
 // which only moves that cursor.
 
+#include <algorithm>
+
 #include "format/ssa/frame_list.h"
 #include "format/ssa/ssa_fields.h"
 #include "format/ssa/ssa_line.h"
@@ -192,21 +194,6 @@ int32_t Read_Line(void *hFile)
 
 // ---- Seek ----
 
-/** First node of [uiFrom, uiEnd) whose time is above uiMs, or, if bEqual, at least uiMs; uiEnd when there is
- * none. */
-uint32_t Find_Node(uint32_t uiFrom, uint32_t uiEnd, uint32_t uiMs, bool bEqual)
-{
-    const CaptionFrameNode *const pastNode = s_stCaptionFrameList.pastNode;
-    while (uiFrom < uiEnd) {
-        const uint32_t uiMiddle = uiFrom + (uiEnd - uiFrom) / 2;
-        if (pastNode[uiMiddle].uiPTS > uiMs || (bEqual && pastNode[uiMiddle].uiPTS == uiMs))
-            uiEnd = uiMiddle;
-        else
-            uiFrom = uiMiddle + 1;
-    }
-    return uiFrom;
-}
-
 /**
  * Move the cursor for a time: forward to the first node that starts after it, backward to the last one that
  * starts before it (the head at worst). A cursor on the tail stays there.
@@ -216,15 +203,18 @@ uint32_t Find_Node(uint32_t uiFrom, uint32_t uiEnd, uint32_t uiMs, bool bEqual)
 const CaptionFrameNode *Move_Cursor(uint32_t uiTargetMs, uint32_t bBackward)
 {
     CaptionFrameList &stList = s_stCaptionFrameList;
-    const uint32_t uiTail = Get_TailNode();
+    CaptionFrameNode *const pstTail = stList.pastNode + Get_TailNode();
     if (bBackward == 3) stList.uiCurrNode = 1;
-    if (stList.uiCurrNode == uiTail) return nullptr;
-    if (bBackward == 1) {
-        stList.uiCurrNode = Find_Node(0, stList.uiCurrNode + 1, uiTargetMs, true) - 1;
-        return stList.pastNode + stList.uiCurrNode;
-    }
-    stList.uiCurrNode = Find_Node(stList.uiCurrNode, uiTail, uiTargetMs, false);
-    return stList.pastNode + stList.uiCurrNode - (stList.uiCurrNode == uiTail ? 1 : 0);
+    CaptionFrameNode *pstCurr = stList.pastNode + stList.uiCurrNode;
+    if (pstCurr == pstTail) return nullptr;
+    const auto fnIsBefore = [=](const CaptionFrameNode &stNode) { return stNode.uiPTS < uiTargetMs; };
+    const auto fnIsNotBehind = [=](const CaptionFrameNode &stNode) { return stNode.uiPTS <= uiTargetMs; };
+    if (bBackward == 1) // the head is before any time
+        pstCurr = std::partition_point(stList.pastNode, pstCurr + 1, fnIsBefore) - 1;
+    else
+        pstCurr = std::partition_point(pstCurr, pstTail, fnIsNotBehind);
+    stList.uiCurrNode = static_cast<uint32_t>(pstCurr - stList.pastNode);
+    return pstCurr - (pstCurr == pstTail ? 1 : 0);
 }
 
 } // namespace

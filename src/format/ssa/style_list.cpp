@@ -13,7 +13,6 @@ constexpr uint32_t FIRST_STYLES = 16; // more than most files have
 constexpr uint32_t STYLES_MAX = 4096; // a megabyte: no film needs more
 constexpr uint32_t WALKED_STYLES = 8; // so few are walked faster than looked up
 constexpr size_t UNIT_BYTES = sizeof(uint16_t);
-constexpr uint32_t ENTRY_POINTER_BYTES = sizeof(void *);
 
 /** A node of the record's list and its place there. */
 struct StyleEntry {
@@ -93,33 +92,19 @@ StyleEntry *Get_Earlier(StyleEntry *pstA, StyleEntry *pstB)
     return pstA->uiPlace < pstB->uiPlace ? pstA : pstB;
 }
 
-/** First place of [uiLow, uiHigh), in the order of names, whose beginning is above the text, or (bEqual) at
- * least equal to it; uiHigh when there is none. */
-uint32_t Find_Bound(const uint16_t *pusText, uint32_t uiUnits, bool bEqual, uint32_t uiLow, uint32_t uiHigh)
-{
-    StyleEntry *const *const papstSorted = s_stStyles.papstIndex + s_stStyles.uiIndexed;
-    while (uiLow < uiHigh) {
-        const uint32_t uiMiddle = uiLow + (uiHigh - uiLow) / 2;
-        const int iOrder = Compare_Names(papstSorted[uiMiddle], pusText, uiUnits);
-        if (iOrder > 0 || (bEqual && iOrder == 0))
-            uiHigh = uiMiddle;
-        else
-            uiLow = uiMiddle + 1;
-    }
-    return uiLow;
-}
-
 const SSAStyleInfo *Find_InIndex(const uint16_t *pusText, uint32_t uiUnits)
 {
-    StyleEntry *const *const papstIndex = s_stStyles.papstIndex;
-    const uint32_t uiNums = s_stStyles.uiIndexed;
-    const uint32_t uiStart = Find_Bound(pusText, uiUnits, true, 0, uiNums);
-    uint32_t uiEnd = uiStart; // few names begin alike: feel the way to the end of them
-    for (uint32_t uiStep = 1; uiEnd < uiNums; uiEnd += uiStep, uiStep *= 2)
-        if (Compare_Names(papstIndex[uiNums + uiEnd], pusText, uiUnits) != 0) break;
-    if (uiEnd > uiNums) uiEnd = uiNums;
-    uint32_t uiFrom = uiStart + uiNums;
-    uint32_t uiTo = Find_Bound(pusText, uiUnits, false, uiStart, uiEnd) + uiNums;
+    StyleEntry **const papstIndex = s_stStyles.papstIndex;
+    StyleEntry **const papstSorted = papstIndex + s_stStyles.uiIndexed;
+    StyleEntry **const papstEnd = papstSorted + s_stStyles.uiIndexed;
+    const auto fnIsBefore = [=](const StyleEntry *pst) { return Compare_Names(pst, pusText, uiUnits) < 0; };
+    const auto fnIsNotBehind = [=](const StyleEntry *pst) {
+        return Compare_Names(pst, pusText, uiUnits) <= 0;
+    };
+    StyleEntry **const papstFrom = std::partition_point(papstSorted, papstEnd, fnIsBefore);
+    StyleEntry **const papstTo = std::partition_point(papstFrom, papstEnd, fnIsNotBehind);
+    size_t uiFrom = static_cast<size_t>(papstFrom - papstIndex);
+    size_t uiTo = static_cast<size_t>(papstTo - papstIndex);
     StyleEntry *pstFirst = nullptr;
     for (; uiFrom < uiTo; uiFrom /= 2, uiTo /= 2) {
         if (uiFrom % 2 != 0) pstFirst = Get_Earlier(pstFirst, papstIndex[uiFrom++]);
@@ -151,8 +136,8 @@ void Index_Styles()
     Drop_Index();
     const uint32_t uiNums = s_stStyles.uiStyles;
     if (uiNums <= WALKED_STYLES) return;
-    StyleEntry **const papstIndex =
-        static_cast<StyleEntry **>(QUIBCAPTCB_Allocate_Memory(2 * uiNums * ENTRY_POINTER_BYTES));
+    StyleEntry **const papstIndex = static_cast<StyleEntry **>(
+        QUIBCAPTCB_Allocate_Memory(2 * uiNums * static_cast<uint32_t>(sizeof(StyleEntry *))));
     if (papstIndex == nullptr) return;
     uint32_t uiEntry = 2 * uiNums;
     for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr; pstBlock = pstBlock->pstOlder)
