@@ -120,7 +120,8 @@ int32_t Find_LineEnd(uint32_t uiSkipUnits)
     const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
     const uint32_t uiUnitBytes = Get_UnitBytes();
     const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
-    const uint8_t *pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * uiUnitBytes;
+    const uint8_t *pucByte =
+        stStream.pucStreamBuf + stStream.iStreamBufIndex + size_t{uiSkipUnits} * uiUnitBytes;
     pucByte = Find_Unit(Get_TextKind(), pucByte, pucEnd, '\r', '\r');
     if (pucByte == nullptr) return -1;
     pucByte += uiUnitBytes;

@@ -137,7 +137,7 @@ void Index_Styles()
     const uint32_t uiNums = s_stStyles.uiStyles;
     if (uiNums <= WALKED_STYLES) return;
     StyleEntry **const papstIndex = static_cast<StyleEntry **>(
-        QUIBCAPTCB_Allocate_Memory(2 * uiNums * static_cast<uint32_t>(sizeof(StyleEntry *))));
+        QUIBCAPTCB_Allocate_Memory(2 * uiNums * static_cast<uint32_t>(sizeof(void *))));
     if (papstIndex == nullptr) return;
     uint32_t uiEntry = 2 * uiNums;
     for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr; pstBlock = pstBlock->pstOlder)
