@@ -115,12 +115,31 @@ def outputs_of(command):
 
 
 def values_of(option, command, outputs):
+    if option.kind == "FORMAT":  # "srt, vtt or txt [...]"
+        return re.findall(r"\w+", option.text.split("[")[0].replace(" or ", ", "))
     return outputs if "--output" in option.spellings and option.kind == "NAME" else option.values
+
+
+# Subtitle files and folders; where there are none, a movie may be meant.
+BASH_FILES = r"""_zyrsub_subtitles()
+{
+    local all one
+    mapfile -t all < <(compgen -f -- "$1")
+    for one in "${all[@]}"; do
+        case ${one,,} in
+        *.smi | *.sami | *.srt | *.sub | *.ssa) COMPREPLY+=("$one") ;;
+        *) [ ! -d "$one" ] || COMPREPLY+=("$one") ;;
+        esac
+    done
+    [ ${#COMPREPLY[@]} -gt 0 ] || COMPREPLY=("${all[@]}")
+}
+
+"""
 
 
 def bash(top, commands, outputs):
     names = " ".join(command.command for command in commands)
-    out = "# Completions of zyrsub for bash.\n_zyrsub()\n{\n"
+    out = "# Completions of zyrsub for bash.\n" + BASH_FILES + "_zyrsub()\n{\n"
     out += '    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]} words\n    COMPREPLY=()\n'
     out += '    if [ "$COMP_CWORD" -eq 1 ]; then\n'
     out += f'        words="{names} {" ".join(s for option in top.options() for s in option.spellings)}"\n'
@@ -141,7 +160,7 @@ def bash(top, commands, outputs):
         spellings = " ".join(spelling for option in command.options() for spelling in option.spellings)
         out += f'        {command.command}) words="{spellings}" ;;\n'
     out += "        *) return ;;\n        esac\n"
-    out += '        if [[ $cur != -* ]]; then mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return; fi\n        ;;\n'
+    out += '        if [[ $cur != -* ]]; then _zyrsub_subtitles "$cur"; return; fi\n        ;;\n'
     out += '    esac\n    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$cur")\n}\n'
     return out + "complete -o filenames -F _zyrsub zyrsub\n"
 
@@ -177,7 +196,7 @@ def zsh(top, commands, outputs):
             value = f":value:({' '.join(values)})" if values else ":file:_files" if option.is_file() else ":value:"
             for spelling in option.spellings:
                 out += " \\\n        " + quoted(f"*{spelling}[{text}]" + (value if option.kind else ""))
-        out += " \\\n        '*:movie:_files'\n    ;;\n"
+        out += " \\\n        '*:movie:_files -g \"*.(#i)(smi|sami|srt|sub|ssa)(-.)\"'\n    ;;\n"
     return out + "esac\n"
 
 

@@ -29,6 +29,9 @@ for command in $commands; do
         [[ $(complete_line zyrsub "$command" "$option") == *" $option "* ]] || fail "no completion of $command $option"
     done
 done
+[ "$(complete_line zyrsub convert --to s)" = " srt smi ssa " ] || fail "no completion of formats"
+touch "$build/complete-1.srt" "$build/complete-1.txt"
+[[ $(complete_line zyrsub info "$build/complete-1") == " $build/complete-1.srt " ]] || fail "no completion of subtitles"
 [ "$(complete_line zyrsub render --output hdmi-7)" = " hdmi-720p " ] || fail "no completion of outputs"
 exits=$(sed -n '/^\.SH EXIT STATUS/,/^\.SH ENV/p' <<<"$page" | tr '\n' ' ')
 for code in 0 1 2 3 4; do

@@ -1,5 +1,6 @@
 // zyrsub convert: what it writes reads back as the same captions.
 #include <gtest/gtest.h>
+#include <sstream>
 #include <sys/stat.h>
 
 #include "run_program.h"
@@ -333,4 +334,30 @@ TEST(ZyrsubConvert, TargetsKeepWhatTheyAre)
     EXPECT_EQ(Run_Zyrsub("render subrip-crlf.srt -o " + stFolder.Path("real.srt")).iCode, 2);
     ASSERT_EQ(mkfifo(stFolder.Path("pipe.srt").c_str(), 0600), 0);
     EXPECT_EQ(Run_Zyrsub("info " + stFolder.Path("pipe.srt")).iCode, 3) << "it must not wait for a writer";
+}
+
+TEST(ZyrsubTree, EveryFileOfAFolder)
+{
+    const TestFolder stFolder;
+    std::filesystem::create_directories(stFolder.Path("in/deep"));
+    std::filesystem::copy(Sample("sami-interleaved.smi"), stFolder.Path("in/deep/two.smi"));
+    std::filesystem::copy(Sample("subrip-crlf.srt"), stFolder.Path("in/one.srt"));
+    stFolder.Write("in/notes.txt", "no subtitle");
+    const std::string strConvert =
+        "convert --json --to srt " + stFolder.Path("in") + " -o " + stFolder.Path("out");
+    const RunResult stGood = Run_Zyrsub(strConvert);
+    EXPECT_EQ(stGood.iCode, 0) << stGood.strErr;
+    EXPECT_NE(stGood.strErr.find("2 files: 2 good\n"), std::string::npos) << stGood.strErr;
+    EXPECT_TRUE(std::filesystem::exists(stFolder.Path("out/one.srt")));
+    EXPECT_TRUE(std::filesystem::exists(stFolder.Path("out/deep/two.KRCC.srt")));
+    stFolder.Write("in/bad.sub", "nothing of a kind");
+    const RunResult stInfo = Run_Zyrsub("info --json " + stFolder.Path("in"));
+    EXPECT_EQ(stInfo.iCode, 4) << "the worst";
+    EXPECT_NE(stInfo.strErr.find("3 files: 2 good, 1 no subtitle\n"), std::string::npos) << stInfo.strErr;
+    std::istringstream stLines(stInfo.strOut);
+    std::string strFormats;
+    for (std::string strLine; std::getline(stLines, strLine);)
+        strFormats += json::parse(strLine).value("format", "none") + " ";
+    EXPECT_EQ(strFormats, "none SAMI SubRip ");
+    EXPECT_EQ(Run_Zyrsub("info " + stFolder.Path("out/deep/..") + " /nowhere.srt").iCode, 3);
 }

@@ -80,10 +80,17 @@ TEST(Playback, Keys)
         const char *pszState;
         const char *pszCaption;
     } astCases[] = {
-        {E_PLAY_PAUSE, "0:00:00.0  A + B  paused", ""},     {E_PLAY_ON, "0:00:05.0  A + B  paused", ""},
-        {E_PLAY_ON, "0:00:10.0  A + B  paused", "other"},   {E_PLAY_LANGUAGE, "0:00:10.0  A  paused", ""},
-        {E_PLAY_LANGUAGE, "0:00:10.0  B  paused", "other"}, {E_PLAY_BACK, "0:00:05.0  B  paused", ""},
-        {E_PLAY_FAR_BACK, "0:00:00.0  B  paused", ""},
+        {E_PLAY_PAUSE, "0:00:00.0 of 0:00:20.0  A + B  paused", ""},
+        {E_PLAY_ON, "0:00:05.0 of 0:00:20.0  A + B  paused", ""},
+        {E_PLAY_ON, "0:00:10.0 of 0:00:20.0  A + B  paused", "other"},
+        {E_PLAY_LANGUAGE, "0:00:10.0 of 0:00:20.0  A  paused", ""},
+        {E_PLAY_LANGUAGE, "0:00:10.0 of 0:00:20.0  B  paused", "other"},
+        {E_PLAY_BACK, "0:00:05.0 of 0:00:20.0  B  paused", ""},
+        {E_PLAY_FAR_BACK, "0:00:00.0 of 0:00:20.0  B  paused", ""},
+        {E_PLAY_NEXT, "0:00:09.0 of 0:00:20.0  B  paused", "other"},
+        {E_PLAY_LANGUAGE, "0:00:09.0 of 0:00:20.0  A + B  paused", "other"},
+        {E_PLAY_PREVIOUS, "0:00:01.0 of 0:00:20.0  A + B  paused", "blink"},
+        {E_PLAY_PREVIOUS, "0:00:01.0 of 0:00:20.0  A + B  paused", "blink"},
     };
     const CaptionFile stFile = Open_Blink();
     Playback stPlayback(stFile, {});

@@ -107,3 +107,38 @@ TEST(ZyrsubRender, SheetShowsEveryCaption)
             << uiIndex;
     }
 }
+
+TEST(ZyrsubRender, NothingIsReplacedAndStandardOutput)
+{
+    const TestFolder stFolder;
+    stFolder.Write("there.png", "mine");
+    const std::string strRender = "render subrip-crlf.srt -o ";
+    EXPECT_EQ(Run_Zyrsub(strRender + stFolder.Path("there.png")).iCode, 1);
+    EXPECT_EQ(Read_File(stFolder.Path("there.png")), "mine");
+    EXPECT_EQ(Run_Zyrsub(strRender + stFolder.Path("there.png") + " --force").iCode, 0);
+    EXPECT_EQ(Run_Zyrsub(strRender + "-").strOut, Read_File(stFolder.Path("there.png")));
+    const RunResult stWhale = Run_Zyrsub("render subrip-utf16le.srt -o " + stFolder.Path("x.png"));
+    EXPECT_NE(stWhale.strErr.find("the font lacks 1 of its characters: U+1F40B"), std::string::npos)
+        << stWhale.strErr;
+}
+
+TEST(ZyrsubRender, LongSheetsArePaged)
+{
+    const TestFolder stFolder;
+    std::string strText;
+    for (int iCaption = 0; iCaption < 120; ++iCaption) {
+        char szEntry[80];
+        std::snprintf(szEntry, sizeof szEntry, "1\r\n00:%02d:%02d,000 --> 00:%02d:%02d,900\r\nx\r\n\r\n",
+                      iCaption / 60, iCaption % 60, iCaption / 60, iCaption % 60);
+        strText += szEntry;
+    }
+    stFolder.Write("long.srt", strText);
+    EXPECT_EQ(Run_Zyrsub("render " + stFolder.Path("long.srt") + " --sheet " + stFolder.Path("s.png")).iCode,
+              0);
+    Picture stFirst, stSecond;
+    ASSERT_TRUE(Read_Png(stFolder.Path("s.png"), stFirst).IsGood());
+    ASSERT_TRUE(Read_Png(stFolder.Path("s-2.png"), stSecond).IsGood());
+    EXPECT_LE(stFirst.uiHeight, 8192U);
+    EXPECT_GT(stFirst.uiHeight, 7800U);
+    EXPECT_GT(stSecond.uiHeight, 12U);
+}

@@ -218,3 +218,28 @@ TEST(ZyrsubLog, VerboseShowsTheLibrarysLog)
     EXPECT_NE(Run_Zyrsub("frames -v subrip-malformed.srt").strErr.find("SUBRIP PTS FORMAT is BAD"),
               std::string::npos);
 }
+
+// What the box, which knows only CR LF, makes of a file; and why there is nothing in another.
+TEST(ZyrsubInfo, LineEndsAndEmptyFiles)
+{
+    const struct {
+        std::string strName, strText;
+        const char *pszSays;
+    } astCases[] = {
+        {"x.srt", Make_Caption("a"), "line ends  CR LF 4\n"},
+        {"x.srt", "1\n00:00:01,000 --> 00:00:02,000\na\n\n",
+         "line ends  LF 4; the box, which reads only CR LF, gets 0 of 1 captions"},
+        {"x.srt", "hello\r\n", "no caption no time line is understood"},
+        {"x.smi", "<SAMI><BODY><SYNC Start=\"1000\"><P>a</BODY></SAMI>",
+         "no caption its START values stand in quotes"},
+        {"x.ssa", "[Script Info]\r\n", "can be read as its name says: it has no [Events] section"},
+    };
+    const TestFolder stFolder;
+    for (const auto &stCase : astCases) {
+        stFolder.Write(stCase.strName, stCase.strText);
+        const RunResult stRun = Run_Zyrsub("info " + stFolder.Path(stCase.strName));
+        EXPECT_NE((stRun.strOut + stRun.strErr).find(stCase.pszSays), std::string::npos) << stRun.strOut;
+    }
+    const RunResult stInput = Run_Program("'" ZYRSUB_PROGRAM "' frames - < sami-interleaved.smi");
+    EXPECT_EQ(stInput.strOut, Read_Expected("sami-interleaved.smi"));
+}

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 
 #include "text_tools.h"
@@ -59,10 +60,18 @@ Outcome CaptionFile::Open(const std::string &strMovie, const SourceOptions &stOp
     if (stOptions.bSingleByte) stLoad.uiFlags |= ZYR_CAPTIONS_SINGLE_BYTE;
     if (stOptions.bTogether) stLoad.uiFlags |= ZYR_CAPTIONS_TOGETHER;
     stLoad.uiFromMs = stOptions.uiFromMs;
-    m_pstList.reset(zyrCaptions_load(strMovie.c_str(), &stLoad));
+    if (strMovie == "-") {
+        m_strInput.assign(std::istreambuf_iterator<char>(std::cin), {});
+        m_pstList.reset(zyrCaptions_loadMemory(m_strInput.data(), m_strInput.size(), "-", &stLoad));
+    } else {
+        m_pstList.reset(zyrCaptions_load(strMovie.c_str(), &stLoad));
+    }
     if (stOptions.bVerbose) Print_Log(Get_List(), stOptions.bAllOfLog);
-    return {Get_ExitCode(zyrCaptions_getError(Get_List())),
-            Cut_Name(zyrCaptions_getErrorText(Get_List()), strMovie)};
+    const int iError = zyrCaptions_getError(Get_List());
+    if (iError == ZYR_CAPTIONS_MALFORMED)
+        return {E_EXIT_NOT_SUBTITLE,
+                "not a subtitle that can be read as its name says: " + Explain_Empty() + " (-v tells more)"};
+    return {Get_ExitCode(iError), Cut_Name(zyrCaptions_getErrorText(Get_List()), strMovie)};
 }
 
 ZyrCaptionsFile CaptionFile::Get_File() const
@@ -111,8 +120,37 @@ std::vector<uint32_t> CaptionFile::List_Classes() const
 
 std::string CaptionFile::Read_Bytes() const
 {
+    if (!m_strInput.empty()) return m_strInput;
     std::ifstream stFile(Get_File().pszFile, std::ios::binary);
     return {std::istreambuf_iterator<char>(stFile), {}};
+}
+
+// 16-bit text without its zero bytes: all that is looked for is ASCII.
+static std::string Lower_Ascii(std::string strBytes)
+{
+    std::erase(strBytes, '\0');
+    return Lower_Case(std::move(strBytes));
+}
+
+std::string CaptionFile::Explain_Empty() const
+{
+    if (Count() > 0) return "";
+    const std::string strText = Lower_Ascii(Read_Bytes());
+    const auto pfHas = [&](const char *pszWhat) { return strText.find(pszWhat) != std::string::npos; };
+    switch (Get_File().uiFormat) {
+    case ZYR_CAPTIONS_SAMI:
+        if (!pfHas("<sync")) return "it has no SYNC tag";
+        if (pfHas("start=\"") || pfHas("start='"))
+            return "its START values stand in quotes, which are not read";
+        return "no SYNC tag has a START that is understood, or its paragraphs are of no class";
+    case ZYR_CAPTIONS_SSA:
+        if (!pfHas("[events]")) return "it has no [Events] section";
+        return pfHas("dialogue:") ? "no Dialogue line is understood" : "it has no Dialogue line";
+    case ZYR_CAPTIONS_SUBVIEWER:
+        if (!pfHas("[subtitle]")) return "it has no SubViewer header, which ends with [SUBTITLE]";
+        return "no time line is understood";
+    default: return "no time line is understood";
+    }
 }
 
 int64_t CaptionFile::Get_End() const

@@ -38,10 +38,11 @@ struct Frame {
 class CaptionFile
 {
 public:
-    // A movie, whose subtitle stands beside it, or a subtitle file itself.
+    // A movie, whose subtitle stands beside it, or a subtitle file itself; "-" is standard input.
     Outcome Open(const std::string &strMovie, const SourceOptions &stOptions);
 
     const ZyrCaptions *Get_List() const { return m_pstList.get(); }
+    bool Is_Input() const { return !m_strInput.empty(); } // from standard input
     uint32_t Count() const { return zyrCaptions_count(Get_List()); }
     ZyrCaptionsFile Get_File() const;
     ZyrCaptionClass Get_Class(uint32_t uiClass) const;
@@ -53,10 +54,14 @@ public:
     // The file as it is; empty when it is gone by now.
     std::string Read_Bytes() const;
 
+    // Why there is no caption in it, in a few words; empty when there is one.
+    std::string Explain_Empty() const;
+
     // When the last caption goes; one that never does counts a few seconds.
     int64_t Get_End() const;
 
 private:
+    std::string m_strInput; // what standard input gave
     std::unique_ptr<ZyrCaptions, void (*)(ZyrCaptions *)> m_pstList{nullptr, zyrCaptions_free};
 };
 

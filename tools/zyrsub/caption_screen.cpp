@@ -1,5 +1,7 @@
 #include "caption_screen.h"
 
+#include <cstdio>
+
 Outcome CaptionScreen::Open(const ScreenOptions &stOptions)
 {
     m_pstScreen.reset();
@@ -34,6 +36,23 @@ Picture CaptionScreen::Draw_Label(const std::string &strText)
     ZyrCaptionBox stBox = {};
     zyrCaptions_draw(m_pstScreen.get(), strText.c_str(), stPicture.aucRgba.data(), &stBox);
     return Cut_Picture(stPicture, stBox.uiX, stBox.uiY, stBox.uiWidth, stBox.uiHeight);
+}
+
+static std::string Show_Character(uint32_t uiCharacter)
+{
+    char szText[32];
+    std::snprintf(szText, sizeof szText, "U+%04X", uiCharacter);
+    return szText;
+}
+
+std::vector<std::string> CaptionScreen::List_Missing(const std::string &strText) const
+{
+    std::vector<uint32_t> auiMissing(zyrCaptions_getMissing(m_pstScreen.get(), strText.c_str(), nullptr, 0));
+    zyrCaptions_getMissing(m_pstScreen.get(), strText.c_str(), auiMissing.data(),
+                           static_cast<uint32_t>(auiMissing.size()));
+    std::vector<std::string> astrMissing;
+    for (const uint32_t uiCharacter : auiMissing) astrMissing.push_back(Show_Character(uiCharacter));
+    return astrMissing;
 }
 
 ZyrCaptionOutput Get_Output(uint32_t uiOutput)

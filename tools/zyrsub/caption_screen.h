@@ -21,6 +21,9 @@ public:
     // The text alone, cut to its box, over black.
     Picture Draw_Label(const std::string &strText);
 
+    // The characters of a text that the font does not have.
+    std::vector<std::string> List_Missing(const std::string &strText) const;
+
     uint32_t Get_Width() const { return m_stBackground.uiWidth; }
     uint32_t Get_Height() const { return m_stBackground.uiHeight; }
 

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <filesystem>
+#include <unistd.h>
 
 #include "convert_write.h"
+#include "file_tree.h"
 #include "report_json.h"
 #include "safe_file.h"
 #include "text_tools.h"
@@ -246,8 +249,32 @@ static ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
     return eRead == E_EXIT_GOOD && eAll == E_EXIT_GOOD && bLost ? E_EXIT_TEXT_LOST : eAll;
 }
 
+// Each file of a tree becomes one of its own, below the folder that -o names, under its own path.
+static ExitCode Convert_Tree(const Options &stOptions, const std::vector<TreeFile> &astFiles)
+{
+    std::vector<ExitCode> aeCodes;
+    for (const TreeFile &stFile : astFiles) {
+        Options stOne = stOptions;
+        const std::filesystem::path stTarget =
+            std::filesystem::path(stOptions.stConvert.strFile) / stFile.strBelow;
+        std::error_code stIgnored; // the write tells what is wrong
+        std::filesystem::create_directories(stTarget.parent_path(), stIgnored);
+        stOne.astrMovies = {stFile.strPath};
+        stOne.stConvert.strFile = std::filesystem::path(stTarget)
+                                      .replace_extension(stOptions.stConvert.pstFormat->pszName)
+                                      .string();
+        JsonReport stJson;
+        aeCodes.push_back(Convert_Inputs(stOne, stJson));
+        if (stOptions.stReport.bJson) stJson.Print_Line();
+        if (isatty(STDOUT_FILENO) == 0) Show_Progress(aeCodes.size(), astFiles.size());
+    }
+    return Report_Tree(aeCodes);
+}
+
 ExitCode Run_Convert(const Options &stOptions)
 {
+    const std::vector<TreeFile> astFiles = List_Trees(stOptions.astrMovies);
+    if (!astFiles.empty() && stOptions.stConvert.strFile != "-") return Convert_Tree(stOptions, astFiles);
     JsonReport stJson;
     const ExitCode eCode = Convert_Inputs(stOptions, stJson);
     if (stOptions.stReport.bJson) stJson.Print();

@@ -25,6 +25,7 @@ static constexpr const char *INFO_FOOTER = R"(Examples:
   zyrsub info movie.srt              one file
   zyrsub info movie.avi              the subtitle that a player finds beside the movie
   zyrsub info --json *.smi           many files, as one JSON document
+  zyrsub info --json subtitles/      every file of a tree, a line of JSON each
   zyrsub info --codepage auto old.smi   read in the code page that its bytes look like)";
 
 static constexpr const char *FIND_FOOTER = R"(Examples:
@@ -56,6 +57,7 @@ static constexpr const char *PLAY_FOOTER = R"(Keys:
   space        pause and go on
   left, right  5 seconds back, on
   down, up     a minute back, on
+  n, p         next, previous caption
   l            next language, then all of them again
   o            next output (window only)
   q, Esc       quit
@@ -212,13 +214,17 @@ static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
     Add_SourceOptions(pstRender, stLine.stOptions, false);
     Add_ScreenOptions(pstRender, stLine.stOptions);
     Add_Time(pstRender, "--at", stRender.uiAt, "the time on screen [the first caption's start]");
-    pstRender->add_option("-o", stRender.strPicture, "PNG to write [MOVIE-TIME-OUTPUT.png]")
+    pstRender
+        ->add_option("-o", stRender.strPicture, "PNG to write; - is standard output [MOVIE-TIME-OUTPUT.png]")
         ->type_name("FILE");
     CLI::Option *pstSheet =
-        pstRender->add_option("--sheet", stRender.strSheet, "PNG for all captions at once")
+        pstRender
+            ->add_option("--sheet", stRender.strSheet,
+                         "PNG for all captions at once; -2 and so on for more than 8192 rows of pixels")
             ->type_name("FILE");
     pstRender->add_flag("--all", stRender.bAll, "every caption, on one sheet")->needs(pstSheet);
     pstSheet->excludes("--at")->excludes("-o");
+    pstRender->add_flag("--force", stRender.bForce, "replace an existing file");
     pstRender->footer(std::string(RENDER_FOOTER) + List_OutputNames());
 }
 

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <unistd.h>
+#include <filesystem>
+#include <functional>
 
 #include "caption_screen.h"
+#include "file_tree.h"
 #include "movie_search.h"
 #include "text_tools.h"
 #include "time_text.h"
@@ -16,7 +18,7 @@ static constexpr uint32_t CELL_GAP = 12;
 static constexpr uint32_t LABEL_HEIGHT = 40;
 static constexpr uint32_t RULE_HEIGHT = 2;
 static constexpr uint32_t SHEET_WIDTH = SHEET_COLUMNS * (CELL_WIDTH + CELL_GAP) + CELL_GAP;
-static constexpr uint32_t MAX_SHEET_ROWS = 2500; // a PNG is at most a million pixels high
+static constexpr uint32_t MAX_SHEET_HEIGHT = 8192; // pixels; what viewers and phones still open
 
 // movie.srt at 1500 ms becomes movie-1500-lcd.png, in the current folder.
 static std::string Make_PictureName(const std::string &strMovie, int64_t llMs,
@@ -45,6 +47,30 @@ static int64_t Find_FirstCaption(const CaptionFile &stFile)
     return astCaptions.empty() ? 0 : astCaptions.front().iStart;
 }
 
+// A picture that is there already may be worth more than this one.
+static Outcome Check_Free(const std::string &strFile, bool bForce)
+{
+    std::error_code stIgnored;
+    if (bForce || strFile == "-" || !std::filesystem::is_regular_file(strFile, stIgnored)) return {};
+    return {E_EXIT_SOME_FAILED, strFile + " is there already; --force replaces it"};
+}
+
+// The characters that a caption's font does not have, once for the run.
+static void Warn_Missing(const CaptionFile &stFile, const CaptionScreen &stScreen,
+                         const std::string &strMovie)
+{
+    std::string strAll;
+    for (uint32_t uiIndex = 0; uiIndex < stFile.Count(); ++uiIndex)
+        strAll += stFile.Get_Caption(uiIndex).pszText;
+    const std::vector<std::string> astrMissing = stScreen.List_Missing(strAll);
+    static constexpr size_t SHOWN = 20;
+    if (astrMissing.empty()) return;
+    const size_t uiShown = std::min(astrMissing.size(), SHOWN);
+    Report_Problem(strMovie, "the font lacks " + std::to_string(astrMissing.size()) + " of its characters: " +
+                                 Join_Lines(std::span(astrMissing).first(uiShown), " ") +
+                                 (uiShown < astrMissing.size() ? " ..." : ""));
+}
+
 static Outcome Render_One(const Options &stOptions, const CaptionFile &stFile, CaptionScreen &stScreen)
 {
     const ZyrCaptionOutput stOutput = Get_Output(stOptions.stScreen.uiOutput);
@@ -53,8 +79,9 @@ static Outcome Render_One(const Options &stOptions, const CaptionFile &stFile, C
     const std::string strFile = stOptions.stRender.strPicture.empty()
                                     ? Make_PictureName(stOptions.astrMovies.front(), llMs, stOutput)
                                     : stOptions.stRender.strPicture;
-    Outcome stWritten = Write_Png(strFile, stScreen.Draw(strCaption));
-    if (!stWritten.IsGood()) return stWritten;
+    Outcome stWritten = Check_Free(strFile, stOptions.stRender.bForce);
+    if (stWritten.IsGood()) stWritten = Write_Png(strFile, stScreen.Draw(strCaption));
+    if (!stWritten.IsGood() || strFile == "-") return stWritten;
     const std::string strShown =
         strCaption.empty() ? "(no caption)" : Join_Lines(Split_Lines(strCaption), " / ");
     std::printf("%s  %s  %s %ux%u  %s\n", strFile.c_str(), Format_Time(static_cast<int32_t>(llMs)).c_str(),
@@ -90,15 +117,6 @@ static Picture Draw_Cell(const CaptionFile &stFile, const ZyrCaption &stCaption,
     return stCell;
 }
 
-static void Show_Progress(size_t uiDone, size_t uiAll)
-{
-    static constexpr size_t BAR = 40;
-    if (isatty(STDERR_FILENO) == 0) return;
-    const std::string strBar(BAR * uiDone / uiAll, '#');
-    std::fprintf(stderr, "\r[%-40s] %zu of %zu%s", strBar.c_str(), uiDone, uiAll,
-                 uiDone == uiAll ? "\n" : "");
-}
-
 // One caption for every time at which one starts.
 static std::vector<ZyrCaption> List_Moments(const CaptionFile &stFile)
 {
@@ -108,33 +126,60 @@ static std::vector<ZyrCaption> List_Moments(const CaptionFile &stFile)
     return astCaptions;
 }
 
-// Row by row, so that a long film needs no more memory than a short one.
-static Outcome Render_Sheet(const Options &stOptions, const CaptionFile &stFile, CaptionScreen &stScreen)
+// sheet.png, sheet-2.png ...
+static std::string Make_PageName(const std::string &strSheet, size_t uiPage)
 {
-    const std::vector<ZyrCaption> astCaptions = List_Moments(stFile);
-    if (astCaptions.empty()) return {E_EXIT_SOME_FAILED, "there is no caption to draw"};
-    const size_t uiRows = (astCaptions.size() + SHEET_COLUMNS - 1) / SHEET_COLUMNS;
-    if (uiRows > MAX_SHEET_ROWS) return {E_EXIT_SOME_FAILED, "too many frames for one sheet"};
+    if (uiPage == 0) return strSheet;
+    const std::filesystem::path stPath(strSheet);
+    const std::string strName =
+        stPath.stem().string() + "-" + std::to_string(uiPage + 1) + stPath.extension().string();
+    return (stPath.parent_path() / strName).string();
+}
+
+// Row by row, so that a long film needs no more memory than a short one.
+static Outcome Render_Page(const std::string &strFile, const CaptionFile &stFile,
+                           std::span<const ZyrCaption> astCaptions, CaptionScreen &stScreen,
+                           const std::function<void()> &pfDone)
+{
     const uint32_t uiRowHeight =
         CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width() + LABEL_HEIGHT + CELL_GAP;
-    PngWriter stWriter(stOptions.stRender.strSheet, SHEET_WIDTH,
-                       static_cast<uint32_t>(uiRows) * uiRowHeight + CELL_GAP);
+    const size_t uiRows = (astCaptions.size() + SHEET_COLUMNS - 1) / SHEET_COLUMNS;
+    PngWriter stWriter(strFile, SHEET_WIDTH, static_cast<uint32_t>(uiRows) * uiRowHeight + CELL_GAP);
     for (size_t uiFrame = 0; uiFrame < astCaptions.size(); uiFrame += SHEET_COLUMNS) {
         Picture stBand = Make_Grey(SHEET_WIDTH, uiRowHeight);
         for (uint32_t uiColumn = 0; uiColumn < SHEET_COLUMNS && uiFrame + uiColumn < astCaptions.size();
              ++uiColumn) {
             const Picture stCell = Draw_Cell(stFile, astCaptions[uiFrame + uiColumn], stScreen);
             Paste_Picture(stBand, stCell, CELL_GAP + uiColumn * (CELL_WIDTH + CELL_GAP), CELL_GAP);
-            Show_Progress(uiFrame + uiColumn + 1, astCaptions.size());
+            pfDone();
         }
         stWriter.Write_Band(stBand);
     }
     stWriter.Write_Band(Make_Grey(SHEET_WIDTH, CELL_GAP));
-    Outcome stWritten = stWriter.Finish();
-    if (stWritten.IsGood())
-        std::printf("%s  %zu captions  %s\n", stOptions.stRender.strSheet.c_str(), astCaptions.size(),
+    return stWriter.Finish();
+}
+
+static Outcome Render_Sheet(const Options &stOptions, const CaptionFile &stFile, CaptionScreen &stScreen)
+{
+    const std::vector<ZyrCaption> astCaptions = List_Moments(stFile);
+    if (astCaptions.empty()) return {E_EXIT_SOME_FAILED, "there is no caption to draw"};
+    const uint32_t uiRowHeight =
+        CELL_WIDTH * stScreen.Get_Height() / stScreen.Get_Width() + LABEL_HEIGHT + CELL_GAP;
+    const size_t uiPerPage = size_t{(MAX_SHEET_HEIGHT - CELL_GAP) / uiRowHeight} * SHEET_COLUMNS;
+    size_t uiDone = 0;
+    for (size_t uiPage = 0; uiDone < astCaptions.size(); ++uiPage) {
+        const std::string strFile = Make_PageName(stOptions.stRender.strSheet, uiPage);
+        const std::span<const ZyrCaption> astPage = std::span(astCaptions).subspan(uiDone);
+        const std::span<const ZyrCaption> astShown = astPage.first(std::min(uiPerPage, astPage.size()));
+        Outcome stWritten = Check_Free(strFile, stOptions.stRender.bForce);
+        if (stWritten.IsGood())
+            stWritten = Render_Page(strFile, stFile, astShown, stScreen,
+                                    [&] { Show_Progress(++uiDone, astCaptions.size()); });
+        if (!stWritten.IsGood()) return stWritten;
+        std::printf("%s  %zu captions  %s\n", strFile.c_str(), astShown.size(),
                     Get_Output(stOptions.stScreen.uiOutput).pszName);
-    return stWritten;
+    }
+    return {};
 }
 
 // A slip of the fingers must not cost a subtitle.
@@ -154,6 +199,7 @@ ExitCode Run_Render(const Options &stOptions)
     if (stOutcome.IsGood()) {
         CaptionScreen stScreen;
         stOutcome = stScreen.Open(stOptions.stScreen);
+        if (stOutcome.IsGood()) Warn_Missing(stFile, stScreen, strMovie);
         if (stOutcome.IsGood())
             stOutcome = stOptions.stRender.strSheet.empty() ? Render_One(stOptions, stFile, stScreen)
                                                             : Render_Sheet(stOptions, stFile, stScreen);

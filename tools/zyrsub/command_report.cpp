@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <unistd.h>
 
+#include "file_tree.h"
 #include "report_json.h"
 #include "report_text.h"
 #include "text_tools.h"
@@ -25,40 +27,63 @@ ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes)
     return aeCodes.empty() ? E_EXIT_GOOD : aeCodes.front();
 }
 
+static ExitCode Run_File(const Options &stOptions, const std::string &strMovie, const FileStep &pfStep,
+                         JsonReport &stJson)
+{
+    stJson.Begin_File(strMovie);
+    CaptionFile stFile;
+    Outcome stOutcome = stFile.Open(strMovie, stOptions.stSource);
+    if (stOutcome.IsGood()) stOutcome = pfStep(strMovie, stFile, stJson);
+    if (!stOutcome.IsGood()) {
+        Report_Problem(strMovie, stOutcome.strText);
+        stJson.Add_Failure(stOutcome);
+    }
+    return stOutcome.eCode;
+}
+
 static ExitCode Run_Files(const Options &stOptions, const FileStep &pfStep)
 {
     JsonReport stJson;
     std::vector<ExitCode> aeCodes;
-    for (const std::string &strMovie : stOptions.astrMovies) {
-        stJson.Begin_File(strMovie);
-        CaptionFile stFile;
-        Outcome stOutcome = stFile.Open(strMovie, stOptions.stSource);
-        if (stOutcome.IsGood()) stOutcome = pfStep(strMovie, stFile, stJson);
-        if (!stOutcome.IsGood()) {
-            Report_Problem(strMovie, stOutcome.strText);
-            stJson.Add_Failure(stOutcome);
-        }
-        aeCodes.push_back(stOutcome.eCode);
-    }
+    for (const std::string &strMovie : stOptions.astrMovies)
+        aeCodes.push_back(Run_File(stOptions, strMovie, pfStep, stJson));
     if (stOptions.stReport.bJson) stJson.Print();
     return Combine_Codes(aeCodes);
 }
 
+// With one line of JSON for each file: a tree may be large.
+static ExitCode Run_Tree(const Options &stOptions, const std::vector<TreeFile> &astFiles,
+                         const FileStep &pfStep)
+{
+    std::vector<ExitCode> aeCodes;
+    for (const TreeFile &stFile : astFiles) {
+        JsonReport stJson;
+        aeCodes.push_back(Run_File(stOptions, stFile.strPath, pfStep, stJson));
+        if (stOptions.stReport.bJson) stJson.Print_Line();
+        if (isatty(STDOUT_FILENO) == 0) Show_Progress(aeCodes.size(), astFiles.size());
+    }
+    return Report_Tree(aeCodes);
+}
+
 ExitCode Run_Info(const Options &stOptions)
 {
-    return Run_Files(stOptions,
-                     [&](const std::string &strMovie, const CaptionFile &stFile, JsonReport &stJson) {
-                         if (stOptions.stReport.bJson)
-                             stJson.Add_Info(stFile);
-                         else
-                             Print_Info(strMovie, stFile);
-                         return Outcome{};
-                     });
+    const FileStep pfInfo = [&](const std::string &strMovie, const CaptionFile &stFile, JsonReport &stJson) {
+        const LineEnds stEnds = Find_LineEnds(stFile, stOptions.stSource);
+        if (stOptions.stReport.bJson)
+            stJson.Add_Info(stFile, stEnds);
+        else
+            Print_Info(strMovie, stFile, stEnds);
+        return Outcome{};
+    };
+    const std::vector<TreeFile> astFiles = List_Trees(stOptions.astrMovies);
+    return astFiles.empty() ? Run_Files(stOptions, pfInfo) : Run_Tree(stOptions, astFiles, pfInfo);
 }
 
 static Outcome Report_Frames(const ReportOptions &stReport, const CaptionFile &stFile, JsonReport &stJson)
 {
     if (stReport.bJson) stJson.Add_Source(stFile, true);
+    if (stFile.Count() == 0)
+        Report_Problem(stFile.Get_File().pszFile, "no captions: " + stFile.Explain_Empty());
     const uint32_t uiLimit = std::min(stReport.uiCount.value_or(UINT32_MAX), stFile.Count());
     for (uint32_t uiIndex = 0; uiIndex < uiLimit; ++uiIndex) {
         const Frame stFrame = stFile.Read_Frame(uiIndex);

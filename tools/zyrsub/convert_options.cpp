@@ -13,6 +13,7 @@ static constexpr const char *CONVERT_FOOTER = R"(Examples:
   zyrsub convert movie.ko.srt movie.en.srt -o movie.smi      two languages in one file
   zyrsub convert movie.srt --shift -1.5s --scale 25/23.976 -o fixed.srt
   zyrsub convert movie.srt --to vtt -o -                     to standard output
+  zyrsub convert --to srt subtitles/ -o converted/           every file of a tree
 
 An existing file is replaced only with --force. What does not come along is counted and told on standard error;
 where that is text, the exit code is 3, and --strict writes nothing.)";

@@ -81,6 +81,8 @@ Outcome Read_Tracks(const SourceOptions &stOptions, const std::string &strMovie,
     CaptionFile stFile;
     Outcome stOpened = stFile.Open(strMovie, stOptions);
     if (stOpened.IsGood()) stOpened = Check_CodePage(stFile, stOptions);
+    if (stOpened.IsGood() && stFile.Count() == 0)
+        stOpened = {E_EXIT_SOME_FAILED, "no captions to convert: " + stFile.Explain_Empty()};
     if (!stOpened.IsGood()) return stOpened;
     const SourceText stSource(stFile);
     const size_t uiFirst = astTracks.size();

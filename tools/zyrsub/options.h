@@ -26,6 +26,7 @@ struct RenderOptions {
     std::optional<uint32_t> uiAt; // ms
     std::string strPicture;
     std::string strSheet;
+    bool bForce = false;
     bool bAll = false; // says what --sheet does anyway
 };
 

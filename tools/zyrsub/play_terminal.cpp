@@ -16,10 +16,16 @@
 static constexpr int POLL_MS = 10;
 
 static volatile std::sig_atomic_t s_iStopped = 0;
+static volatile std::sig_atomic_t s_iSuspended = 0; // Ctrl-Z was pressed
 
 static void Stop_Playing(int /*iSignal*/)
 {
     s_iStopped = 1;
+}
+
+static void Suspend_Playing(int /*iSignal*/)
+{
+    s_iSuspended = 1;
 }
 
 // Keys without Enter, and the screen given back as it was.
@@ -32,24 +38,42 @@ public:
         std::signal(SIGTERM, Stop_Playing);
         std::signal(SIGHUP, Stop_Playing);
         if (!m_bActive || tcgetattr(STDIN_FILENO, &m_stBefore) != 0) return;
-        termios stRaw = m_stBefore;
-        stRaw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-        tcsetattr(STDIN_FILENO, TCSANOW, &stRaw);
-        std::fputs("\x1b[?1049h\x1b[?25l", stdout);
+        std::signal(SIGTSTP, Suspend_Playing);
+        Take_Screen();
     }
     ~TerminalSession()
     {
-        if (!m_bActive) return;
-        std::fputs("\x1b[?25h\x1b[?1049l", stdout);
-        std::fflush(stdout);
-        tcsetattr(STDIN_FILENO, TCSANOW, &m_stBefore);
+        if (m_bActive) Give_Back();
     }
     TerminalSession(const TerminalSession &) = delete;
     TerminalSession &operator=(const TerminalSession &) = delete;
 
     bool IsActive() const { return m_bActive; }
 
+    // Stops here, with the screen given back, until the shell lets the program go on.
+    void Suspend()
+    {
+        s_iSuspended = 0;
+        Give_Back();
+        std::raise(SIGSTOP);
+        Take_Screen();
+    }
+
 private:
+    void Take_Screen()
+    {
+        termios stRaw = m_stBefore;
+        stRaw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+        tcsetattr(STDIN_FILENO, TCSANOW, &stRaw);
+        std::fputs("\x1b[?1049h\x1b[?25l", stdout);
+    }
+    void Give_Back()
+    {
+        std::fputs("\x1b[?25h\x1b[?1049l", stdout);
+        std::fflush(stdout);
+        tcsetattr(STDIN_FILENO, TCSANOW, &m_stBefore);
+    }
+
     bool m_bActive;
     termios m_stBefore = {};
 };
@@ -59,8 +83,9 @@ struct KeyRow {
     PlayCommand eCommand;
 };
 static constexpr KeyRow KEYS[] = {
-    {" ", E_PLAY_PAUSE},       {"\x1b[D", E_PLAY_BACK}, {"\x1b[C", E_PLAY_ON}, {"\x1b[B", E_PLAY_FAR_BACK},
-    {"\x1b[A", E_PLAY_FAR_ON}, {"l", E_PLAY_LANGUAGE},  {"q", E_PLAY_QUIT},    {"\x1b", E_PLAY_QUIT},
+    {" ", E_PLAY_PAUSE},       {"\x1b[D", E_PLAY_BACK}, {"\x1b[C", E_PLAY_ON},  {"\x1b[B", E_PLAY_FAR_BACK},
+    {"\x1b[A", E_PLAY_FAR_ON}, {"n", E_PLAY_NEXT},      {"p", E_PLAY_PREVIOUS}, {"l", E_PLAY_LANGUAGE},
+    {"q", E_PLAY_QUIT},        {"\x1b", E_PLAY_QUIT},
 };
 
 // Waits a moment for a key. An escape that nothing follows is the key itself, not the start of an arrow.
@@ -88,7 +113,8 @@ static std::string Format_Screen(const Playback &stPlayback, const std::string &
     std::string strText = "\x1b[H" + stPlayback.Describe() + "\x1b[K\n\x1b[K\n";
     for (const std::string &strLine : Split_Lines(Make_Printable(strCaption)))
         strText.append("    ").append(strLine).append("\x1b[K\n");
-    return strText + "\x1b[J\n\nspace pause   left/right 5 s   up/down 1 min   l language   q quit";
+    return strText +
+           "\x1b[J\n\nspace pause   left/right 5 s   up/down 1 min   n/p caption   l language   q quit";
 }
 
 // What was shown last, to print only what is new.
@@ -114,11 +140,17 @@ static void Show_Change(const TerminalSession &stSession, const Playback &stPlay
 Outcome Play_Terminal(Playback &stPlayback)
 {
     using Clock = std::chrono::steady_clock;
-    const TerminalSession stSession;
+    TerminalSession stSession;
     Shown stShown;
     Show_Change(stSession, stPlayback, stShown);
     auto stLast = Clock::now();
-    while (s_iStopped == 0 && !stPlayback.Is_AtEnd()) {
+    // Where there are keys to go back with, the end is no reason to leave.
+    while (s_iStopped == 0 && (stSession.IsActive() || !stPlayback.Is_AtEnd())) {
+        if (s_iSuspended != 0) {
+            stSession.Suspend();
+            stShown = {};
+            stLast = Clock::now();
+        }
         const PlayCommand eCommand = Wait_Key(stSession.IsActive());
         if (eCommand == E_PLAY_QUIT) break;
         stPlayback.Apply(eCommand);

@@ -55,6 +55,8 @@ static PlayCommand Get_KeyCommand(SDL_Keycode iKey)
     case SDLK_RIGHT: return E_PLAY_ON;
     case SDLK_DOWN: return E_PLAY_FAR_BACK;
     case SDLK_UP: return E_PLAY_FAR_ON;
+    case SDLK_n: return E_PLAY_NEXT;
+    case SDLK_p: return E_PLAY_PREVIOUS;
     case SDLK_l: return E_PLAY_LANGUAGE;
     case SDLK_o: return E_PLAY_OUTPUT;
     case SDLK_q:

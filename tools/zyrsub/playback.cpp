@@ -42,6 +42,25 @@ void Playback::Seek_By(double dMs)
     m_dBehind = 0;
 }
 
+// To where a caption with text starts; those that only clear are no place to go to.
+void Playback::Seek_Caption(bool bNext)
+{
+    auto iTime = static_cast<int32_t>(Get_Position());
+    const auto pfFind = bNext ? zyrCaptions_getNext : zyrCaptions_getPrevious;
+    for (uint32_t ui; (ui = pfFind(m_stFile.Get_List(), Get_Class(), iTime)) != ZYR_CAPTIONS_NONE;) {
+        const ZyrCaption stCaption = m_stFile.Get_Caption(ui);
+        if (Has_VisibleText(stCaption.pszText)) return Seek_By(stCaption.iStart - m_dPosition);
+        iTime = stCaption.iStart;
+    }
+}
+
+// In tenths of a second.
+static std::string Format_Short(int64_t llMs)
+{
+    const std::string strText = Format_Time(static_cast<int32_t>(llMs));
+    return strText.substr(0, strText.size() - 2);
+}
+
 void Playback::Apply(PlayCommand eCommand)
 {
     switch (eCommand) {
@@ -50,6 +69,8 @@ void Playback::Apply(PlayCommand eCommand)
     case E_PLAY_ON: Seek_By(SHORT_STEP_MS); break;
     case E_PLAY_FAR_BACK: Seek_By(-LONG_STEP_MS); break;
     case E_PLAY_FAR_ON: Seek_By(LONG_STEP_MS); break;
+    case E_PLAY_NEXT: Seek_Caption(true); break;
+    case E_PLAY_PREVIOUS: Seek_Caption(false); break;
     case E_PLAY_LANGUAGE: // all together, then each alone, then all again
         if (m_auiClasses.size() > 1) m_uiLanguage = (m_uiLanguage + 1) % (m_auiClasses.size() + 1);
         break;
@@ -59,14 +80,14 @@ void Playback::Apply(PlayCommand eCommand)
 
 std::string Playback::Describe() const
 {
-    std::string strText = Format_Time(static_cast<int32_t>(Get_Position()));
-    strText.resize(strText.size() - 2);
+    std::string strText = Format_Short(Get_Position()) + " of " + Format_Short(m_llEnd);
     std::vector<std::string> astrNames;
     for (const uint32_t uiClass : m_auiClasses)
         if (m_uiLanguage == 0 || uiClass == Get_Class())
             astrNames.push_back(Show_ClassName(m_stFile.Get_ClassName(uiClass)));
     if (m_auiClasses.size() > 1) strText += "  " + Join_Lines(astrNames, " + ");
     if (m_bPaused) strText += "  paused";
+    if (Is_AtEnd()) strText += "  end";
     return strText;
 }
 

@@ -16,6 +16,8 @@ enum PlayCommand {
     E_PLAY_ON,       // 5 seconds
     E_PLAY_FAR_BACK, // a minute
     E_PLAY_FAR_ON,   // a minute
+    E_PLAY_NEXT,     // caption
+    E_PLAY_PREVIOUS, // caption
     E_PLAY_LANGUAGE,
     E_PLAY_OUTPUT,
     E_PLAY_QUIT,
@@ -38,11 +40,12 @@ public:
     bool Is_Paused() const { return m_bPaused; }
     bool Is_AtEnd() const { return Get_Position() >= m_llEnd; }
 
-    // "0:00:05.0  KRCC  paused": whole tenths of a second, so that it can be read while it runs
+    // "0:00:05.0 of 0:12:00.0  KRCC  paused": whole tenths of a second, so that it can be read while it runs
     std::string Describe() const;
 
 private:
     void Seek_By(double dMs);
+    void Seek_Caption(bool bNext);
 
     uint32_t Get_Class() const;
 

@@ -80,7 +80,7 @@ PngWriter::PngWriter(std::string strPath, uint32_t uiWidth, uint32_t uiHeight) :
 {
     State &stState = *m_pstState;
     stState.strPath = std::move(strPath);
-    stState.pstFile = std::fopen(stState.strPath.c_str(), "wb");
+    stState.pstFile = stState.strPath == "-" ? stdout : std::fopen(stState.strPath.c_str(), "wb");
     if (stState.pstFile == nullptr) {
         std::snprintf(stState.szError, sizeof stState.szError, "%s", std::strerror(errno));
         return;
@@ -97,7 +97,7 @@ PngWriter::PngWriter(std::string strPath, uint32_t uiWidth, uint32_t uiHeight) :
 PngWriter::~PngWriter()
 {
     if (m_pstState->pstPng != nullptr) png_destroy_write_struct(&m_pstState->pstPng, &m_pstState->pstInfo);
-    if (m_pstState->pstFile != nullptr) std::fclose(m_pstState->pstFile);
+    if (m_pstState->pstFile != nullptr && m_pstState->pstFile != stdout) std::fclose(m_pstState->pstFile);
     delete m_pstState;
 }
 
@@ -111,7 +111,8 @@ Outcome PngWriter::Finish()
 {
     State &stState = *m_pstState;
     if (stState.szError[0] == '\0') Write_Tail(stState.pstPng, stState.pstInfo);
-    if (stState.pstFile != nullptr && std::fclose(stState.pstFile) != 0 && stState.szError[0] == '\0')
+    const auto pfEnd = stState.pstFile == stdout ? std::fflush : std::fclose; // main() closes its own
+    if (stState.pstFile != nullptr && pfEnd(stState.pstFile) != 0 && stState.szError[0] == '\0')
         std::snprintf(stState.szError, sizeof stState.szError, "%s", std::strerror(errno));
     stState.pstFile = nullptr;
     if (stState.szError[0] != '\0')

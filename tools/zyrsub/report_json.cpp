@@ -181,7 +181,7 @@ static ordered_json Describe_Encoding(const CaptionFile &stCaptions)
             {"likely_code_pages", jsPages}};
 }
 
-void JsonReport::Add_Info(const CaptionFile &stCaptions)
+void JsonReport::Add_Info(const CaptionFile &stCaptions, const LineEnds &stEnds)
 {
     const ZyrCaptionsFile stFile = stCaptions.Get_File();
     Add_Source(stCaptions, false);
@@ -189,6 +189,12 @@ void JsonReport::Add_Info(const CaptionFile &stCaptions)
     jsFile["encoding_details"] = Describe_Encoding(stCaptions);
     if (stFile.uiFormat == ZYR_CAPTIONS_SSA) jsFile["ssa"] = Describe_Ssa(stCaptions);
     if (stFile.uiFormat == ZYR_CAPTIONS_SUBVIEWER) jsFile["subviewer"] = Describe_SubViewer(stFile);
+    jsFile["line_ends"] = {{"cr_lf", stEnds.uiCrLf},
+                           {"lf", stEnds.uiLf},
+                           {"cr", stEnds.uiCr},
+                           {"captions_on_the_box", stEnds.uiBoxCaptions}};
+    jsFile["with_text"] = stFile.uiWithText;
+    if (stCaptions.Count() == 0) jsFile["no_caption"] = stCaptions.Explain_Empty();
     jsFile["classes"] = Describe_Classes(stCaptions);
 }
 
@@ -239,6 +245,13 @@ static void Print_Document(const ordered_json &jsDocument)
 void JsonReport::Print() const
 {
     Print_Document(*m_pstDocument);
+}
+
+void JsonReport::Print_Line() const
+{
+    ordered_json jsLine = m_pstDocument->at("files").back();
+    if (m_pstDocument->contains("outputs")) jsLine["outputs"] = m_pstDocument->at("outputs");
+    std::printf("%s\n", jsLine.dump(-1, ' ', false, ordered_json::error_handler_t::replace).c_str());
 }
 
 void Print_JsonFailure(ExitCode eCode, const std::string &strText)

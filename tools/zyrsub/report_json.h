@@ -10,6 +10,7 @@
 #include "caption_file.h"
 #include "convert_track.h"
 #include "exit_code.h"
+#include "line_ends.h"
 #include "movie_search.h"
 
 struct ConvertedFile {
@@ -31,11 +32,12 @@ public:
     void Begin_File(const std::string &strMovie);
     void Add_Failure(const Outcome &stOutcome);
     void Add_Error(const Outcome &stOutcome); // of no one input
-    void Add_Info(const CaptionFile &stCaptions);
+    void Add_Info(const CaptionFile &stCaptions, const LineEnds &stEnds);
     void Add_Frame(const CaptionFile &stCaptions, const Frame &stFrame);
     void Add_Output(const ConvertedFile &stOutput);
     void Add_Search(const MovieSearch &stSearch, const std::string &strVerdict);
     void Print() const;
+    void Print_Line() const; // the one input, and its outputs, as one line
 
     // What every successfully opened file begins with.
     void Add_Source(const CaptionFile &stCaptions, bool bFrames);

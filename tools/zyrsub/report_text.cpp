@@ -76,6 +76,8 @@ static void Print_Classes(const CaptionFile &stCaptions)
         if (bSami)
             strText = std::to_string(uiClass) + "  " + Show_ClassName(stClass.pszName) + "  " + strFrames +
                       " frames";
+        if (!bSami && stCaptions.Get_File().uiWithText < stClass.uiCaptions)
+            strText += ", " + std::to_string(stCaptions.Get_File().uiWithText) + " with text";
         if (stClass.uiCaptions > 0)
             strText += ", " + Format_Time(stClass.iFirstStart) + " to " + Format_Time(stClass.iLastStart);
         for (uint32_t uiName = 0; uiName < stClass.uiFolded; ++uiName)
@@ -111,17 +113,19 @@ static void Print_SubViewerHeader(const ZyrCaptionsFile &stFile)
     Print_Row("font", stFile.pszFont);
 }
 
-void Print_Info(const std::string &strMovie, const CaptionFile &stCaptions)
+void Print_Info(const std::string &strMovie, const CaptionFile &stCaptions, const LineEnds &stEnds)
 {
     const ZyrCaptionsFile stFile = stCaptions.Get_File();
     std::printf("%s\n", strMovie.c_str());
     if (strMovie != stFile.pszFile) Print_Row("subtitle", stFile.pszFile);
     Print_Row("format", stFile.pszFormat);
     Print_Encoding(stCaptions);
+    Print_Row("line ends", Describe_LineEnds(stEnds, stCaptions.Count()));
     Print_Row("delivers", Describe_Output(stFile));
     if (stFile.uiFormat == ZYR_CAPTIONS_SSA) Print_SsaHeader(stCaptions);
     if (stFile.uiFormat == ZYR_CAPTIONS_SUBVIEWER) Print_SubViewerHeader(stFile);
     Print_Classes(stCaptions);
+    if (stCaptions.Count() == 0) Print_Row("no caption", stCaptions.Explain_Empty());
 }
 
 // The class is only worth a column where there is a choice.

@@ -5,8 +5,9 @@
 #include <string>
 
 #include "caption_file.h"
+#include "line_ends.h"
 
-void Print_Info(const std::string &strMovie, const CaptionFile &stCaptions);
+void Print_Info(const std::string &strMovie, const CaptionFile &stCaptions, const LineEnds &stEnds);
 
 // One frame: times, the class where there are several, and the lines below each other.
 void Print_Frame(const CaptionFile &stCaptions, const Frame &stFrame);
