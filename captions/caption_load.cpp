@@ -101,7 +101,7 @@ std::string Read_Preview(const ZyrCaptions &stList, const std::string &strBlock,
     stText.Append_Block({reinterpret_cast<const uint8_t *>(strBlock.data()), strBlock.size()}, strUtf8);
     for (size_t uiStart = 0; uiStart < strUtf8.size();) {
         const size_t uiEnd = std::min(strUtf8.find('\n', uiStart), strUtf8.size());
-        const std::string strLine = strUtf8.substr(uiStart, uiEnd - uiStart);
+        std::string strLine = strUtf8.substr(uiStart, uiEnd - uiStart);
         if (std::any_of(strLine.begin(), strLine.end(), Is_High)) return strLine;
         uiStart = uiEnd + 1;
     }
@@ -151,7 +151,7 @@ LoadResult Load_Path(Load &stLoad, const char *pszPath)
 {
     stLoad.stList.strFile = pszPath == nullptr ? "" : pszPath;
     if (stLoad.stList.strFile.empty()) return {ZYR_CAPTIONS_BAD_ARGUMENT, "no file was named"};
-    const LoadResult stRead = Read_Subtitle(stLoad.stList.strFile, stLoad.strBytes);
+    LoadResult stRead = Read_Subtitle(stLoad.stList.strFile, stLoad.strBytes);
     if (!stRead.Is_Good()) return stRead;
     stLoad.stList.uiFormat = Find_FormatByName(stLoad.stList.strFile);
     return Load_Bytes(stLoad);

@@ -362,7 +362,7 @@ LoadResult Read_Groups(Reading &stReading, const ZyrCaptionsOptions &stOptions)
         stReading.uiFirstOrder = static_cast<uint32_t>(uiFirst);
         const auto auiGroup =
             auiOrder.subspan(uiFirst, std::min<size_t>(ZYR_STREAM_MAX, auiOrder.size() - uiFirst));
-        const LoadResult stResult = Read_Group(stReading, auiGroup, bSelect, stOptions.uiFromMs);
+        LoadResult stResult = Read_Group(stReading, auiGroup, bSelect, stOptions.uiFromMs);
         if (!stResult.Is_Good()) return stResult;
         if (stList.bTogether) break; // what is joined is what fits side by side
         if (uiFirst > 0) Merge_Rows(stList, uiBefore);
@@ -375,7 +375,7 @@ LoadResult Read_Open(ZyrCaptions &stList, const ZyrCaptionsOptions &stOptions, s
     const EngineText stText(zyrSubtitle_getOutputTextCharacterSet(), stList.strCodePage, stList.bSingleByte);
     Read_Classes(stList, stText);
     Read_Header(stList, stText);
-    const LoadResult stChosen = Choose_Classes(stList, stOptions);
+    LoadResult stChosen = Choose_Classes(stList, stOptions);
     if (!stChosen.Is_Good()) return stChosen;
     Reading stReading{stList, stText, strHighBlock};
     uint32_t uiStyle = 0;

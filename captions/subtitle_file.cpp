@@ -130,7 +130,7 @@ LoadResult Read_Beside(std::string &strFile, std::string &strBytes)
 {
     const std::string strBase = strFile.substr(0, strFile.rfind('.'));
     for (const EndingRow &stRow : ENDINGS) {
-        const LoadResult stResult = Read_File(strBase + stRow.pszEnding, strBytes);
+        LoadResult stResult = Read_File(strBase + stRow.pszEnding, strBytes);
         if (!stResult.Is_Good() && stResult.iError != ZYR_CAPTIONS_TOO_LARGE) continue;
         strFile = strBase + stRow.pszEnding;
         return stResult;

@@ -229,10 +229,9 @@ TEST(ZyrsubInfo, LineEndsAndEmptyFiles)
         {"x.srt", Make_Caption("a"), "line ends  CR LF 4\n"},
         {"x.srt", "1\n00:00:01,000 --> 00:00:02,000\na\n\n",
          "line ends  LF 4; the box, which reads only CR LF, gets 0 of 1 captions"},
-        {"x.srt", "hello\r\n", "no caption no time line is understood"},
-        {"x.smi", "<SAMI><BODY><SYNC Start=\"1000\"><P>a</BODY></SAMI>",
-         "no caption its START values stand in quotes"},
-        {"x.ssa", "[Script Info]\r\n", "can be read as its name says: it has no [Events] section"},
+        {"x.srt", "hello\r\n", "no time line is understood"},
+        {"x.smi", "<SAMI><BODY><SYNC Start=\"1000\"><P>a</BODY></SAMI>", "its START values stand in quotes"},
+        {"x.ssa", "[Script Info]\r\n", "it has no [Events] section"},
     };
     const TestFolder stFolder;
     for (const auto &stCase : astCases) {

@@ -192,9 +192,9 @@ static std::string Add_Tags(const ZyrCaptionStyle &stStyle, bool bColor, const s
     std::string strOut = strText;
     for (const auto &[uiBit, pszTag] : TAGS)
         if ((stStyle.uiDisplayMode & uiBit) != 0)
-            strOut = std::string("<") + pszTag + ">" + strOut + "</" + pszTag + ">";
+            strOut.insert(0, std::string("<") + pszTag + ">").append("</").append(pszTag).append(">");
     if (!bColor || stStyle.usColor == WHITE) return strOut;
-    return "<font color=\"" + Format_Color(stStyle.usColor) + "\">" + strOut + "</font>";
+    return strOut.insert(0, "<font color=\"" + Format_Color(stStyle.usColor) + "\">").append("</font>");
 }
 
 // In order of their starts, with an end for each.
