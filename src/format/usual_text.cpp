@@ -17,11 +17,14 @@ namespace
 
 constexpr uint32_t BLANK = 0x20;
 constexpr uint32_t CONTROLS = 0x20;     // units below are none of a run of characters
-constexpr ptrdiff_t STORE_BYTES = 2048; // of a usual entry's text: six lines at their longest take 1,152
+constexpr ptrdiff_t ENTRY_BYTES = 8192; // of a usual entry's text
 constexpr uint32_t RUN_UNITS_MAX = 250; // of a line of the file: more are laid out in several steps
 constexpr uint32_t TAG_UNITS_MAX = 200;
 constexpr uint32_t ENTITY_UNITS_MAX = 12;
 constexpr uint32_t BLOCK_BITS = (1u << BLOCK_BYTES) - 1;
+
+// No byte of an entry becomes more than two, and a block is stored whole.
+static_assert(2 * ENTRY_BYTES + BLOCK_BYTES <= TEXT_BUF_UNITS * sizeof(uint16_t));
 
 constexpr bool Is_Surrogate(uint32_t uiUnit)
 {
@@ -101,37 +104,36 @@ inline BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, 
 
 /** Take characters up to a stop. @return whether all of them are sure and the buffer holds the stop */
 template <TextKind KIND>
-bool Take_Characters(UsualText &stText, RunStops stStops)
+inline bool Take_Characters(UsualText &stText, RunStops stStops)
 {
     constexpr uint32_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
     constexpr uint32_t UNIT_BITS = (1u << UNIT_BYTES) - 1;
     const uint8_t *pucByte = stText.pucByte;
     const uint8_t *const pucLast = stText.pucEnd - USUAL_AHEAD;
     uint8_t *pucOut = stText.pucOut;
-    const uint8_t *const pucLastOut = stText.pucStore + STORE_BYTES;
-    uint32_t uiPrevBlank = stText.bPrevBlank ? UNIT_BITS : 0;
-    uint32_t uiTrails = stText.uiTrails;
+    uint32_t uiPrevBlank = stText.bPrevBlank || stText.Is_LineEmpty() ? UNIT_BITS : 0;
     uint32_t uiCarry = 0;
-    BlockLook stLook = {};
+    uint32_t uiStop = 0;
     do {
-        if (pucByte > pucLast || pucOut > pucLastOut) return false;
+        if (pucByte > pucLast) return false;
         TextBlock stBlock = TextBlock::Load(pucByte);
         if (KIND == E_TEXT_UTF16 && stStops.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
         stBlock.Store(pucOut);
-        stLook = Look_AtBlock<KIND>(stBlock, pucByte, stStops, uiCarry);
-        stLook.uiStop |= stLook.uiBlank & (stLook.uiBlank << UNIT_BYTES | uiPrevBlank);
-        const uint32_t uiBefore = (stLook.uiStop - 1) & ~stLook.uiStop & BLOCK_BITS; // all without a stop
-        if ((stLook.uiOdd & (uiBefore << 1 | 1)) != 0) return false;
-        if (stLook.uiTrail != 0) uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
-        const uint32_t uiBytes =
-            stLook.uiStop == 0 ? BLOCK_BYTES : static_cast<uint32_t>(std::countr_zero(stLook.uiStop));
+        const BlockLook stLook = Look_AtBlock<KIND>(stBlock, pucByte, stStops, uiCarry);
+        const uint32_t uiAfterBlank = stLook.uiBlank << UNIT_BYTES | uiPrevBlank;
+        uiStop = stLook.uiStop | (stLook.uiBlank & uiAfterBlank);
+        if ((stLook.uiOdd | stLook.uiTrail) != 0) {
+            const uint32_t uiBefore = (uiStop - 1) & ~uiStop & BLOCK_BITS; // all without a stop
+            if ((stLook.uiOdd & (uiBefore << 1 | 1)) != 0) return false;
+            stText.uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
+        }
+        const uint32_t uiBytes = static_cast<uint32_t>(std::countr_zero(uiStop | 1u << BLOCK_BYTES));
+        uiPrevBlank = uiAfterBlank >> uiBytes & UNIT_BITS;
         pucByte += uiBytes;
         pucOut += uiBytes;
-        if (uiBytes > 0) uiPrevBlank = stLook.uiBlank >> (uiBytes - UNIT_BYTES) & UNIT_BITS;
-    } while (stLook.uiStop == 0);
+    } while (uiStop == 0);
     stText.pucByte = pucByte;
     stText.pucOut = pucOut;
-    stText.uiTrails = uiTrails;
     stText.bPrevBlank = uiPrevBlank != 0;
     return true;
 }
@@ -146,7 +148,6 @@ void Skip_Blanks(UsualText &stText)
 UsualStep Take_HighBytes(UsualText &stText)
 {
     while (stText.pucEnd - stText.pucByte >= USUAL_AHEAD && *stText.pucByte >= 0x80) {
-        if (stText.pucOut - stText.pucStore > STORE_BYTES) return E_USUAL_ODD;
         *stText.pucOut++ = 0;
         *stText.pucOut++ = *stText.pucByte++;
         ++stText.uiTrails;
@@ -201,118 +202,120 @@ uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *
 
 // ---- Lines ----
 
-bool Add_Line(UsualText &stText, const uint8_t *pucStart, const uint8_t *pucEnd, uint32_t uiUnits)
+/** End a line, which goes to pucEnd, with a newline. @return false where there is no room for it */
+inline bool Add_Line(UsualText &stText, uint8_t *pucEnd, uint32_t uiUnits)
 {
-    if (uiUnits == 0) return true;
     if (stText.uiLines == ZYR_LINE_MAX) return false;
-    stText.astLine[stText.uiLines++] = {static_cast<uint32_t>(pucStart - stText.pucStore),
-                                        static_cast<uint32_t>(pucEnd - pucStart), uiUnits};
+    stText.pstLines[stText.uiLines++] = {static_cast<uint32_t>(stText.pucLine - stText.pucStore), uiUnits,
+                                         uiUnits, static_cast<uint32_t>(pucEnd - stText.pucLine)};
+    *pucEnd++ = '\n';
+    if (stText.uiUnitBytes == 2) *pucEnd++ = 0;
+    stText.pucLine = pucEnd;
     return true;
 }
 
-/** Where a line that is walked unit by unit has its last blanks, and its last word. */
-struct LineWalk {
-    const uint8_t *pucLine;
-    uint32_t uiUnits;
-    const uint8_t *pucBreak; // end of the last word that blanks follow; NULL = none
-    uint32_t uiBreakUnits;
-    const uint8_t *pucWord; // begin of the word behind them
-    uint32_t uiWordUnits;   // units before it
-    bool bInBlank;
-};
-
-void Note_LineUnit(LineWalk &stWalk, const uint8_t *pucUnit, bool bBlank)
+/** Take the last blanks off the current line. @return false where its last byte may be half of a character */
+bool Trim_Blanks(UsualText &stText)
 {
-    if (bBlank && !stWalk.bInBlank) {
-        stWalk.pucBreak = pucUnit;
-        stWalk.uiBreakUnits = stWalk.uiUnits;
-    } else if (!bBlank && stWalk.bInBlank) {
-        stWalk.pucWord = pucUnit;
-        stWalk.uiWordUnits = stWalk.uiUnits;
+    const bool bHalves = stText.eKind == E_TEXT_DOUBLE && stText.uiTrails > 0;
+    while (!stText.Is_LineEmpty()) {
+        const LineUnit stLast = Get_LineUnit(stText.eKind, stText.pucOut - stText.uiUnitBytes);
+        if (!stLast.bBlank) break;
+        if (bHalves && !stText.bPrevBlank) return false;
+        stText.bPrevBlank = false;
+        stText.pucOut -= stText.uiUnitBytes;
     }
-    stWalk.bInBlank = bBlank;
-}
-
-/** Begin a new line for the unit that does not fit: at the last word, or right there. */
-bool Wrap_Line(UsualText &stText, LineWalk &stWalk, const uint8_t *pucUnit)
-{
-    const bool bHard = stWalk.pucBreak == nullptr;
-    if (stText.uiLines + 1 >= ZYR_LINE_MAX) return false; // the log tells that
-    if (!Add_Line(stText, stWalk.pucLine, bHard ? pucUnit : stWalk.pucBreak,
-                  bHard ? stWalk.uiUnits : stWalk.uiBreakUnits))
-        return false;
-    const bool bMove = !bHard && !stWalk.bInBlank;
-    stWalk.pucLine = bMove ? stWalk.pucWord : pucUnit;
-    stWalk.uiUnits = bMove ? stWalk.uiUnits - stWalk.uiWordUnits : 0;
-    stWalk.pucBreak = nullptr;
     return true;
 }
 
-/** Close the current line unit by unit: it is longer than a line, or ends with blanks. */
-bool Close_WalkedLine(UsualText &stText)
+/** Close the current line, which is too long for one, with line breaks in the place of blanks. */
+bool Close_WrappedLine(UsualText &stText)
 {
-    LineWalk stWalk = {stText.pucLine, 0, nullptr, 0, nullptr, 0, false};
-    const uint8_t *pucUnit = stText.pucLine;
-    while (pucUnit < stText.pucOut) {
+    uint8_t *pucBreak = nullptr; // the last blank
+    uint32_t uiBreakUnits = 0;
+    uint32_t uiUnits = 0;
+    bool bPrevBlank = false;
+    for (uint8_t *pucUnit = stText.pucLine; pucUnit < stText.pucOut;) {
         const LineUnit stUnit = Get_LineUnit(stText.eKind, pucUnit);
-        if (stUnit.bBlank && stWalk.uiUnits == 0) { // a line begins with its first word
-            pucUnit += stUnit.uiBytes;
-            stWalk.pucLine = pucUnit;
-            continue;
+        if (stUnit.bBlank) {
+            if (bPrevBlank) return false; // more goes there than a line break has room for
+            pucBreak = pucUnit;
+            uiBreakUnits = uiUnits;
         }
-        Note_LineUnit(stWalk, pucUnit, stUnit.bBlank);
-        if (stWalk.uiUnits == LINE_UNITS) {
-            if (!Wrap_Line(stText, stWalk, pucUnit)) return false;
-            if (stUnit.bBlank) continue;
+        bPrevBlank = stUnit.bBlank;
+        if (uiUnits == LINE_UNITS) {
+            const bool bRoom = stText.uiLines + 1 < ZYR_LINE_MAX; // else the log tells that
+            if (pucBreak == nullptr || !bRoom || !Add_Line(stText, pucBreak, uiBreakUnits)) return false;
+            uiUnits -= uiBreakUnits + 1;
+            pucBreak = nullptr;
         }
-        ++stWalk.uiUnits;
+        ++uiUnits;
         pucUnit += stUnit.uiBytes;
     }
-    const bool bTrim = stWalk.bInBlank && stWalk.pucBreak != nullptr;
-    return Add_Line(stText, stWalk.pucLine, bTrim ? stWalk.pucBreak : stText.pucOut,
-                    bTrim ? stWalk.uiBreakUnits : stWalk.uiUnits);
+    return Add_Line(stText, stText.pucOut, uiUnits);
 }
 
 /** Close the current line, if there is anything on it. @return false where there is no room for it */
-bool Close_Line(UsualText &stText)
+inline bool Close_Line(UsualText &stText)
 {
-    const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucLine);
     bool bGood = true;
-    if (uiBytes > 0) {
+    if (!stText.Is_LineEmpty() && stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK)
+        bGood = Trim_Blanks(stText); // or half of a unit
+    if (!stText.Is_LineEmpty()) {
+        const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucLine);
         const uint32_t uiUnits = (uiBytes - stText.uiTrails) / stText.uiUnitBytes;
-        const bool bLastBlank =
-            stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK; // or half of a unit
-        if (uiUnits > LINE_UNITS || bLastBlank)
-            bGood = uiUnits <= RUN_UNITS_MAX && Close_WalkedLine(stText);
+        if (uiUnits > LINE_UNITS)
+            bGood = bGood && uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
         else
-            bGood = Add_Line(stText, stText.pucLine, stText.pucOut, uiUnits);
+            bGood = bGood && Add_Line(stText, stText.pucOut, uiUnits);
     }
-    stText.pucLine = stText.pucOut;
+    stText.pucOut = stText.pucLine;
     stText.uiTrails = 0;
     stText.bPrevBlank = false;
     return bGood;
 }
 
-bool Take_Run(UsualText &stText, const UsualForm &stForm)
+inline UsualStep Break_Line(UsualText &stText)
 {
-    const RunStops stStops = {stForm.aucStop[0], stForm.aucStop[1], stText.bBigEndian};
-    switch (stText.eKind) {
-    case E_TEXT_UTF8: return Take_Characters<E_TEXT_UTF8>(stText, stStops);
-    case E_TEXT_DOUBLE: return Take_Characters<E_TEXT_DOUBLE>(stText, stStops);
-    case E_TEXT_SINGLE: return Take_Characters<E_TEXT_SINGLE>(stText, stStops);
-    default: return Take_Characters<E_TEXT_UTF16>(stText, stStops);
-    }
+    if (stText.uiLines == ZYR_LINE_MAX) return E_USUAL_ODD; // the log tells that
+    return Close_Line(stText) ? E_USUAL_ON : E_USUAL_ODD;
 }
 
-UsualStep Take_Stop(UsualText &stText, const UsualForm &stForm)
+inline UsualStep Take_LineEnd(UsualText &stText)
+{
+    if (stText.Get_Unit(1) != '\n') return E_USUAL_ODD;
+    if (stText.Get_Unit(2) != '\r') {
+        stText.Take_Units(2);
+        stText.pucFileLine = stText.pucByte;
+        return Break_Line(stText);
+    }
+    if (stText.Get_Unit(3) != '\n') return E_USUAL_ODD;
+    stText.Take_Units(4);
+    return E_USUAL_END;
+}
+
+inline UsualStep Take_Stop(UsualText &stText, const UsualForm &stForm)
 {
     const uint32_t uiUnit = stText.Get_Unit(0);
+    if (uiUnit == '\r' && stForm.bLines) return Take_LineEnd(stText);
     if (uiUnit == BLANK) {
         Skip_Blanks(stText);
         return E_USUAL_ON;
     }
     if (uiUnit >= 0x80) return Take_HighBytes(stText);
     return stForm.pfTakeStop(stText, uiUnit);
+}
+
+template <TextKind KIND>
+bool Take_Entry(UsualText &stText, const UsualForm &stForm)
+{
+    const RunStops stStops = {stForm.aucStop[0], stForm.aucStop[1], stText.bBigEndian};
+    UsualStep eStep = E_USUAL_ON;
+    while (eStep == E_USUAL_ON) {
+        if (!Take_Characters<KIND>(stText, stStops)) return false;
+        eStep = Take_Stop(stText, stForm);
+    }
+    return eStep == E_USUAL_END && Close_Line(stText);
 }
 
 /** Bring a tag into the tag buffer. */
@@ -359,29 +362,31 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
     UsualText &stText = *pstText;
     stText.eKind = Get_TextKind();
     if (stText.eKind == E_TEXT_OTHER) return false;
-    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * Get_UnitBytes();
+    CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+    stText.uiUnitBytes = stText.eKind == E_TEXT_UTF16 ? 2 : 1;
+    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * stText.uiUnitBytes;
     stText.pucFileLine = stText.pucByte;
-    stText.pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
-    stText.pucStore = reinterpret_cast<uint8_t *>(s_astLineTable[stInfo.uiCurrStream].pusTextBuf);
+    stText.pucEnd = std::min<const uint8_t *>(stStream.pucStreamBuf + stStream.iStreamDataSize,
+                                              stText.pucByte + ENTRY_BYTES);
+    stText.pucStore = reinterpret_cast<uint8_t *>(stTable.pusTextBuf);
     stText.pucLine = stText.pucStore;
     stText.pucOut = stText.pucStore;
     stText.uiTrails = 0;
     stText.bPrevBlank = false;
-    stText.uiUnitBytes = Get_UnitBytes();
-    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
     stText.uiLines = 0;
     stText.uiTags = 0;
+    stText.pstLines = stTable.astLine;
     return true;
 }
 
 bool Take_UsualText(UsualText &stText, const UsualForm &stForm)
 {
-    for (;;) {
-        if (stText.Is_LineEmpty()) Skip_Blanks(stText);
-        if (!Take_Run(stText, stForm)) return false;
-        const UsualStep eStep = Take_Stop(stText, stForm);
-        if (eStep == E_USUAL_ODD) return false;
-        if (eStep == E_USUAL_END) return Close_Line(stText);
+    switch (stText.eKind) {
+    case E_TEXT_UTF8: return Take_Entry<E_TEXT_UTF8>(stText, stForm);
+    case E_TEXT_DOUBLE: return Take_Entry<E_TEXT_DOUBLE>(stText, stForm);
+    case E_TEXT_SINGLE: return Take_Entry<E_TEXT_SINGLE>(stText, stForm);
+    default: return Take_Entry<E_TEXT_UTF16>(stText, stForm);
     }
 }
 
@@ -394,15 +399,13 @@ void Commit_UsualText(const UsualText &stText, const UsualForm &stForm)
         stForm.pfApplyTag(stText.astTag[uiTag].uiUnits);
         s_pstTagControlInfo->uiTagLength = 0;
     }
-    for (uint32_t uiLine = 0; uiLine < stText.uiLines; ++uiLine) {
-        const UsualLine &stLine = stText.astLine[uiLine];
-        stTable.astLine[uiLine] = {stLine.uiStart, stLine.uiUnits, stLine.uiUnits, stLine.uiBytes,
-                                   stLine.uiUnits};
-        stInfo.puiLineLength[uiLine] = stLine.uiUnits;
-    }
+    for (uint32_t uiLine = 0; uiLine < stText.uiLines; ++uiLine)
+        stInfo.puiLineLength[uiLine] = stText.pstLines[uiLine].uiLength;
     stInfo.uiLineIndex = stText.uiLines;
     stInfo.uiConvLength = 0;
-    stTable.uiWritePos = static_cast<uint32_t>(stText.pucOut - stText.pucStore + 1) / 2;
+    const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucStore);
+    stTable.uiWritePos = (uiBytes + 1) / 2;
+    stTable.uiOutBytes = uiBytes == 0 ? 0 : uiBytes - stText.uiUnitBytes; // without the last newline
     CaptionStreamInfo &stStream = Get_StreamInfo();
     stStream.iStreamBufIndex = static_cast<int32_t>(stText.pucByte - stStream.pucStreamBuf);
     ++s_uiUsualEntries;
@@ -418,8 +421,7 @@ bool Take_UsualUnit(UsualText &stText, uint16_t *pusUnit)
 
 UsualStep Break_UsualLine(UsualText &stText)
 {
-    if (stText.uiLines == ZYR_LINE_MAX) return E_USUAL_ODD; // the log tells that
-    return Close_Line(stText) ? E_USUAL_ON : E_USUAL_ODD;
+    return Break_Line(stText);
 }
 
 UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit)
@@ -526,15 +528,7 @@ bool Take_UsualEmptyLine(UsualText &stText)
 
 UsualStep Take_UsualLineEnd(UsualText &stText)
 {
-    if (stText.Get_Unit(1) != '\n') return E_USUAL_ODD;
-    if (stText.Get_Unit(2) != '\r') {
-        stText.Take_Units(2);
-        stText.pucFileLine = stText.pucByte;
-        return Break_UsualLine(stText);
-    }
-    if (stText.Get_Unit(3) != '\n') return E_USUAL_ODD;
-    stText.Take_Units(4);
-    return E_USUAL_END;
+    return Take_LineEnd(stText);
 }
 
 const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits)

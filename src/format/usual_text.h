@@ -32,20 +32,13 @@ struct UsualTag {
     uint32_t uiUnits;
 };
 
-/** A finished line, in the stream's text buffer. */
-struct UsualLine {
-    uint32_t uiStart; // bytes from the buffer's start
-    uint32_t uiBytes;
-    uint32_t uiUnits;
-};
-
 struct UsualText {
     static constexpr uint32_t TAGS_MAX = 12;
 
     const uint8_t *pucByte;     // next byte of the entry
-    const uint8_t *pucEnd;      // behind the last byte that the read buffer holds
+    const uint8_t *pucEnd;      // behind the last byte that the read buffer holds, or that may belong to the entry
     const uint8_t *pucFileLine; // where the current line of the file begins
-    uint8_t *pucStore;          // the stream's text buffer
+    uint8_t *pucStore;          // the stream's text buffer: lines with a newline behind each
     uint8_t *pucLine;           // in it: where the current line begins
     uint8_t *pucOut;            // and where its next byte goes
     uint32_t uiTrails;          // bytes of the current line that begin no unit
@@ -55,7 +48,7 @@ struct UsualText {
     bool bBigEndian;
     uint32_t uiLines;
     uint32_t uiTags;
-    UsualLine astLine[ZYR_LINE_MAX];
+    CaptionLine *pstLines; // of the stream's line table, which nobody looks at before the frame is committed
     UsualTag astTag[TAGS_MAX];
 
     /** @return the unit uiUnit units ahead; USUAL_AHEAD bytes are there. */
@@ -79,6 +72,7 @@ struct UsualForm {
     UsualStep (*pfTakeStop)(UsualText &stText, uint32_t uiUnit);
     /** Let a tag take effect, which stands in the tag buffer. */
     void (*pfApplyTag)(uint32_t uiUnits);
+    bool bLines = false; // CR LF ends a line and CR LF CR LF the entry: such a CR need not come to pfTakeStop
 };
 
 /**

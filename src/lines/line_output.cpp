@@ -1,5 +1,6 @@
 #include "lines/line_output.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -29,12 +30,18 @@ struct LineWriter {
     CaptionLine &Get_Line() { return stTable.astLine[uiLine]; }
 };
 
+/** Begin a line of units. */
+void Begin_Line(CaptionLineTable &stTable, uint32_t uiLine, uint32_t uiStart, uint32_t uiWordUnits)
+{
+    stTable.uiOutBytes = 0;
+    stTable.astLine[uiLine] = {uiStart, uiWordUnits, 0, 0};
+}
+
 /** Begin a line at the write position. */
 void Start_EmptyLine(LineWriter &stWriter)
 {
     QuibCaptionParserInfo &stInfo = stWriter.stInfo;
-    stWriter.Get_Line().uiStart = stWriter.stTable.uiWritePos;
-    stWriter.Get_Line().uiWordUnits = 0;
+    Begin_Line(stWriter.stTable, stWriter.uiLine, stWriter.stTable.uiWritePos, 0);
     stInfo.ucPrevBlank = 0;
     stInfo.uiBreakLength = 0;
     stInfo.uiWordUnits = 0;
@@ -64,10 +71,9 @@ void Wrap_Word(LineWriter &stWriter)
 {
     const QuibCaptionParserInfo &stInfo = stWriter.stInfo;
     CaptionLine &stOld = stWriter.Get_Line();
-    CaptionLine &stNew = stWriter.stTable.astLine[stWriter.uiLine + 1];
     const uint32_t uiWordStart = stWriter.stTable.uiWordStart;
-    stNew.uiStart = stOld.uiStart + uiWordStart;
-    stNew.uiWordUnits = stOld.uiWordUnits - stInfo.uiWordUnitsAtBreak;
+    Begin_Line(stWriter.stTable, stWriter.uiLine + 1, stOld.uiStart + uiWordStart,
+               stOld.uiWordUnits - stInfo.uiWordUnitsAtBreak);
     stOld.uiWordUnits = stInfo.uiWordUnitsAtBreak;
     stInfo.puiLineLength[stWriter.uiLine] = stInfo.uiBreakLength;
     stWriter.uiLength -= uiWordStart;
@@ -76,9 +82,7 @@ void Wrap_Word(LineWriter &stWriter)
 /** Cut a word that is longer than a line; the unit that did not fit begins the new line. */
 void Wrap_HardBreak(LineWriter &stWriter, bool bBlank)
 {
-    CaptionLine &stNew = stWriter.stTable.astLine[stWriter.uiLine + 1];
-    stNew.uiStart = stWriter.stTable.uiWritePos;
-    stNew.uiWordUnits = bBlank ? 0 : 1;
+    Begin_Line(stWriter.stTable, stWriter.uiLine + 1, stWriter.stTable.uiWritePos, bBlank ? 0 : 1);
     stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
     stWriter.uiLength = 0;
 }
@@ -86,9 +90,7 @@ void Wrap_HardBreak(LineWriter &stWriter, bool bBlank)
 /** Cut the full line at its trailing blanks. */
 void Wrap_AtBlanks(LineWriter &stWriter)
 {
-    CaptionLine &stNew = stWriter.stTable.astLine[stWriter.uiLine + 1];
-    stNew.uiStart = stWriter.stTable.uiWritePos;
-    stNew.uiWordUnits = 0;
+    Begin_Line(stWriter.stTable, stWriter.uiLine + 1, stWriter.stTable.uiWritePos, 0);
     stWriter.stInfo.puiLineLength[stWriter.uiLine] = stWriter.stInfo.uiBreakLength;
     stWriter.uiLength = 0;
 }
@@ -175,8 +177,7 @@ struct LineText {
 
 LineText Get_LineText(const CaptionLineTable &stTable, const CaptionLine &stLine)
 {
-    const bool bBytes = stLine.uiOutBytes != 0 && stLine.uiOutUnits == stLine.uiLength;
-    if (!bBytes) return {stTable.pusTextBuf + stLine.uiStart, stLine.uiLength, nullptr, 0};
+    if (stLine.uiOutBytes == 0) return {stTable.pusTextBuf + stLine.uiStart, stLine.uiLength, nullptr, 0};
     const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
     return {nullptr, stLine.uiLength, pucStore + stLine.uiStart, stLine.uiOutBytes};
 }
@@ -279,37 +280,22 @@ AppendResult Append_Line(const CaptionLineTable &stTable, uint32_t uiLine, bool 
     return eResult;
 }
 
-/** @return whether all lines of a frame stand as they go out. */
-bool Stands_AsOutput(const CaptionLineTable &stTable)
-{
-    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine) {
-        const CaptionLine &stLine = stTable.astLine[uiLine];
-        if (stLine.uiOutBytes == 0 || stLine.uiOutUnits != stLine.uiLength) return false;
-    }
-    return true;
-}
-
 // A whole frame of such lines needs no tests of the room: a unit is three bytes at most.
 static_assert(ZYR_LINE_MAX * (LINE_UNITS * 3 + 2) + COPY_BYTES <= TEXT_BYTES);
 
-/** Fill the output text with a frame whose lines stand as they go out. */
-void Copy_OutLines(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable)
+/** Fill the output text with a frame that stands as it goes out. */
+void Copy_OutText(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable)
 {
-    const bool bUtf16 = stInfo.uiOutputTextCharacterSet == E_OUTPUT_CHARSET_UTF16;
     const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
-    uint8_t *pucOut = stInfo.aucOutText;
-    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine) {
-        if (uiLine > 0) {
-            *pucOut++ = '\n';
-            if (bUtf16) *pucOut++ = 0;
-        }
-        const CaptionLine &stLine = stTable.astLine[uiLine];
-        for (uint32_t uiByte = 0; uiByte < stLine.uiOutBytes; uiByte += COPY_BYTES)
-            std::memcpy(pucOut + uiByte, pucStore + stLine.uiStart + uiByte, COPY_BYTES);
-        pucOut += stLine.uiOutBytes;
-    }
-    std::memset(pucOut, 0, COPY_BYTES); // what the last step copied too much
-    stInfo.uiOutTextLength = static_cast<uint32_t>(pucOut - stInfo.aucOutText);
+    uint32_t uiByte = 0;
+    do
+        std::memcpy(stInfo.aucOutText + uiByte, pucStore + uiByte, COPY_BYTES);
+    while ((uiByte += COPY_BYTES) < stTable.uiOutBytes);
+    std::memset(stInfo.aucOutText + stTable.uiOutBytes, 0, COPY_BYTES); // what the last step copied too much
+    const uint32_t uiLastBytes = std::min(stInfo.uiOutTextLength, TEXT_BYTES);
+    for (; uiByte < uiLastBytes; uiByte += COPY_BYTES) // the rest of the last text
+        std::memset(stInfo.aucOutText + uiByte, 0, COPY_BYTES);
+    stInfo.uiOutTextLength = stTable.uiOutBytes;
     stInfo.uiOutLineNums = stTable.uiLineNums;
 }
 
@@ -413,7 +399,7 @@ void Finish_CaptionLines(uint32_t uiStream)
         stTable.astLine[uiLines - 1].uiWordUnits == 0)
         --uiLines;
     stTable.uiLineNums = uiLines;
-    for (uint32_t uiLine = 0; uiLine < ZYR_LINE_MAX; ++uiLine)
+    for (uint32_t uiLine = 0; uiLine < uiLines; ++uiLine)
         stTable.astLine[uiLine].uiLength = stInfo.puiLineLength[uiLine];
 }
 
@@ -421,8 +407,7 @@ void Clear_OutputBlock()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     // Only the last text and the byte or two behind it can be other than zero.
-    std::memset(stInfo.aucOutText, 0,
-                stInfo.uiOutTextLength < TEXT_BYTES ? stInfo.uiOutTextLength : TEXT_BYTES);
+    std::memset(stInfo.aucOutText, 0, std::min(stInfo.uiOutTextLength, TEXT_BYTES));
     stInfo.iOutStartPTS = 0;
     stInfo.iOutEndPTS = 0;
     stInfo.uiOutLineNums = 0;
@@ -436,28 +421,23 @@ void Clear_LineTable(uint32_t uiStream)
     stTable.uiWordStart = 0;
     stTable.uiInBlank = 0;
     stTable.uiLineNums = 0;
-    for (CaptionLine &stLine : stTable.astLine) {
-        stLine.uiStart = 0;
-        stLine.uiWordUnits = 0;
-        stLine.uiOutBytes = 0;
-    }
+    stTable.uiOutBytes = 0;
 }
 
 void Show_StreamLines()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    if (stInfo.uiOutTextLength != 0) Clear_OutputBlock();
-    stInfo.uiOutLineNums = 0;
+    Finish_CaptionLines(stInfo.uiCurrStream);
+    const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+    const bool bWhole = stTable.uiOutBytes != 0;
+    if (bWhole)
+        Copy_OutText(stInfo, stTable);
+    else
+        Clear_OutputBlock();
     stInfo.uiOutStreamIndex = stInfo.uiCurrStream;
     stInfo.iOutStartPTS = stInfo.astStreamState[stInfo.uiCurrStream].iStartPTS;
     stInfo.iOutEndPTS = stInfo.astStreamState[stInfo.uiCurrStream].iEndPTS;
-    Finish_CaptionLines(stInfo.uiCurrStream);
-    const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    if (Stands_AsOutput(stTable)) {
-        Copy_OutLines(stInfo, stTable);
-        return;
-    }
-    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine)
+    for (uint32_t uiLine = 0; !bWhole && uiLine < stTable.uiLineNums; ++uiLine)
         if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
             return;
 }

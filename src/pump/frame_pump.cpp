@@ -95,12 +95,18 @@ void Load_Stream(uint32_t uiStream)
     stInfo.uiCurrClass = stState.uiClassIndex;
 }
 
-/** Prepare_CaptionFrame() without taking the chosen stream's last lines away. */
-void Prepare_Keeping_Lines()
+/** Make the style ready for parsing a frame, and the stream that comes next. */
+void Prepare_Stream()
 {
     Reset_FrameStyle();
     if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI) Choose_EarliestStream();
     Load_Stream(pstQuibCaptionParserInfo->uiCurrStream);
+}
+
+/** Prepare_CaptionFrame() without taking the chosen stream's last lines away. */
+void Prepare_Keeping_Lines()
+{
+    Prepare_Stream();
     Clear_OutputBlock();
 }
 
@@ -231,12 +237,14 @@ int32_t QUIB_CAPTION_ParsingProcess(void)
 {
     const CaptionParser *const pstParser = Get_FrameParser();
     if (pstParser == nullptr || pstQuibCaptionParserInfo->uiStreamNums == 0) return NO_FRAME;
-    Prepare_CaptionFrame();
+    Prepare_Stream();
+    Clear_LineTable(pstQuibCaptionParserInfo->uiCurrStream);
     if (Is_Frame(pstParser->pfFrameParser())) {
         Copy_Back();
         Show_StreamLines();
         return FRAME_READY;
     }
+    Clear_OutputBlock();
     if (Get_StreamInfo().iStreamDataSize >= 0) Log_ParsingFailed(); // else the data is exhausted: no failure
     return NO_FRAME;
 }

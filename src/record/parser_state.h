@@ -42,7 +42,6 @@ struct CaptionLine {
     uint32_t uiWordUnits; // units that are not blanks
     uint32_t uiLength;    // units, once the frame is finished; until then in the record's puiLineLength
     uint32_t uiOutBytes;  // bytes of a line that stands as it goes out; 0 = the line stands there as units
-    uint32_t uiOutUnits;  // and units that these bytes are
 };
 
 /** The output lines of one stream's frame. */
@@ -52,6 +51,7 @@ struct CaptionLineTable {
     uint32_t uiWordStart; // where, in the current line, the word being written begins
     uint32_t uiInBlank;   // 1 while the last unit stored is a blank
     uint32_t uiLineNums;  // finished lines
+    uint32_t uiOutBytes;  // of a whole frame that stands from pusTextBuf on as it goes out; 0 = it does not
     CaptionLine astLine[ZYR_LINE_MAX];
 };
 

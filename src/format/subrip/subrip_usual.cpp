@@ -49,7 +49,6 @@ bool Match_Head(SubRipHead *pstHead)
 UsualStep Take_SubRipStop(UsualText &stText, uint32_t uiUnit)
 {
     switch (uiUnit) {
-    case '\r': return Take_UsualLineEnd(stText);
     case '<': return Take_UsualHtmlTag(stText);
     case '&': return Take_UsualEntity(stText);
     case '\t': return Take_UsualTab(stText);
@@ -62,7 +61,7 @@ void Apply_SubRipTag(uint32_t /*uiUnits*/)
     Apply_HtmlTag("FrameParser_SubRip");
 }
 
-constexpr UsualForm SUBRIP_FORM = {{'<', '&'}, Take_SubRipStop, Apply_SubRipTag};
+constexpr UsualForm SUBRIP_FORM = {{'<', '&'}, Take_SubRipStop, Apply_SubRipTag, true};
 
 } // namespace
 

@@ -47,14 +47,13 @@ UsualStep Take_Bracket(UsualText &stText)
 UsualStep Take_SubViewerStop(UsualText &stText, uint32_t uiUnit)
 {
     switch (uiUnit) {
-    case '\r': return Take_UsualLineEnd(stText);
     case '[': return Take_Bracket(stText);
     case '\t': return stText.pucByte == stText.pucFileLine ? E_USUAL_ODD : Take_UsualTab(stText);
     default: return E_USUAL_ODD;
     }
 }
 
-constexpr UsualForm SUBVIEWER_FORM = {{'[', '['}, Take_SubViewerStop, nullptr};
+constexpr UsualForm SUBVIEWER_FORM = {{'[', '['}, Take_SubViewerStop, nullptr, true};
 
 } // namespace
 
