@@ -19,7 +19,7 @@ constexpr uint32_t BLANK = 0x20;
 constexpr uint32_t CONTROLS = 0x20;     // units below are none of a run of characters
 constexpr ptrdiff_t ENTRY_BYTES = 8192; // of a usual entry's text
 constexpr uint32_t RUN_UNITS_MAX = 250; // of a line of the file: more are laid out in several steps
-constexpr uint32_t TAG_UNITS_MAX = 200;
+constexpr ptrdiff_t TAG_BYTES_MAX = 200;
 constexpr uint32_t ENTITY_UNITS_MAX = 12;
 constexpr uint32_t BLOCK_BITS = (1u << BLOCK_BYTES) - 1;
 
@@ -76,6 +76,14 @@ struct RunStops {
 };
 
 template <TextKind KIND>
+inline TextBlock Load_Block(const uint8_t *pucByte, RunStops stStops)
+{
+    const TextBlock stBlock = TextBlock::Load(pucByte);
+    return KIND == E_TEXT_UTF16 && stStops.bBigEndian ? stBlock.Get_SwappedUnits() : stBlock;
+}
+
+/** @param[in,out] uiCarry  the bits that one block leaves for the next one; 0 at first */
+template <TextKind KIND>
 inline BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, RunStops stStops,
                               uint32_t &uiCarry)
 {
@@ -90,7 +98,7 @@ inline BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, 
     stLook.uiStop = TextBlock::Get_Bits(stBlock.Find_Below(CONTROLS) | stBlock.Find_Equal(stStops.ucFirst) |
                                         stBlock.Find_Equal(stStops.ucSecond));
     stLook.uiBlank = TextBlock::Get_Bits(stBlock.Find_Equal(BLANK));
-    const uint32_t uiHigh = TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80));
+    const uint32_t uiHigh = stBlock.Get_HighBits();
     if (KIND == E_TEXT_SINGLE) stLook.uiStop |= uiHigh;
     if ((uiHigh | uiCarry) == 0) return stLook;
     if constexpr (KIND == E_TEXT_UTF8) Look_AtUtf8(stBlock, pucByte, uiHigh, uiCarry, stLook);
@@ -100,6 +108,15 @@ inline BlockLook Look_AtBlock(const TextBlock &stBlock, const uint8_t *pucByte, 
         stLook.uiBlank &= ~stLook.uiTrail;
     }
     return stLook;
+}
+
+/** @return a bit for each byte of a block that stops; those from 0x80 on all do but in UTF-16. */
+template <TextKind KIND>
+inline uint32_t Find_Stop(const uint8_t *pucByte, RunStops stStops)
+{
+    static_assert(KIND == E_TEXT_SINGLE || KIND == E_TEXT_UTF16);
+    uint32_t uiCarry = 0;
+    return Look_AtBlock<KIND>(Load_Block<KIND>(pucByte, stStops), pucByte, stStops, uiCarry).uiStop;
 }
 
 /** Take characters up to a stop. @return whether all of them are sure and the buffer holds the stop */
@@ -116,8 +133,7 @@ inline bool Take_Characters(UsualText &stText, RunStops stStops)
     uint32_t uiStop = 0;
     do {
         if (pucByte > pucLast) return false;
-        TextBlock stBlock = TextBlock::Load(pucByte);
-        if (KIND == E_TEXT_UTF16 && stStops.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
+        const TextBlock stBlock = Load_Block<KIND>(pucByte, stStops);
         stBlock.Store(pucOut);
         const BlockLook stLook = Look_AtBlock<KIND>(stBlock, pucByte, stStops, uiCarry);
         const uint32_t uiAfterBlank = stLook.uiBlank << UNIT_BYTES | uiPrevBlank;
@@ -172,32 +188,6 @@ LineUnit Get_LineUnit(TextKind eKind, const uint8_t *pucUnit)
     case E_TEXT_DOUBLE: return {pucUnit[0] < 0x80 ? 1u : 2u, pucUnit[0] == BLANK};
     default: return {pucUnit[0] != 0 ? 1u : 2u, pucUnit[0] == BLANK};
     }
-}
-
-/** A unit of the file's text: its bytes, 0 where it is none that is sure. */
-uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *pusUnit)
-{
-    const uint32_t uiFirst = pucByte[0];
-    const uint32_t uiSecond = pucByte[1];
-    if (stText.eKind == E_TEXT_UTF16) {
-        *pusUnit =
-            static_cast<uint16_t>(stText.bBigEndian ? uiFirst << 8 | uiSecond : uiSecond << 8 | uiFirst);
-        return 2;
-    }
-    *pusUnit = static_cast<uint16_t>(uiFirst);
-    if (uiFirst < 0x80 || stText.eKind == E_TEXT_SINGLE) return 1;
-    if (stText.eKind == E_TEXT_DOUBLE) {
-        *pusUnit = static_cast<uint16_t>(uiFirst << 8 | uiSecond);
-        return 2;
-    }
-    const bool bThree = uiFirst >= 0xE0;
-    if ((uiSecond & 0xC0) != 0x80 || (bThree && (pucByte[2] & 0xC0) != 0x80) || uiFirst >= 0xF0 ||
-        uiFirst < 0xC2)
-        return 0;
-    const uint32_t uiCode = bThree ? (uiFirst & 0x0F) << 12 | (uiSecond & 0x3F) << 6 | (pucByte[2] & 0x3Fu)
-                                   : (uiFirst & 0x1F) << 6 | (uiSecond & 0x3F);
-    *pusUnit = static_cast<uint16_t>(uiCode);
-    return bThree ? (uiCode < 0x800 ? 0 : 3) : 2;
 }
 
 // ---- Lines ----
@@ -263,7 +253,7 @@ inline bool Close_Line(UsualText &stText)
         bGood = Trim_Blanks(stText); // or half of a unit
     if (!stText.Is_LineEmpty()) {
         const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucLine);
-        const uint32_t uiUnits = (uiBytes - stText.uiTrails) / stText.uiUnitBytes;
+        const uint32_t uiUnits = (uiBytes - stText.uiTrails) >> (stText.uiUnitBytes - 1);
         if (uiUnits > LINE_UNITS)
             bGood = bGood && uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
         else
@@ -318,35 +308,46 @@ bool Take_Entry(UsualText &stText, const UsualForm &stForm)
     return eStep == E_USUAL_END && Close_Line(stText);
 }
 
-/** Bring a tag into the tag buffer. */
-void Decode_Tag(const UsualText &stText, const UsualTag &stTag)
+/** Let the noted tags take effect. */
+[[gnu::noinline]] void Apply_Tags(const UsualText &stText, const UsualForm &stForm)
 {
-    const uint8_t *pucByte = stTag.pucTag;
-    for (uint32_t uiUnit = 0; uiUnit < stTag.uiUnits; ++uiUnit)
-        pucByte += Decode_Unit(stText, pucByte, s_pstTagControlInfo->ausTagBuf + uiUnit);
-    s_pstTagControlInfo->uiTagLength = stTag.uiUnits;
-}
-
-/** Copy a block of units as bytes. */
-void Narrow_Block(uint8_t *pucTarget, const uint8_t *pucUnits, bool bBigEndian)
-{
-    uint16_t ausUnit[BLOCK_BYTES];
-    std::memcpy(ausUnit, pucUnits, sizeof(ausUnit));
-    if (bBigEndian)
-        for (uint16_t &usUnit : ausUnit) usUnit = static_cast<uint16_t>(usUnit << 8 | usUnit >> 8);
-    for (uint32_t uiUnit = 0; uiUnit < BLOCK_BYTES; ++uiUnit)
-        pucTarget[uiUnit] = static_cast<uint8_t>(ausUnit[uiUnit] < 0x80 ? ausUnit[uiUnit] : 0xFF);
-}
-
-/** Copy a block's units or more as bytes. @return those; a function of its own, so that others need no stack for it */
-[[gnu::noinline]] const uint8_t *Narrow_Units(uint8_t *pucTarget, const uint8_t *pucUnits, uint32_t uiUnits)
-{
-    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
-        const uint32_t uiFrom = uiUnits - uiUnit < BLOCK_BYTES ? uiUnits - BLOCK_BYTES : uiUnit;
-        Narrow_Block(pucTarget + uiFrom, pucUnits + size_t{2} * uiFrom,
-                     s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
+    TagControlInfo &stTagControl = *s_pstTagControlInfo;
+    for (uint32_t uiTag = 0; uiTag < stText.uiTags; ++uiTag) {
+        const UsualTag &stTag = stText.astTag[uiTag];
+        const uint32_t uiUnits = stTag.uiUnits;
+        for (uint32_t uiUnit = 0; uiUnit < uiUnits; ++uiUnit)
+            stTagControl.ausTagBuf[uiUnit] =
+                static_cast<uint16_t>(stText.Get_UnitAt(stTag.pucTag + uiUnit * stText.uiUnitBytes));
+        stTagControl.uiTagLength = uiUnits;
+        stForm.pfApplyTag(uiUnits);
+        stTagControl.uiTagLength = 0;
     }
-    return pucTarget;
+}
+
+/** A unit of the file's text: its bytes, 0 where it is none that is sure. */
+uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *pusUnit)
+{
+    const uint32_t uiFirst = pucByte[0];
+    const uint32_t uiSecond = pucByte[1];
+    if (stText.eKind == E_TEXT_UTF16) {
+        *pusUnit =
+            static_cast<uint16_t>(stText.bBigEndian ? uiFirst << 8 | uiSecond : uiSecond << 8 | uiFirst);
+        return 2;
+    }
+    *pusUnit = static_cast<uint16_t>(uiFirst);
+    if (uiFirst < 0x80 || stText.eKind == E_TEXT_SINGLE) return 1;
+    if (stText.eKind == E_TEXT_DOUBLE) {
+        *pusUnit = static_cast<uint16_t>(uiFirst << 8 | uiSecond);
+        return 2;
+    }
+    const bool bThree = uiFirst >= 0xE0;
+    if ((uiSecond & 0xC0) != 0x80 || (bThree && (pucByte[2] & 0xC0) != 0x80) || uiFirst >= 0xF0 ||
+        uiFirst < 0xC2)
+        return 0;
+    const uint32_t uiCode = bThree ? (uiFirst & 0x0F) << 12 | (uiSecond & 0x3F) << 6 | (pucByte[2] & 0x3Fu)
+                                   : (uiFirst & 0x1F) << 6 | (uiSecond & 0x3F);
+    *pusUnit = static_cast<uint16_t>(uiCode);
+    return bThree ? (uiCode < 0x800 ? 0 : 3) : 2;
 }
 
 } // namespace
@@ -394,19 +395,17 @@ void Commit_UsualText(const UsualText &stText, const UsualForm &stForm)
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    for (uint32_t uiTag = 0; uiTag < stText.uiTags; ++uiTag) {
-        Decode_Tag(stText, stText.astTag[uiTag]);
-        stForm.pfApplyTag(stText.astTag[uiTag].uiUnits);
-        s_pstTagControlInfo->uiTagLength = 0;
-    }
-    for (uint32_t uiLine = 0; uiLine < stText.uiLines; ++uiLine)
-        stInfo.puiLineLength[uiLine] = stText.pstLines[uiLine].uiLength;
-    stInfo.uiLineIndex = stText.uiLines;
+    CaptionStreamInfo &stStream = Get_StreamInfo();
+    if (stText.uiTags > 0) Apply_Tags(stText, stForm);
+    const uint32_t uiLines = stText.uiLines;
+    for (uint32_t uiLine = 0; uiLine < uiLines; ++uiLine)
+        stInfo.puiLineLength[uiLine] = stTable.astLine[uiLine].uiLength;
+    stInfo.uiLineIndex = uiLines;
     stInfo.uiConvLength = 0;
     const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucStore);
+    stTable.uiLineNums = uiLines;
     stTable.uiWritePos = (uiBytes + 1) / 2;
     stTable.uiOutBytes = uiBytes == 0 ? 0 : uiBytes - stText.uiUnitBytes; // without the last newline
-    CaptionStreamInfo &stStream = Get_StreamInfo();
     stStream.iStreamBufIndex = static_cast<int32_t>(stText.pucByte - stStream.pucStreamBuf);
     ++s_uiUsualEntries;
 }
@@ -464,17 +463,21 @@ UsualStep Take_UsualTab(UsualText &stText)
 
 UsualStep Note_UsualTag(UsualText &stText, uint32_t uiOpen, uint32_t uiClose)
 {
-    if (stText.uiTags == UsualText::TAGS_MAX) return E_USUAL_ODD;
-    const uint8_t *pucByte = stText.pucByte;
-    uint16_t usUnit = static_cast<uint16_t>(uiOpen);
-    uint32_t uiUnits = 0;
-    for (; usUnit != uiClose; ++uiUnits) {
-        if (stText.pucEnd - pucByte < USUAL_AHEAD || uiUnits == TAG_UNITS_MAX) return E_USUAL_ODD;
-        const uint32_t uiBytes = Decode_Unit(stText, pucByte, &usUnit);
-        if (uiBytes == 0 || usUnit < CONTROLS || (usUnit == uiOpen && uiUnits > 0)) return E_USUAL_ODD;
-        pucByte += uiBytes;
+    const RunStops stStops = {static_cast<uint8_t>(uiOpen), static_cast<uint8_t>(uiClose), stText.bBigEndian};
+    const uint8_t *pucByte = stText.pucByte + stText.uiUnitBytes;
+    const uint8_t *const pucLast = std::min(stText.pucEnd - USUAL_AHEAD, pucByte + TAG_BYTES_MAX);
+    uint32_t uiStop = 0;
+    for (;; pucByte += BLOCK_BYTES) {
+        if (pucByte > pucLast) return E_USUAL_ODD;
+        uiStop = stText.eKind == E_TEXT_UTF16 ? Find_Stop<E_TEXT_UTF16>(pucByte, stStops)
+                                              : Find_Stop<E_TEXT_SINGLE>(pucByte, stStops);
+        if (uiStop != 0) break;
     }
-    stText.astTag[stText.uiTags++] = {stText.pucByte, uiUnits};
+    pucByte += std::countr_zero(uiStop);
+    if (stText.Get_UnitAt(pucByte) != uiClose || stText.uiTags == UsualText::TAGS_MAX) return E_USUAL_ODD;
+    pucByte += stText.uiUnitBytes;
+    const uint32_t uiBytes = static_cast<uint32_t>(pucByte - stText.pucByte);
+    stText.astTag[stText.uiTags++] = {stText.pucByte, uiBytes >> (stText.uiUnitBytes - 1)};
     stText.pucByte = pucByte;
     stText.bPrevBlank = false;
     return E_USUAL_ON;
@@ -493,6 +496,8 @@ bool Is_UsualAhead(const UsualText &stText, const char *psz)
 
 UsualStep Take_UsualHtmlTag(UsualText &stText)
 {
+    const uint32_t uiNext = stText.Get_Unit(1);
+    if (To_Upper(uiNext) != 'B' && uiNext != '/') return Note_UsualTag(stText, '<', '>');
     if (Is_UsualAhead(stText, "<br>")) {
         stText.Take_Units(4);
         return Break_UsualLine(stText);
@@ -536,5 +541,14 @@ const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits)
     const CaptionStreamInfo &stStream = Get_StreamInfo();
     const uint8_t *const pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
     if (Get_HeldBytes(stStream) < static_cast<int32_t>(uiUnits * Get_UnitBytes())) return nullptr;
-    return Is_Utf16Text() ? Narrow_Units(pucTarget, pucByte, uiUnits) : pucByte;
+    if (!Is_Utf16Text()) return pucByte;
+    const RunStops stOrder = {0, 0, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
+    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
+        uiUnit = std::min(uiUnit, uiUnits - BLOCK_BYTES); // the last block may overlap
+        const uint8_t *const pucUnit = pucByte + 2 * uiUnit;
+        TextBlock::Narrow_Units(Load_Block<E_TEXT_UTF16>(pucUnit, stOrder),
+                                Load_Block<E_TEXT_UTF16>(pucUnit + BLOCK_BYTES, stOrder))
+            .Store(pucTarget + uiUnit);
+    }
+    return pucTarget;
 }

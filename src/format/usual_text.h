@@ -52,10 +52,10 @@ struct UsualText {
     UsualTag astTag[TAGS_MAX];
 
     /** @return the unit uiUnit units ahead; USUAL_AHEAD bytes are there. */
-    uint32_t Get_Unit(uint32_t uiUnit) const
+    uint32_t Get_Unit(uint32_t uiUnit) const { return Get_UnitAt(pucByte + uiUnit * uiUnitBytes); }
+    uint32_t Get_UnitAt(const uint8_t *puc) const
     {
-        if (uiUnitBytes == 1) return pucByte[uiUnit];
-        const uint8_t *const puc = pucByte + 2 * uiUnit;
+        if (uiUnitBytes == 1) return *puc;
         return bBigEndian ? static_cast<uint32_t>(puc[0] << 8 | puc[1])
                           : static_cast<uint32_t>(puc[1] << 8 | puc[0]);
     }
@@ -103,7 +103,7 @@ UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit);
 /** A tab, folded into a run of blanks. */
 UsualStep Take_UsualTab(UsualText &stText);
 
-/** Note a tag from an opening to a closing ASCII unit. */
+/** Note a tag from an opening to a closing ASCII unit. One that holds others than ASCII units is odd. */
 UsualStep Note_UsualTag(UsualText &stText, uint32_t uiOpen, uint32_t uiClose);
 
 /** "<": a line break, or a tag for later. */
@@ -123,8 +123,9 @@ UsualStep Take_UsualLineEnd(UsualText &stText);
 bool Is_UsualAhead(const UsualText &stText, const char *psz);
 
 /**
- * Copy the beginning of an entry as bytes: UTF-16 units narrowed, those beyond ASCII as 0xFF.
+ * Copy the beginning of an entry as bytes: UTF-16 units narrowed, those beyond a byte as 0xFF or 0.
  *
+ * @param[in] uiUnits  BLOCK_BYTES at least
  * @return the bytes themselves where a unit is a byte, or pucTarget; NULL when the buffer holds less than uiUnits
  */
 const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits);

@@ -287,16 +287,25 @@ static_assert(ZYR_LINE_MAX * (LINE_UNITS * 3 + 2) + COPY_BYTES <= TEXT_BYTES);
 void Copy_OutText(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable)
 {
     const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
-    uint32_t uiByte = 0;
-    do
-        std::memcpy(stInfo.aucOutText + uiByte, pucStore + uiByte, COPY_BYTES);
-    while ((uiByte += COPY_BYTES) < stTable.uiOutBytes);
-    std::memset(stInfo.aucOutText + stTable.uiOutBytes, 0, COPY_BYTES); // what the last step copied too much
+    uint8_t *const pucOut = stInfo.aucOutText;
+    const uint32_t uiBytes = stTable.uiOutBytes;
     const uint32_t uiLastBytes = std::min(stInfo.uiOutTextLength, TEXT_BYTES);
+    uint32_t uiByte = 0;
+    for (; uiByte < uiBytes; uiByte += COPY_BYTES) std::memcpy(pucOut + uiByte, pucStore + uiByte, COPY_BYTES);
+    std::memset(pucOut + uiBytes, 0, COPY_BYTES); // what the last step copied too much
     for (; uiByte < uiLastBytes; uiByte += COPY_BYTES) // the rest of the last text
-        std::memset(stInfo.aucOutText + uiByte, 0, COPY_BYTES);
-    stInfo.uiOutTextLength = stTable.uiOutBytes;
+        std::memset(pucOut + uiByte, 0, COPY_BYTES);
+    stInfo.uiOutTextLength = uiBytes;
     stInfo.uiOutLineNums = stTable.uiLineNums;
+}
+
+/** Fill the output text with a frame that stands as units, or in part as it goes out. */
+[[gnu::noinline]] void Append_Lines(const CaptionLineTable &stTable)
+{
+    Clear_OutputBlock();
+    for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine)
+        if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
+            return;
 }
 
 void Append_StreamLines(uint32_t uiStream)
@@ -427,19 +436,16 @@ void Clear_LineTable(uint32_t uiStream)
 void Show_StreamLines()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    Finish_CaptionLines(stInfo.uiCurrStream);
     const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    const bool bWhole = stTable.uiOutBytes != 0;
-    if (bWhole)
+    if (stTable.uiOutBytes != 0) {
         Copy_OutText(stInfo, stTable);
-    else
-        Clear_OutputBlock();
+    } else {
+        Finish_CaptionLines(stInfo.uiCurrStream);
+        Append_Lines(stTable);
+    }
     stInfo.uiOutStreamIndex = stInfo.uiCurrStream;
     stInfo.iOutStartPTS = stInfo.astStreamState[stInfo.uiCurrStream].iStartPTS;
     stInfo.iOutEndPTS = stInfo.astStreamState[stInfo.uiCurrStream].iEndPTS;
-    for (uint32_t uiLine = 0; !bWhole && uiLine < stTable.uiLineNums; ++uiLine)
-        if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
-            return;
 }
 
 void Display_LineBitmapDataToDisplayBuffer(void)

@@ -34,9 +34,13 @@ struct PatternDigits {
     constexpr uint32_t Get_Pair(uint32_t uiPos) const { return aucDigit[uiPos] * 10u + aucDigit[uiPos + 1]; }
 
     /** @return seconds of HH:MM:SS at a place. */
-    constexpr uint32_t Get_Seconds(uint32_t uiPos) const
+    uint32_t Get_Seconds(uint32_t uiPos) const
     {
-        return (Get_Pair(uiPos) * 60 + Get_Pair(uiPos + 3)) * 60 + Get_Pair(uiPos + 6);
+        uint64_t ullDigits;
+        std::memcpy(&ullDigits, aucDigit + uiPos, sizeof(ullDigits));
+        const uint64_t ullPairs = ullDigits * 10 + (ullDigits >> 8); // each in the place of its first digit
+        const auto fnPair = [=](uint32_t uiBit) { return static_cast<uint32_t>(ullPairs >> uiBit & 0xFF); };
+        return (fnPair(0) * 60 + fnPair(24)) * 60 + fnPair(48);
     }
 };
 

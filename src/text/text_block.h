@@ -112,6 +112,25 @@ struct WordBlock {
         return stBlock;
     }
 
+    /** Sixteen units as bytes: those beyond a byte become 0xFF, or 0 from 0x8000 on. */
+    static WordBlock Narrow_Units(const WordBlock &stFirst, const WordBlock &stSecond)
+    {
+        uint8_t aucByte[BLOCK_BYTES];
+        uint16_t ausUnit[BLOCK_BYTES];
+        std::memcpy(ausUnit, stFirst.aWord, BLOCK_BYTES);
+        std::memcpy(ausUnit + BLOCK_BYTES / 2, stSecond.aWord, BLOCK_BYTES);
+        for (uint32_t uiUnit = 0; uiUnit < BLOCK_BYTES; ++uiUnit) {
+            const uint32_t uiBeyond = ausUnit[uiUnit] < 0x8000 ? 0xFF : 0;
+            aucByte[uiUnit] = static_cast<uint8_t>(ausUnit[uiUnit] > 0xFF ? uiBeyond : ausUnit[uiUnit]);
+        }
+        return Load(aucByte);
+    }
+
+    /** @return a bit for each byte from 0x80 on. */
+    uint32_t Get_HighBits() const
+    {
+        return Get_Bits(Ask([](Word uiWord) { return uiWord & TOPS; }));
+    }
     static uint32_t Get_Bits(const Hits &stHits)
     {
         // The product brings the top bit of byte i to bit i of the top byte.
@@ -172,6 +191,11 @@ struct Sse2Block {
     {
         return {_mm_or_si128(_mm_slli_epi16(stBytes, 8), _mm_srli_epi16(stBytes, 8))};
     }
+    static Sse2Block Narrow_Units(const Sse2Block &stFirst, const Sse2Block &stSecond)
+    {
+        return {_mm_packus_epi16(stFirst.stBytes, stSecond.stBytes)};
+    }
+    uint32_t Get_HighBits() const { return static_cast<uint32_t>(_mm_movemask_epi8(stBytes)); }
     static uint32_t Get_Bits(Hits stHits) { return static_cast<uint32_t>(_mm_movemask_epi8(stHits.stHit)); }
 
 private:
@@ -205,6 +229,12 @@ struct NeonBlock {
         return {vreinterpretq_u8_u16(vcltq_u16(vreinterpretq_u16_u8(stBytes), vdupq_n_u16(usBound)))};
     }
     NeonBlock Get_SwappedUnits() const { return {vrev16q_u8(stBytes)}; }
+    static NeonBlock Narrow_Units(const NeonBlock &stFirst, const NeonBlock &stSecond)
+    {
+        return {vcombine_u8(vqmovun_s16(vreinterpretq_s16_u8(stFirst.stBytes)),
+                            vqmovun_s16(vreinterpretq_s16_u8(stSecond.stBytes)))};
+    }
+    uint32_t Get_HighBits() const { return Get_Bits(Find_AtLeast(0x80)); }
     static uint32_t Get_Bits(Hits stHits)
     {
         constexpr uint8_t BITS[] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};

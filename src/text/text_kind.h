@@ -16,7 +16,7 @@ enum TextKind : uint32_t {
 
 inline TextKind Get_TextKind()
 {
-    constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF16,
+    static constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF16,
                                      E_OUTPUT_CHARSET_UTF8};
     if (pstQuibCaptionParserInfo->uiOutputTextCharacterSet != CHARSETS[s_uiTextEncoding]) return E_TEXT_OTHER;
     switch (s_uiTextEncoding) {

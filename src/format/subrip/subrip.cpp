@@ -240,7 +240,7 @@ int32_t Complete_Frame(const SubRipScan &stScan)
 }
 
 /** The literal reading of an entry. */
-int32_t Read_Entry(void *hFile)
+[[gnu::noinline]] int32_t Read_Entry(void *hFile)
 {
     SubRipScan stScan = {};
     while (!stScan.bEntryEnd) {

@@ -203,7 +203,7 @@ int32_t Complete_Frame(const SubViewerScan &stScan)
 }
 
 /** The literal reading of a frame. */
-int32_t Read_Frame(void *hFile)
+[[gnu::noinline]] int32_t Read_Frame(void *hFile)
 {
     SubViewerScan stScan = {};
     stScan.pszFunction = "FrameParser_SubViewer";
