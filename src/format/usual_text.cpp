@@ -41,12 +41,20 @@ struct BlockLook {
     uint32_t uiOdd;   // bytes that only the literal reading can tell
 };
 
+/** Bits that are set in each byte. */
+struct BitTable {
+    uint8_t aucBits[256];
+    consteval BitTable() : aucBits()
+    {
+        for (uint32_t uiByte = 0; uiByte < 256; ++uiByte)
+            aucBits[uiByte] = static_cast<uint8_t>(std::popcount(uiByte));
+    }
+};
+constexpr BitTable BITS;
+
 uint32_t Count_Bits(uint32_t uiBits) // 16 of them
 {
-    uiBits -= uiBits >> 1 & 0x5555;
-    uiBits = (uiBits & 0x3333) + (uiBits >> 2 & 0x3333);
-    uiBits = (uiBits + (uiBits >> 4)) & 0x0F0F;
-    return (uiBits + (uiBits >> 8)) & 0x1F;
+    return BITS.aucBits[uiBits & 0xFF] + uint32_t{BITS.aucBits[uiBits >> 8]};
 }
 
 /**

@@ -32,30 +32,53 @@ struct PatternDigits {
 
     /** @return the number of two digits at a place. */
     constexpr uint32_t Get_Pair(uint32_t uiPos) const { return aucDigit[uiPos] * 10u + aucDigit[uiPos + 1]; }
-
-    /** @return seconds of HH:MM:SS at a place. */
-    uint32_t Get_Seconds(uint32_t uiPos) const
-    {
-        uint64_t ullDigits;
-        std::memcpy(&ullDigits, aucDigit + uiPos, sizeof(ullDigits));
-        const uint64_t ullPairs = ullDigits * 10 + (ullDigits >> 8); // each in the place of its first digit
-        const auto fnPair = [=](uint32_t uiBit) { return static_cast<uint32_t>(ullPairs >> uiBit & 0xFF); };
-        return (fnPair(0) * 60 + fnPair(24)) * 60 + fnPair(48);
-    }
 };
 
-/** @return whether the bytes follow a pattern. @param[in] pucBytes  BYTES_MAX bytes */
+/** The bytes of a text, as they differ from a pattern: digits as values. @return whether they follow it */
 template <DigitPattern PATTERN>
-bool Match_Pattern(const uint8_t *pucBytes, PatternDigits *pstDigits)
+inline bool Subtract_Pattern(const uint8_t *pucBytes, uint64_t (&aullText)[DigitPattern::BYTES_MAX / 8])
 {
     constexpr uint64_t TOP_BITS = 0x8080808080808080u;
-    uint64_t aullText[DigitPattern::BYTES_MAX / 8];
     std::memcpy(aullText, pucBytes, sizeof(aullText));
     uint64_t ullBad = 0;
     for (uint32_t uiWord = 0; uiWord < DigitPattern::BYTES_MAX / 8; ++uiWord) {
         aullText[uiWord] = (aullText[uiWord] ^ PATTERN.aullText[uiWord]) & PATTERN.aullBits[uiWord];
         ullBad |= aullText[uiWord] | (aullText[uiWord] + PATTERN.aullSlack[uiWord]);
     }
-    std::memcpy(pstDigits->aucDigit, aullText, sizeof(aullText));
     return (ullBad & TOP_BITS) == 0;
+}
+
+/** @return whether the bytes follow a pattern. @param[in] pucBytes  BYTES_MAX bytes */
+template <DigitPattern PATTERN>
+bool Match_Pattern(const uint8_t *pucBytes)
+{
+    uint64_t aullText[DigitPattern::BYTES_MAX / 8];
+    return Subtract_Pattern<PATTERN>(pucBytes, aullText);
+}
+
+/** The same, and the digits. */
+template <DigitPattern PATTERN>
+bool Match_Pattern(const uint8_t *pucBytes, PatternDigits *pstDigits)
+{
+    uint64_t aullText[DigitPattern::BYTES_MAX / 8];
+    const bool bMatch = Subtract_Pattern<PATTERN>(pucBytes, aullText);
+    std::memcpy(pstDigits->aucDigit, aullText, sizeof(aullText));
+    return bMatch;
+}
+
+/** @return seconds of HH:MM:SS, which stands there. */
+inline uint32_t Read_Seconds(const uint8_t *pucTime)
+{
+    uint64_t ullDigits;
+    std::memcpy(&ullDigits, pucTime, sizeof(ullDigits));
+    ullDigits &= 0x0F0F0F0F0F0F0F0Fu;
+    const uint64_t ullPairs = ullDigits * 10 + (ullDigits >> 8); // each in the place of its first digit
+    const auto fnPair = [=](uint32_t uiBit) { return static_cast<uint32_t>(ullPairs >> uiBit & 0xFF); };
+    return (fnPair(0) * 60 + fnPair(24)) * 60 + fnPair(48);
+}
+
+/** @return the number of two digits, which stand there. */
+inline uint32_t Read_Pair(const uint8_t *pucDigit)
+{
+    return pucDigit[0] * 10u + pucDigit[1] - '0' * 11u;
 }

@@ -1,8 +1,7 @@
 #include "text/encoding.h"
 
-#include <cstring>
-
 #include "record/parser_state.h"
+#include "text/text_block.h"
 
 namespace
 {
@@ -37,16 +36,16 @@ void Count_Byte(Utf8Count *pstCount, uint8_t ucByte)
     }
 }
 
-/** @return length of the run of bytes below 0x80 at the start, found 32 bytes at a step. */
+/** @return length of the run of bytes below 0x80 at the start. */
 uint32_t Skip_Ascii(const uint8_t *pucBytes, uint32_t uiBytes)
 {
-    constexpr uint32_t STEP = 32;
+    constexpr uint32_t STEP = 4 * BLOCK_BYTES;
+    const auto fnLoad = [=](uint32_t uiPos) { return TextBlock::Load(pucBytes + uiPos); };
     uint32_t uiPos = 0;
-    while (uiPos + STEP <= uiBytes) {
-        uint64_t aullWord[STEP / 8];
-        std::memcpy(aullWord, pucBytes + uiPos, STEP);
-        if (((aullWord[0] | aullWord[1] | aullWord[2] | aullWord[3]) & 0x8080808080808080u) != 0) break;
-        uiPos += STEP;
+    for (; uiPos + STEP <= uiBytes; uiPos += STEP) {
+        const TextBlock stAll = fnLoad(uiPos) | fnLoad(uiPos + BLOCK_BYTES) | fnLoad(uiPos + 2 * BLOCK_BYTES) |
+                                fnLoad(uiPos + 3 * BLOCK_BYTES);
+        if (stAll.Get_HighBits() != 0) break;
     }
     while (uiPos < uiBytes && pucBytes[uiPos] < 0x80) ++uiPos;
     return uiPos;

@@ -66,6 +66,13 @@ struct WordBlock {
         return stBlock;
     }
     void Store(uint8_t *pucBytes) const { std::memcpy(pucBytes, aWord, BLOCK_BYTES); }
+    WordBlock operator|(const WordBlock &stOther) const
+    {
+        WordBlock stBoth;
+        for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
+            stBoth.aWord[uiWord] = aWord[uiWord] | stOther.aWord[uiWord];
+        return stBoth;
+    }
 
     Hits Find_Equal(uint8_t ucByte) const
     {
@@ -173,6 +180,7 @@ struct Sse2Block {
         return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(pucBytes))};
     }
     void Store(uint8_t *pucBytes) const { _mm_storeu_si128(reinterpret_cast<__m128i *>(pucBytes), stBytes); }
+    Sse2Block operator|(const Sse2Block &stOther) const { return {_mm_or_si128(stBytes, stOther.stBytes)}; }
     Hits Find_Equal(uint8_t ucByte) const { return {_mm_cmpeq_epi8(stBytes, All(ucByte))}; }
     Hits Find_Below(uint8_t ucBound) const
     {
@@ -217,6 +225,7 @@ struct NeonBlock {
 
     static NeonBlock Load(const uint8_t *pucBytes) { return {vld1q_u8(pucBytes)}; }
     void Store(uint8_t *pucBytes) const { vst1q_u8(pucBytes, stBytes); }
+    NeonBlock operator|(const NeonBlock &stOther) const { return {vorrq_u8(stBytes, stOther.stBytes)}; }
     Hits Find_Equal(uint8_t ucByte) const { return {vceqq_u8(stBytes, vdupq_n_u8(ucByte))}; }
     Hits Find_Below(uint8_t ucBound) const { return {vcltq_u8(stBytes, vdupq_n_u8(ucBound))}; }
     Hits Find_AtLeast(uint8_t ucBound) const { return {vcgeq_u8(stBytes, vdupq_n_u8(ucBound))}; }

@@ -22,10 +22,9 @@ struct SubRipHead {
     bool bEmpty; // an empty line follows: its CR at least
 };
 
-uint32_t Get_Time(const PatternDigits &stDigits, uint32_t uiPlace)
+uint32_t Read_Time(const uint8_t *pucTime)
 {
-    return stDigits.Get_Seconds(uiPlace) * 1000 + stDigits.Get_Pair(uiPlace + 9) * 10 +
-           stDigits.aucDigit[uiPlace + 11];
+    return Read_Seconds(pucTime) * 1000 + Read_Pair(pucTime + 9) * 10 + pucTime[11] - '0';
 }
 
 bool Match_Head(SubRipHead *pstHead)
@@ -35,14 +34,13 @@ bool Match_Head(SubRipHead *pstHead)
     if (pucHead == nullptr) return false;
     uint32_t uiPos = 0;
     while (uiPos < DIGITS_MAX && Is_Digit(pucHead[uiPos])) ++uiPos;
-    PatternDigits stDigits;
-    if (uiPos == 0 || pucHead[uiPos] != '\r' || pucHead[uiPos + 1] != '\n' ||
-        !Match_Pattern<TIME_LINE>(pucHead + uiPos + 2, &stDigits))
+    const uint8_t *const pucTime = pucHead + uiPos + 2;
+    if (uiPos == 0 || pucTime[-2] != '\r' || pucTime[-1] != '\n' || !Match_Pattern<TIME_LINE>(pucTime))
         return false;
     pstHead->uiUnits = uiPos + 2 + TIME_LINE.uiBytes;
-    pstHead->uiStart = Get_Time(stDigits, 0);
-    pstHead->uiEnd = Get_Time(stDigits, END_PLACE);
-    pstHead->bEmpty = pucHead[pstHead->uiUnits] == '\r';
+    pstHead->uiStart = Read_Time(pucTime);
+    pstHead->uiEnd = Read_Time(pucTime + END_PLACE);
+    pstHead->bEmpty = pucTime[TIME_LINE.uiBytes] == '\r';
     return true;
 }
 

@@ -18,14 +18,18 @@ struct SubViewerHead {
     bool bEmpty; // an empty line follows: its CR at least
 };
 
+uint32_t Read_Time(const uint8_t *pucTime)
+{
+    return Read_Seconds(pucTime) * 1000 + Read_Pair(pucTime + 9) * HUNDREDTH_MS;
+}
+
 bool Match_Head(SubViewerHead *pstHead)
 {
     uint8_t aucHead[HEAD_UNITS];
-    PatternDigits stDigits;
     const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
-    if (pucHead == nullptr || !Match_Pattern<TIME_LINE>(pucHead, &stDigits)) return false;
-    pstHead->uiStart = stDigits.Get_Seconds(0) * 1000 + stDigits.Get_Pair(9) * HUNDREDTH_MS;
-    pstHead->uiEnd = stDigits.Get_Seconds(END_PLACE) * 1000 + stDigits.Get_Pair(END_PLACE + 9) * HUNDREDTH_MS;
+    if (pucHead == nullptr || !Match_Pattern<TIME_LINE>(pucHead)) return false;
+    pstHead->uiStart = Read_Time(pucHead);
+    pstHead->uiEnd = Read_Time(pucHead + END_PLACE);
     pstHead->bEmpty = pucHead[TIME_LINE.uiBytes] == '\r';
     return true;
 }
