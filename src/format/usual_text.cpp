@@ -253,19 +253,30 @@ bool Close_WrappedLine(UsualText &stText)
     return Add_Line(stText, stText.pucOut, uiUnits);
 }
 
+uint32_t Count_LineUnits(const UsualText &stText)
+{
+    return static_cast<uint32_t>(stText.pucOut - stText.pucLine - stText.uiTrails) >> (stText.uiUnitBytes - 1);
+}
+
+/** Close the current line, which may be too long or end with a blank. */
+[[gnu::noinline]] bool Close_OddLine(UsualText &stText)
+{
+    if (!Trim_Blanks(stText)) return false;
+    const uint32_t uiUnits = Count_LineUnits(stText);
+    if (uiUnits == 0) return true;
+    if (uiUnits <= LINE_UNITS) return Add_Line(stText, stText.pucOut, uiUnits);
+    return uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
+}
+
 /** Close the current line, if there is anything on it. @return false where there is no room for it */
 inline bool Close_Line(UsualText &stText)
 {
+    const uint32_t uiUnits = Count_LineUnits(stText);
     bool bGood = true;
-    if (!stText.Is_LineEmpty() && stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK)
-        bGood = Trim_Blanks(stText); // or half of a unit
-    if (!stText.Is_LineEmpty()) {
-        const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucLine);
-        const uint32_t uiUnits = (uiBytes - stText.uiTrails) >> (stText.uiUnitBytes - 1);
-        if (uiUnits > LINE_UNITS)
-            bGood = bGood && uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
-        else
-            bGood = bGood && Add_Line(stText, stText.pucOut, uiUnits);
+    if (uiUnits > 0) {
+        const bool bBlank = stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK; // or half of one
+        bGood = bBlank || uiUnits > LINE_UNITS ? Close_OddLine(stText)
+                                               : Add_Line(stText, stText.pucOut, uiUnits);
     }
     stText.pucOut = stText.pucLine;
     stText.uiTrails = 0;
@@ -316,6 +327,19 @@ bool Take_Entry(UsualText &stText, const UsualForm &stForm)
     return eStep == E_USUAL_END && Close_Line(stText);
 }
 
+const uint8_t *Narrow_Head(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)
+{
+    const RunStops stOrder = {0, 0, stText.bBigEndian};
+    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
+        uiUnit = std::min(uiUnit, uiUnits - BLOCK_BYTES); // the last block may overlap
+        const uint8_t *const pucUnit = stText.pucByte + 2 * uiUnit;
+        TextBlock::Narrow_Units(Load_Block<E_TEXT_UTF16>(pucUnit, stOrder),
+                                Load_Block<E_TEXT_UTF16>(pucUnit + BLOCK_BYTES, stOrder))
+            .Store(pucTarget + uiUnit);
+    }
+    return pucTarget;
+}
+
 /** Let the noted tags take effect. */
 [[gnu::noinline]] void Apply_Tags(const UsualText &stText, const UsualForm &stForm)
 {
@@ -360,24 +384,30 @@ uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *
 
 } // namespace
 
+bool Point_UsualText(UsualText *pstText)
+{
+    const CaptionStreamInfo &stStream = Get_StreamInfo();
+    UsualText &stText = *pstText;
+    stText.eKind = Get_TextKind();
+    if (!s_bUsualReading || stText.eKind == E_TEXT_OTHER) return false;
+    stText.uiUnitBytes = stText.eKind == E_TEXT_UTF16 ? 2 : 1;
+    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
+    stText.pucEnd = std::min<const uint8_t *>(stStream.pucStreamBuf + stStream.iStreamDataSize,
+                                              stText.pucByte + ENTRY_BYTES);
+    return true;
+}
+
 bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
 {
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    const CaptionStreamInfo &stStream = Get_StreamInfo();
     const bool bFresh = stInfo.uiLineIndex == 0 && stInfo.puiLineLength[0] == 0;
     const bool bFull = s_uiMaxLineNums == ZYR_LINE_MAX && s_uiConvBufSize == CONV_BUF_UNITS;
     const bool bShowTags = (s_uiParsingOption & E_PARSING_OPTION_SHOW_UNKNOWN_TAGS) != 0;
-    if (!s_bUsualReading || !bFresh || !bFull || bShowTags) return false;
-    UsualText &stText = *pstText;
-    stText.eKind = Get_TextKind();
-    if (stText.eKind == E_TEXT_OTHER) return false;
+    if (!bFresh || !bFull || bShowTags || !Point_UsualText(pstText)) return false;
     CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    stText.uiUnitBytes = stText.eKind == E_TEXT_UTF16 ? 2 : 1;
-    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
-    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * stText.uiUnitBytes;
-    stText.pucFileLine = stText.pucByte;
-    stText.pucEnd = std::min<const uint8_t *>(stStream.pucStreamBuf + stStream.iStreamDataSize,
-                                              stText.pucByte + ENTRY_BYTES);
+    UsualText &stText = *pstText;
+    stText.Take_Head(uiSkipUnits);
     stText.pucStore = reinterpret_cast<uint8_t *>(stTable.pusTextBuf);
     stText.pucLine = stText.pucStore;
     stText.pucOut = stText.pucStore;
@@ -544,19 +574,14 @@ UsualStep Take_UsualLineEnd(UsualText &stText)
     return Take_LineEnd(stText);
 }
 
+const uint8_t *Get_UsualHead(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)
+{
+    if (stText.pucEnd - stText.pucByte < static_cast<ptrdiff_t>(uiUnits * stText.uiUnitBytes)) return nullptr;
+    return stText.uiUnitBytes == 1 ? stText.pucByte : Narrow_Head(stText, pucTarget, uiUnits);
+}
+
 const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits)
 {
-    const CaptionStreamInfo &stStream = Get_StreamInfo();
-    const uint8_t *const pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
-    if (Get_HeldBytes(stStream) < static_cast<int32_t>(uiUnits * Get_UnitBytes())) return nullptr;
-    if (!Is_Utf16Text()) return pucByte;
-    const RunStops stOrder = {0, 0, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
-    for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
-        uiUnit = std::min(uiUnit, uiUnits - BLOCK_BYTES); // the last block may overlap
-        const uint8_t *const pucUnit = pucByte + 2 * uiUnit;
-        TextBlock::Narrow_Units(Load_Block<E_TEXT_UTF16>(pucUnit, stOrder),
-                                Load_Block<E_TEXT_UTF16>(pucUnit + BLOCK_BYTES, stOrder))
-            .Store(pucTarget + uiUnit);
-    }
-    return pucTarget;
+    UsualText stText;
+    return Point_UsualText(&stText) ? Get_UsualHead(stText, pucTarget, uiUnits) : nullptr;
 }

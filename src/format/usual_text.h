@@ -60,6 +60,12 @@ struct UsualText {
                           : static_cast<uint32_t>(puc[1] << 8 | puc[0]);
     }
     void Take_Units(uint32_t uiUnits) { pucByte += uiUnits * uiUnitBytes; }
+    /** Pass over a head of the entry, behind which its text begins. */
+    void Take_Head(uint32_t uiUnits)
+    {
+        Take_Units(uiUnits);
+        pucFileLine = pucByte;
+    }
     bool Is_LineEmpty() const { return pucOut == pucLine; }
 };
 
@@ -74,6 +80,9 @@ struct UsualForm {
     void (*pfApplyTag)(uint32_t uiUnits);
     bool bLines = false; // CR LF ends a line and CR LF CR LF the entry: such a CR need not come to pfTakeStop
 };
+
+/** Look at the current stream's read position. @return false where no text is usual */
+bool Point_UsualText(UsualText *pstText);
 
 /**
  * Begin so many units behind the current stream's read position.
@@ -123,9 +132,12 @@ UsualStep Take_UsualLineEnd(UsualText &stText);
 bool Is_UsualAhead(const UsualText &stText, const char *psz);
 
 /**
- * Copy the beginning of an entry as bytes: UTF-16 units narrowed, those beyond a byte as 0xFF or 0.
+ * The beginning of an entry as bytes: UTF-16 units narrowed, those beyond a byte as 0xFF or 0.
  *
- * @param[in] uiUnits  BLOCK_BYTES at least
+ * @param[in] uiUnits  BLOCK_BYTES at least; pucTarget has room for them
  * @return the bytes themselves where a unit is a byte, or pucTarget; NULL when the buffer holds less than uiUnits
  */
+const uint8_t *Get_UsualHead(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits);
+
+/** The same at the current stream's read position. */
 const uint8_t *Get_UsualHead(uint8_t *pucTarget, uint32_t uiUnits);

@@ -26,29 +26,73 @@ bool Begins_Utf8(const uint8_t *pucByte)
     return (pucByte[0] & 0xF0) == 0xE0 && fnContinues(1) && fnContinues(2);
 }
 
+/** A block's hits, a bit for each byte, and the bytes that may hide one. */
+struct BlockHits {
+    uint32_t uiHit;
+    uint32_t uiUnsure;
+};
+
+/** @param[in,out] uiCarry  the bits that one block leaves for the next one; 0 at first */
+template <TextKind KIND>
+inline BlockHits Look_AtBlock(const uint8_t *pucByte, const UnitSearch &stSearch, uint32_t &uiCarry)
+{
+    const TextBlock stBlock = TextBlock::Load(pucByte);
+    if constexpr (KIND == E_TEXT_UTF16) {
+        const TextBlock stUnits = stSearch.bBigEndian ? stBlock.Get_SwappedUnits() : stBlock;
+        return {TextBlock::Get_Bits(stUnits.Find_EqualUnit(stSearch.ucFirst) |
+                                    stUnits.Find_EqualUnit(stSearch.ucSecond)),
+                0};
+    }
+    BlockHits stHits = {
+        TextBlock::Get_Bits(stBlock.Find_Equal(stSearch.ucFirst) | stBlock.Find_Equal(stSearch.ucSecond)), 0};
+    if constexpr (KIND == E_TEXT_UTF8)
+        stHits.uiUnsure = TextBlock::Get_Bits(Find_OverlongLeads(stBlock, TextBlock::Load(pucByte + 1)));
+    if constexpr (KIND == E_TEXT_DOUBLE) stHits.uiHit &= ~Find_SecondBytes(stBlock.Get_HighBits(), uiCarry);
+    return stHits;
+}
+
 template <TextKind KIND>
 const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
 {
     uint32_t uiCarry = 0;
     for (; pucEnd - pucByte >= FOUND_AHEAD + static_cast<int32_t>(BLOCK_BYTES); pucByte += BLOCK_BYTES) {
-        TextBlock stBlock = TextBlock::Load(pucByte);
-        uint32_t uiHit = 0;
-        if constexpr (KIND == E_TEXT_UTF16) {
-            if (stSearch.bBigEndian) stBlock = stBlock.Get_SwappedUnits();
-            uiHit = TextBlock::Get_Bits(stBlock.Find_EqualUnit(stSearch.ucFirst) |
-                                        stBlock.Find_EqualUnit(stSearch.ucSecond));
-        } else {
-            uiHit = TextBlock::Get_Bits(stBlock.Find_Equal(stSearch.ucFirst) |
-                                        stBlock.Find_Equal(stSearch.ucSecond));
+        const BlockHits stHits = Look_AtBlock<KIND>(pucByte, stSearch, uiCarry);
+        const uint32_t uiBefore = stHits.uiHit == 0 ? BLOCK_BITS : (stHits.uiHit - 1) & ~stHits.uiHit;
+        if ((stHits.uiUnsure & uiBefore) != 0) return nullptr;
+        if (stHits.uiHit != 0) return pucByte + std::countr_zero(stHits.uiHit);
+    }
+    return nullptr;
+}
+
+template <TextKind KIND>
+inline bool Is_Unit(const uint8_t *pucUnit, uint8_t ucUnit, const UnitSearch &stSearch)
+{
+    if (KIND != E_TEXT_UTF16) return *pucUnit == ucUnit;
+    return pucUnit[stSearch.bBigEndian ? 1 : 0] == ucUnit && pucUnit[stSearch.bBigEndian ? 0 : 1] == 0;
+}
+
+/** @return the place behind CR LF CR LF, or NULL as Find_EmptyLine() */
+template <TextKind KIND>
+const uint8_t *Search_EmptyLine(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
+{
+    constexpr uint32_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
+    const uint8_t *pucLine = pucByte; // where the last line seen begins
+    uint32_t uiCarry = 0;
+    for (; pucEnd - pucByte >= FOUND_AHEAD + static_cast<int32_t>(BLOCK_BYTES); pucByte += BLOCK_BYTES) {
+        const BlockHits stHits = Look_AtBlock<KIND>(pucByte, stSearch, uiCarry);
+        if (stHits.uiUnsure != 0) return nullptr;
+        for (uint32_t uiHit = stHits.uiHit; uiHit != 0; uiHit &= uiHit - 1) {
+            const uint8_t *const pucUnit = pucByte + std::countr_zero(uiHit);
+            if (pucUnit < pucLine) continue; // of a line end that has been seen
+            if (!Is_Unit<KIND>(pucUnit, '\r', stSearch) ||
+                !Is_Unit<KIND>(pucUnit + UNIT_BYTES, '\n', stSearch))
+                return nullptr;
+            pucLine = pucUnit + 2 * UNIT_BYTES;
+            if (KIND == E_TEXT_UTF8 && !Begins_Utf8(pucLine)) return nullptr; // where it begins is not sure
+            if (!Is_Unit<KIND>(pucLine, '\r', stSearch)) continue;
+            const bool bEmpty = Is_Unit<KIND>(pucLine + UNIT_BYTES, '\n', stSearch);
+            return bEmpty ? pucLine + 2 * UNIT_BYTES : nullptr;
         }
-        if constexpr (KIND == E_TEXT_UTF8) {
-            const uint32_t uiBefore = uiHit == 0 ? BLOCK_BITS : (uiHit - 1) & ~uiHit;
-            const auto stOverlong = Find_OverlongLeads(stBlock, TextBlock::Load(pucByte + 1));
-            if ((TextBlock::Get_Bits(stOverlong) & uiBefore) != 0) return nullptr;
-        }
-        if constexpr (KIND == E_TEXT_DOUBLE)
-            uiHit &= ~Find_SecondBytes(TextBlock::Get_Bits(stBlock.Find_AtLeast(0x80)), uiCarry);
-        if (uiHit != 0) return pucByte + std::countr_zero(uiHit);
     }
     return nullptr;
 }
@@ -96,22 +140,18 @@ int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd)
 {
     const CaptionStreamInfo &stStream = Get_StreamInfo();
     const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
-    const uint32_t uiUnitBytes = Get_UnitBytes();
-    const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
-    const TextKind eKind = Get_TextKind();
-    const auto fnIs = [=](const uint8_t *pucUnit, uint8_t ucUnit) {
-        return pucUnit[uiLow] == ucUnit && (uiUnitBytes == 1 || pucUnit[1 - uiLow] == 0);
-    };
-    const uint8_t *pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * uiUnitBytes;
-    for (;;) {
-        pucByte = Find_Unit(eKind, pucByte, pucEnd, '\r', ucOdd);
-        if (pucByte == nullptr || !fnIs(pucByte, '\r') || !fnIs(pucByte + uiUnitBytes, '\n')) return -1;
-        pucByte += 2 * uiUnitBytes;
-        if (eKind == E_TEXT_UTF8 && !Begins_Utf8(pucByte)) return -1; // where a line begins is not sure
-        if (!fnIs(pucByte, '\r')) continue;
-        if (!fnIs(pucByte + uiUnitBytes, '\n')) return -1;
-        return static_cast<int32_t>(pucByte + 2 * uiUnitBytes - stStream.pucStreamBuf);
+    const uint8_t *const pucByte =
+        stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * Get_UnitBytes();
+    const UnitSearch stSearch = {'\r', ucOdd, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
+    const uint8_t *pucBehind = nullptr;
+    switch (Get_TextKind()) {
+    case E_TEXT_UTF8: pucBehind = Search_EmptyLine<E_TEXT_UTF8>(pucByte, pucEnd, stSearch); break;
+    case E_TEXT_DOUBLE: pucBehind = Search_EmptyLine<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch); break;
+    case E_TEXT_SINGLE: pucBehind = Search_EmptyLine<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch); break;
+    case E_TEXT_UTF16: pucBehind = Search_EmptyLine<E_TEXT_UTF16>(pucByte, pucEnd, stSearch); break;
+    default: break;
     }
+    return pucBehind == nullptr ? -1 : static_cast<int32_t>(pucBehind - stStream.pucStreamBuf);
 }
 
 int32_t Find_LineEnd(uint32_t uiSkipUnits)

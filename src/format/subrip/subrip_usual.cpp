@@ -16,10 +16,12 @@ constexpr uint32_t HEAD_UNITS = DIGITS_MAX + 2 + DigitPattern::BYTES_MAX + 1;
 
 /** Number line and time line. */
 struct SubRipHead {
-    uint32_t uiUnits; // of both
-    uint32_t uiStart; // ms
-    uint32_t uiEnd;
-    bool bEmpty; // an empty line follows: its CR at least
+    uint8_t aucUnits[HEAD_UNITS];
+    const uint8_t *pucTime; // the time line, in bytes
+    uint32_t uiUnits;       // of both
+
+    /** @return whether an empty line follows: its CR at least. */
+    bool Is_Empty() const { return pucTime[TIME_LINE.uiBytes] == '\r'; }
 };
 
 uint32_t Read_Time(const uint8_t *pucTime)
@@ -27,21 +29,16 @@ uint32_t Read_Time(const uint8_t *pucTime)
     return Read_Seconds(pucTime) * 1000 + Read_Pair(pucTime + 9) * 10 + pucTime[11] - '0';
 }
 
-bool Match_Head(SubRipHead *pstHead)
+inline bool Match_Head(const UsualText &stText, SubRipHead *pstHead)
 {
-    uint8_t aucHead[HEAD_UNITS];
-    const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
+    const uint8_t *const pucHead = Get_UsualHead(stText, pstHead->aucUnits, HEAD_UNITS);
     if (pucHead == nullptr) return false;
     uint32_t uiPos = 0;
     while (uiPos < DIGITS_MAX && Is_Digit(pucHead[uiPos])) ++uiPos;
-    const uint8_t *const pucTime = pucHead + uiPos + 2;
-    if (uiPos == 0 || pucTime[-2] != '\r' || pucTime[-1] != '\n' || !Match_Pattern<TIME_LINE>(pucTime))
-        return false;
+    pstHead->pucTime = pucHead + uiPos + 2;
     pstHead->uiUnits = uiPos + 2 + TIME_LINE.uiBytes;
-    pstHead->uiStart = Read_Time(pucTime);
-    pstHead->uiEnd = Read_Time(pucTime + END_PLACE);
-    pstHead->bEmpty = pucTime[TIME_LINE.uiBytes] == '\r';
-    return true;
+    return uiPos > 0 && pucHead[uiPos] == '\r' && pucHead[uiPos + 1] == '\n' &&
+           Match_Pattern<TIME_LINE>(pstHead->pucTime);
 }
 
 UsualStep Take_SubRipStop(UsualText &stText, uint32_t uiUnit)
@@ -67,20 +64,22 @@ bool Take_UsualSubRip()
 {
     SubRipHead stHead;
     UsualText stText;
-    if (!Match_Head(&stHead) || !Begin_UsualText(&stText, stHead.uiUnits)) return false;
-    if (!(stHead.bEmpty ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBRIP_FORM))) return false;
+    if (!Begin_UsualText(&stText, 0) || !Match_Head(stText, &stHead)) return false;
+    stText.Take_Head(stHead.uiUnits);
+    if (!(stHead.Is_Empty() ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBRIP_FORM))) return false;
     Commit_UsualText(stText, SUBRIP_FORM);
-    Set_FrameTimes(stHead.uiStart, stHead.uiEnd);
+    Set_FrameTimes(Read_Time(stHead.pucTime), Read_Time(stHead.pucTime + END_PLACE));
     return true;
 }
 
 bool Pass_UsualSubRip(uint32_t *puiStart)
 {
     SubRipHead stHead;
-    if (!s_bUsualReading || !Match_Head(&stHead)) return false;
+    UsualText stText;
+    if (!Point_UsualText(&stText) || !Match_Head(stText, &stHead)) return false;
     const int32_t iBehind = Find_EmptyLine(stHead.uiUnits - 2, '\r');
     if (iBehind < 0) return false;
-    *puiStart = stHead.uiStart;
+    *puiStart = Read_Time(stHead.pucTime);
     Get_StreamInfo().iStreamBufIndex = iBehind;
     return true;
 }

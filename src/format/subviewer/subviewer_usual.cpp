@@ -12,26 +12,16 @@ constexpr uint32_t END_PLACE = 12; // of the end time
 constexpr uint32_t HEAD_UNITS = DigitPattern::BYTES_MAX;
 constexpr uint32_t HUNDREDTH_MS = 10;
 
-struct SubViewerHead {
-    uint32_t uiStart; // ms
-    uint32_t uiEnd;
-    bool bEmpty; // an empty line follows: its CR at least
-};
-
 uint32_t Read_Time(const uint8_t *pucTime)
 {
     return Read_Seconds(pucTime) * 1000 + Read_Pair(pucTime + 9) * HUNDREDTH_MS;
 }
 
-bool Match_Head(SubViewerHead *pstHead)
+/** @return the time line as bytes, in pucHead where the text is none; NULL when it is not the usual one */
+inline const uint8_t *Match_Head(const UsualText &stText, uint8_t *pucHead)
 {
-    uint8_t aucHead[HEAD_UNITS];
-    const uint8_t *const pucHead = Get_UsualHead(aucHead, HEAD_UNITS);
-    if (pucHead == nullptr || !Match_Pattern<TIME_LINE>(pucHead)) return false;
-    pstHead->uiStart = Read_Time(pucHead);
-    pstHead->uiEnd = Read_Time(pucHead + END_PLACE);
-    pstHead->bEmpty = pucHead[TIME_LINE.uiBytes] == '\r';
-    return true;
+    const uint8_t *const pucTime = Get_UsualHead(stText, pucHead, HEAD_UNITS);
+    return pucTime != nullptr && Match_Pattern<TIME_LINE>(pucTime) ? pucTime : nullptr;
 }
 
 /** "[BR]" breaks a line; what cannot become one is text, and so is any bracket that begins a line of the file. */
@@ -63,22 +53,28 @@ constexpr UsualForm SUBVIEWER_FORM = {{'[', '['}, Take_SubViewerStop, nullptr, t
 
 bool Take_UsualSubViewer()
 {
-    SubViewerHead stHead;
+    uint8_t aucHead[HEAD_UNITS];
     UsualText stText;
-    if (!Match_Head(&stHead) || !Begin_UsualText(&stText, TIME_LINE.uiBytes)) return false;
-    if (!(stHead.bEmpty ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBVIEWER_FORM))) return false;
+    if (!Begin_UsualText(&stText, 0)) return false;
+    const uint8_t *const pucTime = Match_Head(stText, aucHead);
+    if (pucTime == nullptr) return false;
+    stText.Take_Head(TIME_LINE.uiBytes);
+    const bool bEmpty = pucTime[TIME_LINE.uiBytes] == '\r'; // an empty line follows: its CR at least
+    if (!(bEmpty ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBVIEWER_FORM))) return false;
     Commit_UsualText(stText, SUBVIEWER_FORM);
-    Set_FrameTimes(stHead.uiStart, stHead.uiEnd);
+    Set_FrameTimes(Read_Time(pucTime), Read_Time(pucTime + END_PLACE));
     return true;
 }
 
 bool Pass_UsualSubViewer(uint32_t *puiStart)
 {
-    SubViewerHead stHead;
-    if (!s_bUsualReading || !Match_Head(&stHead)) return false;
+    uint8_t aucHead[HEAD_UNITS];
+    UsualText stText;
+    const uint8_t *const pucTime = Point_UsualText(&stText) ? Match_Head(stText, aucHead) : nullptr;
+    if (pucTime == nullptr) return false;
     const int32_t iBehind = Find_EmptyLine(TIME_LINE.uiBytes - 2, '\n'); // a lone LF ends a line here
     if (iBehind < 0) return false;
-    *puiStart = stHead.uiStart;
+    *puiStart = Read_Time(pucTime);
     Get_StreamInfo().iStreamBufIndex = iBehind;
     return true;
 }
