@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
-#include <cstring>
+#include <initializer_list>
 
 #include "markup/entity.h"
 #include "text/text_block.h"
@@ -65,14 +65,15 @@ uint32_t Count_Bits(uint32_t uiBits) // 16 of them
 void Look_AtUtf8(const TextBlock &stBlock, const uint8_t *pucByte, uint32_t uiHigh, uint32_t &uiCarry,
                  BlockLook &stLook)
 {
-    const TextBlock stNext = TextBlock::Load(pucByte + 1);
-    const auto stSurrogate = stBlock.Find_Equal(0xED) & stNext.Find_AtLeast(0xA0);
-    const auto stNever = Find_OverlongLeads(stBlock, stNext) | stBlock.Find_AtLeast(0xF0) | stSurrogate;
-    const uint32_t uiLead = TextBlock::Get_Bits(stBlock.Find_AtLeast(0xC0));
+    const auto stHighNext = TextBlock::Load(pucByte + 1).Find_AtLeast(0xA0);
+    const auto stOverlong = stBlock.Find_Equal(0xE0).Without(stHighNext);
+    const auto stSurrogate = stBlock.Find_Equal(0xED) & stHighNext;
     const uint32_t uiThree = TextBlock::Get_Bits(stBlock.Find_AtLeast(0xE0));
+    stLook.uiTrail = TextBlock::Get_Bits(stBlock.Find_Continuations());
+    const uint32_t uiLead = uiHigh & ~stLook.uiTrail;
     const uint32_t uiWanted = uiLead << 1 | uiThree << 2 | uiCarry;
-    stLook.uiTrail = uiHigh & ~uiLead;
-    stLook.uiOdd = TextBlock::Get_Bits(stNever) | ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS);
+    stLook.uiOdd = TextBlock::Get_Bits(stOverlong | stSurrogate) | ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS) |
+                   (uiLead ^ TextBlock::Get_Bits(stBlock.Find_Between(0xC2, 0xEF)));
     uiCarry = uiWanted >> BLOCK_BYTES;
 }
 
@@ -193,8 +194,7 @@ LineUnit Get_LineUnit(TextKind eKind, const uint8_t *pucUnit)
     switch (eKind) {
     case E_TEXT_UTF16: return {2, pucUnit[0] == BLANK && pucUnit[1] == 0};
     case E_TEXT_UTF8: return {pucUnit[0] < 0x80 ? 1u : pucUnit[0] < 0xE0 ? 2u : 3u, pucUnit[0] == BLANK};
-    case E_TEXT_DOUBLE: return {pucUnit[0] < 0x80 ? 1u : 2u, pucUnit[0] == BLANK};
-    default: return {pucUnit[0] != 0 ? 1u : 2u, pucUnit[0] == BLANK};
+    default: return {pucUnit[0] - 1u < 0x7F ? 1u : 2u, pucUnit[0] == BLANK}; // a zero goes before a high byte
     }
 }
 
@@ -284,6 +284,13 @@ inline bool Close_Line(UsualText &stText)
     return bGood;
 }
 
+UsualStep Put_Bytes(UsualText &stText, std::initializer_list<uint32_t> listBytes)
+{
+    for (const uint32_t uiByte : listBytes) *stText.pucOut++ = static_cast<uint8_t>(uiByte);
+    stText.uiTrails += static_cast<uint32_t>(listBytes.size()) - stText.uiUnitBytes;
+    return E_USUAL_ON;
+}
+
 inline UsualStep Break_Line(UsualText &stText)
 {
     if (stText.uiLines == ZYR_LINE_MAX) return E_USUAL_ODD; // the log tells that
@@ -340,6 +347,19 @@ const uint8_t *Narrow_Head(const UsualText &stText, uint8_t *pucTarget, uint32_t
     return pucTarget;
 }
 
+inline bool Point_Text(UsualText &stText)
+{
+    const CaptionStreamInfo &stStream = Get_StreamInfo();
+    stText.eKind = Get_TextKind();
+    if (!s_bUsualReading || stText.eKind == E_TEXT_OTHER) return false;
+    stText.uiUnitBytes = stText.eKind == E_TEXT_UTF16 ? 2 : 1;
+    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
+    stText.pucEnd = std::min<const uint8_t *>(stStream.pucStreamBuf + stStream.iStreamDataSize,
+                                              stText.pucByte + ENTRY_BYTES);
+    return true;
+}
+
 /** Let the noted tags take effect. */
 [[gnu::noinline]] void Apply_Tags(const UsualText &stText, const UsualForm &stForm)
 {
@@ -386,16 +406,7 @@ uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *
 
 bool Point_UsualText(UsualText *pstText)
 {
-    const CaptionStreamInfo &stStream = Get_StreamInfo();
-    UsualText &stText = *pstText;
-    stText.eKind = Get_TextKind();
-    if (!s_bUsualReading || stText.eKind == E_TEXT_OTHER) return false;
-    stText.uiUnitBytes = stText.eKind == E_TEXT_UTF16 ? 2 : 1;
-    stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
-    stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
-    stText.pucEnd = std::min<const uint8_t *>(stStream.pucStreamBuf + stStream.iStreamDataSize,
-                                              stText.pucByte + ENTRY_BYTES);
-    return true;
+    return Point_Text(*pstText);
 }
 
 bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
@@ -404,7 +415,7 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
     const bool bFresh = stInfo.uiLineIndex == 0 && stInfo.puiLineLength[0] == 0;
     const bool bFull = s_uiMaxLineNums == ZYR_LINE_MAX && s_uiConvBufSize == CONV_BUF_UNITS;
     const bool bShowTags = (s_uiParsingOption & E_PARSING_OPTION_SHOW_UNKNOWN_TAGS) != 0;
-    if (!bFresh || !bFull || bShowTags || !Point_UsualText(pstText)) return false;
+    if (!bFresh || !bFull || bShowTags || !Point_Text(*pstText)) return false;
     CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
     UsualText &stText = *pstText;
     stText.Take_Head(uiSkipUnits);
@@ -465,29 +476,13 @@ UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit)
 {
     stText.bPrevBlank = false;
     if (uiUnit == BLANK && stText.Is_LineEmpty()) return E_USUAL_ON;
-    uint8_t *const pucOut = stText.pucOut;
     if (uiUnit < CONTROLS || Is_Surrogate(uiUnit)) return E_USUAL_ODD;
-    if (stText.eKind == E_TEXT_UTF16) {
-        pucOut[0] = static_cast<uint8_t>(uiUnit);
-        pucOut[1] = static_cast<uint8_t>(uiUnit >> 8);
-        stText.pucOut += 2;
-        return E_USUAL_ON;
-    }
-    if (uiUnit < 0x80) {
-        *stText.pucOut++ = static_cast<uint8_t>(uiUnit);
-        return E_USUAL_ON;
-    }
-    if (stText.eKind != E_TEXT_UTF8) return E_USUAL_ODD;
-    const uint32_t uiTrails = uiUnit < 0x800 ? 1 : 2;
-    if (uiTrails == 1) {
-        *stText.pucOut++ = static_cast<uint8_t>(0xC0 | uiUnit >> 6);
-    } else {
-        *stText.pucOut++ = static_cast<uint8_t>(0xE0 | uiUnit >> 12);
-        *stText.pucOut++ = static_cast<uint8_t>(0x80 | (uiUnit >> 6 & 0x3F));
-    }
-    *stText.pucOut++ = static_cast<uint8_t>(0x80 | (uiUnit & 0x3F));
-    stText.uiTrails += uiTrails;
-    return E_USUAL_ON;
+    if (stText.eKind == E_TEXT_UTF16) return Put_Bytes(stText, {uiUnit, uiUnit >> 8});
+    if (uiUnit < 0x80) return Put_Bytes(stText, {uiUnit});
+    if (stText.eKind != E_TEXT_UTF8) return uiUnit > 0xFF ? E_USUAL_ODD : Put_Bytes(stText, {0, uiUnit});
+    const uint32_t uiLast = 0x80 | (uiUnit & 0x3F);
+    if (uiUnit < 0x800) return Put_Bytes(stText, {0xC0 | uiUnit >> 6, uiLast});
+    return Put_Bytes(stText, {0xE0 | uiUnit >> 12, 0x80 | (uiUnit >> 6 & 0x3F), uiLast});
 }
 
 UsualStep Take_UsualTab(UsualText &stText)

@@ -95,6 +95,16 @@ struct WordBlock {
             return ((uiWord & ~TOPS) + ONES * (0x100u - ucBound)) & uiWord & TOPS;
         });
     }
+    /** @param[in] ucFirst  0x80 or more */
+    Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
+    {
+        return Find_AtLeast(ucFirst).Without(Find_AtLeast(static_cast<uint8_t>(ucLast + 1)));
+    }
+    /** The bytes from 0x80 to 0xBF. */
+    Hits Find_Continuations() const
+    {
+        return Ask([](Word uiWord) { return uiWord & ~(uiWord << 1) & TOPS; });
+    }
     /** The same of 16-bit units; both bytes of a unit hit. */
     Hits Find_EqualUnit(uint16_t usUnit) const
     {
@@ -190,6 +200,12 @@ struct Sse2Block {
     {
         return {_mm_cmpeq_epi8(_mm_max_epu8(stBytes, All(ucBound)), stBytes)};
     }
+    Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
+    {
+        const __m128i stAbove = _mm_sub_epi8(stBytes, All(ucFirst));
+        return {_mm_cmpeq_epi8(_mm_min_epu8(stAbove, All(ucLast - uint32_t{ucFirst})), stAbove)};
+    }
+    Hits Find_Continuations() const { return {_mm_cmplt_epi8(stBytes, All(0xC0))}; }
     Hits Find_EqualUnit(uint16_t usUnit) const { return {_mm_cmpeq_epi16(stBytes, All_Units(usUnit))}; }
     Hits Find_BelowUnit(uint16_t usBound) const
     {
@@ -229,6 +245,11 @@ struct NeonBlock {
     Hits Find_Equal(uint8_t ucByte) const { return {vceqq_u8(stBytes, vdupq_n_u8(ucByte))}; }
     Hits Find_Below(uint8_t ucBound) const { return {vcltq_u8(stBytes, vdupq_n_u8(ucBound))}; }
     Hits Find_AtLeast(uint8_t ucBound) const { return {vcgeq_u8(stBytes, vdupq_n_u8(ucBound))}; }
+    Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
+    {
+        return {vandq_u8(vcgeq_u8(stBytes, vdupq_n_u8(ucFirst)), vcleq_u8(stBytes, vdupq_n_u8(ucLast)))};
+    }
+    Hits Find_Continuations() const { return Find_Between(0x80, 0xBF); }
     Hits Find_EqualUnit(uint16_t usUnit) const
     {
         return {vreinterpretq_u8_u16(vceqq_u16(vreinterpretq_u16_u8(stBytes), vdupq_n_u16(usUnit)))};
