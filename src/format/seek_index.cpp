@@ -92,6 +92,17 @@ void Describe_Block(const SeekTrack &stTrack)
     stBlock.bQuiet = !stTrack.bLogged;
 }
 
+/** Look ahead to the end of a known block, or to where the block that is scanned is long enough. */
+void Set_NextPos(SeekTrack &stTrack)
+{
+    if (stTrack.uiScanned < SETTLED_STARTS)
+        stTrack.llNextPos = 0;
+    else if (stTrack.uiNext < s_uiPlaces)
+        stTrack.llNextPos = s_astBlock[stTrack.uiNext].stPlace.llPos;
+    else if (s_uiPlaces > 0)
+        stTrack.llNextPos = s_astBlock[s_uiPlaces - 1].stPlace.llPos + s_llBlockBytes;
+}
+
 /** Learn from a scan that stands at the end of an entry. */
 void Note_SeekPlace(SeekTrack &stTrack, const SeekPlace &stPlace)
 {
@@ -132,7 +143,7 @@ SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bA
 {
     Forget_OtherFile();
     if (bAtStart && s_uiPlaces > 0 && s_astBlock[0].stPlace.llPos != stPlace.llPos) Forget_SeekPlaces();
-    SeekTrack stTrack = {uiTargetMs, NO_SEEK_BLOCK, 0, 0, 0, 0, false};
+    SeekTrack stTrack = {uiTargetMs, NO_SEEK_BLOCK, 0, 0, 0, 0, false, 0};
     if (bAtStart) {
         if (s_uiPlaces == 0) Add_Place(stPlace);
         s_bInStep = true;
@@ -166,11 +177,12 @@ int64_t Skip_SeekBlocks(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
     return llReached < 0 ? llReached : Move_ReadPosition(hFile, stPlace.llPos, E_READ_AHEAD_FULL);
 }
 
-int64_t Pass_SeekEntry(SeekScan &stSeek, bool bLogged, void *hFile)
+int64_t Reach_SeekPlace(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
 {
-    stSeek.stTrack.bLogged = stSeek.stTrack.bLogged || bLogged;
-    Note_SeekPlace(stSeek.stTrack, stSeek.stPlace);
-    return Skip_SeekBlocks(stSeek.stTrack, stSeek.stPlace, hFile);
+    Note_SeekPlace(stTrack, stPlace);
+    const int64_t llReached = Skip_SeekBlocks(stTrack, stPlace, hFile);
+    Set_NextPos(stTrack);
+    return llReached;
 }
 
 int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)

@@ -28,6 +28,7 @@ struct SeekTrack {
     uint32_t uiStarts;   // likewise: entries with a start
     uint32_t uiScanned;  // entries with a start since the scan began
     bool bLogged;        // something of the block has been logged
+    int64_t llNextPos;   // before it the end of an entry is nothing that the index could learn or tell
 };
 
 /** A seek on its way from entry to entry. */
@@ -60,6 +61,9 @@ inline bool Pass_SeekStart(SeekScan &stSeek, uint32_t uiStart)
     return true;
 }
 
+/** The scan stands where a place may be: learn from it, and pass over what is known. @return as Skip_SeekBlocks() */
+int64_t Reach_SeekPlace(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile);
+
 /**
  * The scan has come to the end of an entry, which stPlace is by now: learn from it, and pass over what is known.
  *
@@ -67,7 +71,12 @@ inline bool Pass_SeekStart(SeekScan &stSeek, uint32_t uiStart)
  *
  * @return as Skip_SeekBlocks()
  */
-int64_t Pass_SeekEntry(SeekScan &stSeek, bool bLogged, void *hFile);
+inline int64_t Pass_SeekEntry(SeekScan &stSeek, bool bLogged, void *hFile)
+{
+    SeekTrack &stTrack = stSeek.stTrack;
+    stTrack.bLogged = stTrack.bLogged || bLogged;
+    return stSeek.stPlace.llPos < stTrack.llNextPos ? 1 : Reach_SeekPlace(stTrack, stSeek.stPlace, hFile);
+}
 
 /**
  * Let a scan that stands at stPlace go on from the last known place that it would come to anyway, which

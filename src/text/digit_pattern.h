@@ -1,6 +1,7 @@
 /* Times in their usual form, all digits at once. */
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -81,4 +82,14 @@ inline uint32_t Read_Seconds(const uint8_t *pucTime)
 inline uint32_t Read_Pair(const uint8_t *pucDigit)
 {
     return pucDigit[0] * 10u + pucDigit[1] - '0' * 11u;
+}
+
+/** @return digits that stand there, up to 8 of them. */
+inline uint32_t Count_Digits(const uint8_t *pucDigits)
+{
+    uint64_t ullText;
+    std::memcpy(&ullText, pucDigits, sizeof(ullText));
+    const uint64_t ullValues = ullText ^ 0x3030303030303030u;
+    const uint64_t ullOthers = (ullValues | (ullValues + 0x7676767676767676u)) & 0x8080808080808080u;
+    return static_cast<uint32_t>(std::countr_zero(ullOthers)) / 8; // the first one that is none is sure
 }

@@ -4,14 +4,13 @@
 #include "markup/caption_text.h"
 #include "text/digit_pattern.h"
 #include "text/find_unit.h"
-#include "text/text_helpers.h"
 
 namespace
 {
 
 constexpr DigitPattern TIME_LINE("00:00:00,000 --> 00:00:00,000\r\n");
 constexpr uint32_t END_PLACE = 17; // of the end time
-constexpr uint32_t DIGITS_MAX = 9; // of an entry's number
+constexpr uint32_t DIGITS_MAX = 8; // of an entry's number
 constexpr uint32_t HEAD_UNITS = DIGITS_MAX + 2 + DigitPattern::BYTES_MAX + 1;
 
 /** Number line and time line. */
@@ -33,8 +32,7 @@ inline bool Match_Head(const UsualText &stText, SubRipHead *pstHead)
 {
     const uint8_t *const pucHead = Get_UsualHead(stText, pstHead->aucUnits, HEAD_UNITS);
     if (pucHead == nullptr) return false;
-    uint32_t uiPos = 0;
-    while (uiPos < DIGITS_MAX && Is_Digit(pucHead[uiPos])) ++uiPos;
+    const uint32_t uiPos = Count_Digits(pucHead);
     pstHead->pucTime = pucHead + uiPos + 2;
     pstHead->uiUnits = uiPos + 2 + TIME_LINE.uiBytes;
     return uiPos > 0 && pucHead[uiPos] == '\r' && pucHead[uiPos + 1] == '\n' &&
