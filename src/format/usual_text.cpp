@@ -72,7 +72,8 @@ void Look_AtUtf8(const TextBlock &stBlock, const uint8_t *pucByte, uint32_t uiHi
     stLook.uiTrail = TextBlock::Get_Bits(stBlock.Find_Continuations());
     const uint32_t uiLead = uiHigh & ~stLook.uiTrail;
     const uint32_t uiWanted = uiLead << 1 | uiThree << 2 | uiCarry;
-    stLook.uiOdd = TextBlock::Get_Bits(stOverlong | stSurrogate) | ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS) |
+    stLook.uiOdd = TextBlock::Get_Bits(stOverlong | stSurrogate) |
+                   ((uiWanted ^ stLook.uiTrail) & BLOCK_BITS) |
                    (uiLead ^ TextBlock::Get_Bits(stBlock.Find_Between(0xC2, 0xEF)));
     uiCarry = uiWanted >> BLOCK_BYTES;
 }
@@ -255,7 +256,8 @@ bool Close_WrappedLine(UsualText &stText)
 
 uint32_t Count_LineUnits(const UsualText &stText)
 {
-    return static_cast<uint32_t>(stText.pucOut - stText.pucLine - stText.uiTrails) >> (stText.uiUnitBytes - 1);
+    return static_cast<uint32_t>(stText.pucOut - stText.pucLine - stText.uiTrails) >>
+           (stText.uiUnitBytes - 1);
 }
 
 /** Close the current line, which may be too long or end with a blank. */
@@ -274,9 +276,10 @@ inline bool Close_Line(UsualText &stText)
     const uint32_t uiUnits = Count_LineUnits(stText);
     bool bGood = true;
     if (uiUnits > 0) {
-        const bool bBlank = stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK; // or half of one
-        bGood = bBlank || uiUnits > LINE_UNITS ? Close_OddLine(stText)
-                                               : Add_Line(stText, stText.pucOut, uiUnits);
+        const bool bBlank =
+            stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK; // or half of one
+        bGood =
+            bBlank || uiUnits > LINE_UNITS ? Close_OddLine(stText) : Add_Line(stText, stText.pucOut, uiUnits);
     }
     stText.pucOut = stText.pucLine;
     stText.uiTrails = 0;

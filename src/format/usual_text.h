@@ -35,8 +35,8 @@ struct UsualTag {
 struct UsualText {
     static constexpr uint32_t TAGS_MAX = 12;
 
-    const uint8_t *pucByte;     // next byte of the entry
-    const uint8_t *pucEnd;      // behind the last byte that the read buffer holds, or that may belong to the entry
+    const uint8_t *pucByte; // next byte of the entry
+    const uint8_t *pucEnd; // behind the last byte that the read buffer holds, or that may belong to the entry
     const uint8_t *pucFileLine; // where the current line of the file begins
     uint8_t *pucStore;          // the stream's text buffer: lines with a newline behind each
     uint8_t *pucLine;           // in it: where the current line begins

@@ -291,8 +291,9 @@ void Copy_OutText(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable
     const uint32_t uiBytes = stTable.uiOutBytes;
     const uint32_t uiLastBytes = std::min(stInfo.uiOutTextLength, TEXT_BYTES);
     uint32_t uiByte = 0;
-    for (; uiByte < uiBytes; uiByte += COPY_BYTES) std::memcpy(pucOut + uiByte, pucStore + uiByte, COPY_BYTES);
-    std::memset(pucOut + uiBytes, 0, COPY_BYTES); // what the last step copied too much
+    for (; uiByte < uiBytes; uiByte += COPY_BYTES)
+        std::memcpy(pucOut + uiByte, pucStore + uiByte, COPY_BYTES);
+    std::memset(pucOut + uiBytes, 0, COPY_BYTES);      // what the last step copied too much
     for (; uiByte < uiLastBytes; uiByte += COPY_BYTES) // the rest of the last text
         std::memset(pucOut + uiByte, 0, COPY_BYTES);
     stInfo.uiOutTextLength = uiBytes;

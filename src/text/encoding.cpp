@@ -43,8 +43,8 @@ uint32_t Skip_Ascii(const uint8_t *pucBytes, uint32_t uiBytes)
     const auto fnLoad = [=](uint32_t uiPos) { return TextBlock::Load(pucBytes + uiPos); };
     uint32_t uiPos = 0;
     for (; uiPos + STEP <= uiBytes; uiPos += STEP) {
-        const TextBlock stAll = fnLoad(uiPos) | fnLoad(uiPos + BLOCK_BYTES) | fnLoad(uiPos + 2 * BLOCK_BYTES) |
-                                fnLoad(uiPos + 3 * BLOCK_BYTES);
+        const TextBlock stAll = fnLoad(uiPos) | fnLoad(uiPos + BLOCK_BYTES) |
+                                fnLoad(uiPos + 2 * BLOCK_BYTES) | fnLoad(uiPos + 3 * BLOCK_BYTES);
         if (stAll.Get_HighBits() != 0) break;
     }
     while (uiPos < uiBytes && pucBytes[uiPos] < 0x80) ++uiPos;

@@ -95,7 +95,7 @@ struct WordBlock {
             return ((uiWord & ~TOPS) + ONES * (0x100u - ucBound)) & uiWord & TOPS;
         });
     }
-    /** @param[in] ucFirst  0x80 or more */
+    /** @param[in] ucFirst  0x80 or more  @param[in] ucLast  below 0xFF */
     Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
     {
         return Find_AtLeast(ucFirst).Without(Find_AtLeast(static_cast<uint8_t>(ucLast + 1)));

@@ -64,7 +64,8 @@ bool Take_UsualSubRip()
     UsualText stText;
     if (!Begin_UsualText(&stText, 0) || !Match_Head(stText, &stHead)) return false;
     stText.Take_Head(stHead.uiUnits);
-    if (!(stHead.Is_Empty() ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBRIP_FORM))) return false;
+    if (!(stHead.Is_Empty() ? Take_UsualEmptyLine(stText) : Take_UsualText(stText, SUBRIP_FORM)))
+        return false;
     Commit_UsualText(stText, SUBRIP_FORM);
     Set_FrameTimes(Read_Time(stHead.pucTime), Read_Time(stHead.pucTime + END_PLACE));
     return true;
