@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "markup/entity.h"
+#include "text/find_unit.h"
 #include "text/text_block.h"
 #include "text/text_helpers.h"
 
@@ -430,6 +431,15 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
     stText.uiLines = 0;
     stText.uiTags = 0;
     stText.pstLines = stTable.astLine;
+    return true;
+}
+
+bool Pass_UsualText(const UsualText &stText, uint32_t uiHeadUnits, uint8_t ucOdd)
+{
+    const uint8_t *const pucLineEnd = stText.pucByte + (uiHeadUnits - 2) * stText.uiUnitBytes;
+    const uint8_t *const pucBehind = Find_EmptyLine(stText.eKind, pucLineEnd, stText.pucEnd, ucOdd);
+    if (pucBehind == nullptr) return false;
+    Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(pucBehind - stText.pucByte);
     return true;
 }
 

@@ -95,6 +95,10 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits);
 /** Take the next unit of an entry's head. @return whether it is sure */
 bool Take_UsualUnit(UsualText &stText, uint16_t *pusUnit);
 
+/** Pass over the entry whose head of so many units has been matched. @param[in] ucOdd  as Find_EmptyLine()
+ *  @return whether it is usual to its end, as far as a seek looks at it */
+bool Pass_UsualText(const UsualText &stText, uint32_t uiHeadUnits, uint8_t ucOdd);
+
 /** Take text up to the entry's end. @return whether the entry is usual to its end */
 bool Take_UsualText(UsualText &stText, const UsualForm &stForm);
 

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "format/seek_index.h"
 #include "lines/line_output.h"
 #include "pump/parser_table.h"
 #include "record/host_callbacks.h"
@@ -224,6 +225,7 @@ void QUIB_CAPTION_Close(void)
         Free_And_Clear(stTable.pusTextBuf);
         stTable.pusTextBuf = nullptr;
     }
+    Forget_SeekPlaces();
     Forget_StreamBuffers();
 }
 

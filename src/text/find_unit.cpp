@@ -136,22 +136,16 @@ uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
     return static_cast<uint32_t>(pucFound - pucStart);
 }
 
-int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd)
+const uint8_t *Find_EmptyLine(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucOdd)
 {
-    const CaptionStreamInfo &stStream = Get_StreamInfo();
-    const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
-    const uint8_t *const pucByte =
-        stStream.pucStreamBuf + stStream.iStreamBufIndex + uiSkipUnits * Get_UnitBytes();
     const UnitSearch stSearch = {'\r', ucOdd, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
-    const uint8_t *pucBehind = nullptr;
-    switch (Get_TextKind()) {
-    case E_TEXT_UTF8: pucBehind = Search_EmptyLine<E_TEXT_UTF8>(pucByte, pucEnd, stSearch); break;
-    case E_TEXT_DOUBLE: pucBehind = Search_EmptyLine<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch); break;
-    case E_TEXT_SINGLE: pucBehind = Search_EmptyLine<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch); break;
-    case E_TEXT_UTF16: pucBehind = Search_EmptyLine<E_TEXT_UTF16>(pucByte, pucEnd, stSearch); break;
-    default: break;
+    switch (eKind) {
+    case E_TEXT_UTF8: return Search_EmptyLine<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
+    case E_TEXT_DOUBLE: return Search_EmptyLine<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_SINGLE: return Search_EmptyLine<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_UTF16: return Search_EmptyLine<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
+    default: return nullptr;
     }
-    return pucBehind == nullptr ? -1 : static_cast<int32_t>(pucBehind - stStream.pucStreamBuf);
 }
 
 int32_t Find_LineEnd(uint32_t uiSkipUnits)

@@ -28,13 +28,14 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
 int32_t Find_LineEnd(uint32_t uiSkipUnits);
 
 /**
- * Find the first empty line, CR LF CR LF, in the current stream's read buffer.
+ * Find the first empty line, CR LF CR LF.
  *
- * @param[in] uiSkipUnits  units from the read position on to where a CR LF stands
- * @param[in] ucOdd        a character that makes it unsure when it stands before; CR = none
- * @return index in the buffer of the byte behind it, or -1 when it is not sure that there is one
+ * @param[in] pucByte  where a CR LF stands
+ * @param[in] pucEnd   as Find_Unit()
+ * @param[in] ucOdd    a character that makes it unsure when it stands before; CR = none
+ * @return the byte behind it; NULL when it is not sure that there is one
  */
-int32_t Find_EmptyLine(uint32_t uiSkipUnits, uint8_t ucOdd);
+const uint8_t *Find_EmptyLine(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucOdd);
 
 /**
  * Pass over characters in the current stream's read buffer up to the first of two, which are ASCII. Bytes that

@@ -3,7 +3,6 @@
 #include "format/usual_text.h"
 #include "markup/caption_text.h"
 #include "text/digit_pattern.h"
-#include "text/find_unit.h"
 
 namespace
 {
@@ -76,9 +75,6 @@ bool Pass_UsualSubRip(uint32_t *puiStart)
     SubRipHead stHead;
     UsualText stText;
     if (!Point_UsualText(&stText) || !Match_Head(stText, &stHead)) return false;
-    const int32_t iBehind = Find_EmptyLine(stHead.uiUnits - 2, '\r');
-    if (iBehind < 0) return false;
     *puiStart = Read_Time(stHead.pucTime);
-    Get_StreamInfo().iStreamBufIndex = iBehind;
-    return true;
+    return Pass_UsualText(stText, stHead.uiUnits, '\r');
 }

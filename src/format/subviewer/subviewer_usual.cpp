@@ -2,7 +2,6 @@
 
 #include "format/usual_text.h"
 #include "text/digit_pattern.h"
-#include "text/find_unit.h"
 
 namespace
 {
@@ -72,9 +71,6 @@ bool Pass_UsualSubViewer(uint32_t *puiStart)
     UsualText stText;
     const uint8_t *const pucTime = Point_UsualText(&stText) ? Match_Head(stText, aucHead) : nullptr;
     if (pucTime == nullptr) return false;
-    const int32_t iBehind = Find_EmptyLine(TIME_LINE.uiBytes - 2, '\n'); // a lone LF ends a line here
-    if (iBehind < 0) return false;
     *puiStart = Read_Time(pucTime);
-    Get_StreamInfo().iStreamBufIndex = iBehind;
-    return true;
+    return Pass_UsualText(stText, TIME_LINE.uiBytes, '\n'); // a lone LF ends a line here
 }
