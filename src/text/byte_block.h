@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "text/text_block.h"
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #elif defined(__ARM_NEON)
@@ -18,7 +20,6 @@
 static_assert(std::endian::native == std::endian::little,
               "bytes and units are taken from memory as they stand");
 
-constexpr uint32_t BLOCK_BYTES = 16;
 constexpr uint32_t BLOCK_UNITS = 8;
 
 /** Units below 0x80 at which a run of plain text ends. */

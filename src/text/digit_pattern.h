@@ -5,24 +5,25 @@
 #include <cstdint>
 #include <cstring>
 
+#include "text/text_block.h"
+
 /** A text of up to 32 bytes in which every '0' stands for any digit. */
 struct DigitPattern {
     static constexpr uint32_t BYTES_MAX = 32; // so many bytes can be read wherever the pattern is looked for
     uint32_t uiBytes;
-    uint64_t aullText[BYTES_MAX / 8];
-    uint64_t aullBits[BYTES_MAX / 8];  // of the bytes that count
-    uint64_t aullSlack[BYTES_MAX / 8]; // what carries a byte's difference to its top bit when it is too large
+    uint8_t aucText[BYTES_MAX];
+    uint8_t aucBits[BYTES_MAX];  // of the bytes that count
+    uint8_t aucSlack[BYTES_MAX]; // what carries a byte's difference to its top bit when it is too large
 
     template <uint32_t SIZE>
     consteval explicit DigitPattern(const char (&szText)[SIZE])
-        : uiBytes(SIZE - 1), aullText(), aullBits(), aullSlack()
+        : uiBytes(SIZE - 1), aucText(), aucBits(), aucSlack()
     {
         static_assert(SIZE - 1 <= BYTES_MAX);
         for (uint32_t uiPos = 0; uiPos < uiBytes; ++uiPos) {
-            const bool bDigit = szText[uiPos] == '0';
-            aullText[uiPos / 8] |= uint64_t{static_cast<uint8_t>(szText[uiPos])} << uiPos % 8 * 8;
-            aullBits[uiPos / 8] |= uint64_t{0xFF} << uiPos % 8 * 8;
-            aullSlack[uiPos / 8] |= uint64_t{bDigit ? 0x80u - 10 : 0x80u - 1} << uiPos % 8 * 8;
+            aucText[uiPos] = static_cast<uint8_t>(szText[uiPos]);
+            aucBits[uiPos] = 0xFF;
+            aucSlack[uiPos] = szText[uiPos] == '0' ? 0x80 - 10 : 0x80 - 1;
         }
     }
 };
@@ -35,36 +36,26 @@ struct PatternDigits {
     constexpr uint32_t Get_Pair(uint32_t uiPos) const { return aucDigit[uiPos] * 10u + aucDigit[uiPos + 1]; }
 };
 
-/** The bytes of a text, as they differ from a pattern: digits as values. @return whether they follow it */
-template <DigitPattern PATTERN>
-inline bool Subtract_Pattern(const uint8_t *pucBytes, uint64_t (&aullText)[DigitPattern::BYTES_MAX / 8])
-{
-    constexpr uint64_t TOP_BITS = 0x8080808080808080u;
-    std::memcpy(aullText, pucBytes, sizeof(aullText));
-    uint64_t ullBad = 0;
-    for (uint32_t uiWord = 0; uiWord < DigitPattern::BYTES_MAX / 8; ++uiWord) {
-        aullText[uiWord] = (aullText[uiWord] ^ PATTERN.aullText[uiWord]) & PATTERN.aullBits[uiWord];
-        ullBad |= aullText[uiWord] | (aullText[uiWord] + PATTERN.aullSlack[uiWord]);
-    }
-    return (ullBad & TOP_BITS) == 0;
-}
-
 /** @return whether the bytes follow a pattern. @param[in] pucBytes  BYTES_MAX bytes */
 template <DigitPattern PATTERN>
 bool Match_Pattern(const uint8_t *pucBytes)
 {
-    uint64_t aullText[DigitPattern::BYTES_MAX / 8];
-    return Subtract_Pattern<PATTERN>(pucBytes, aullText);
+    static constexpr DigitPattern MEMORY = PATTERN; // of static duration
+    const auto fnMisfits = [=](uint32_t uiPos) {
+        return TextBlock::Load(pucBytes + uiPos)
+            .Get_Misfits(TextBlock::Load(MEMORY.aucText + uiPos), TextBlock::Load(MEMORY.aucBits + uiPos),
+                         TextBlock::Load(MEMORY.aucSlack + uiPos));
+    };
+    return (fnMisfits(0) | fnMisfits(BLOCK_BYTES)).Get_HighBits() == 0;
 }
 
 /** The same, and the digits. */
 template <DigitPattern PATTERN>
 bool Match_Pattern(const uint8_t *pucBytes, PatternDigits *pstDigits)
 {
-    uint64_t aullText[DigitPattern::BYTES_MAX / 8];
-    const bool bMatch = Subtract_Pattern<PATTERN>(pucBytes, aullText);
-    std::memcpy(pstDigits->aucDigit, aullText, sizeof(aullText));
-    return bMatch;
+    std::memcpy(pstDigits->aucDigit, pucBytes, sizeof(pstDigits->aucDigit));
+    for (uint8_t &ucDigit : pstDigits->aucDigit) ucDigit &= 0x0F;
+    return Match_Pattern<PATTERN>(pucBytes);
 }
 
 /** @return seconds of HH:MM:SS, which stands there. */

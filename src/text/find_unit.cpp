@@ -45,7 +45,7 @@ inline BlockHits Look_AtBlock(const uint8_t *pucByte, const UnitSearch &stSearch
     }
     BlockHits stHits = {
         TextBlock::Get_Bits(stBlock.Find_Equal(stSearch.ucFirst) | stBlock.Find_Equal(stSearch.ucSecond)), 0};
-    if constexpr (KIND == E_TEXT_UTF8)
+    if (KIND == E_TEXT_UTF8 && stBlock.Get_HighBits() != 0)
         stHits.uiUnsure = TextBlock::Get_Bits(Find_OverlongLeads(stBlock, TextBlock::Load(pucByte + 1)));
     if constexpr (KIND == E_TEXT_DOUBLE) stHits.uiHit &= ~Find_SecondBytes(stBlock.Get_HighBits(), uiCarry);
     return stHits;

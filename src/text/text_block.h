@@ -143,6 +143,20 @@ struct WordBlock {
         return Load(aucByte);
     }
 
+    /**
+     * @return a block that has a byte from 0x80 on where this one differs from a text, in the bits that count, by
+     *         so much that its slack carries it there; behind such a byte it may have others
+     */
+    WordBlock Get_Misfits(const WordBlock &stText, const WordBlock &stBits, const WordBlock &stSlack) const
+    {
+        WordBlock stMisfits;
+        for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord) {
+            const Word uiDiff = (aWord[uiWord] ^ stText.aWord[uiWord]) & stBits.aWord[uiWord];
+            stMisfits.aWord[uiWord] = uiDiff | (uiDiff + stSlack.aWord[uiWord]);
+        }
+        return stMisfits;
+    }
+
     /** @return a bit for each byte from 0x80 on. */
     uint32_t Get_HighBits() const
     {
@@ -219,6 +233,11 @@ struct Sse2Block {
     {
         return {_mm_packus_epi16(stFirst.stBytes, stSecond.stBytes)};
     }
+    Sse2Block Get_Misfits(const Sse2Block &stText, const Sse2Block &stBits, const Sse2Block &stSlack) const
+    {
+        const __m128i stDiff = _mm_and_si128(_mm_xor_si128(stBytes, stText.stBytes), stBits.stBytes);
+        return {_mm_or_si128(stDiff, _mm_add_epi8(stDiff, stSlack.stBytes))};
+    }
     uint32_t Get_HighBits() const { return static_cast<uint32_t>(_mm_movemask_epi8(stBytes)); }
     static uint32_t Get_Bits(Hits stHits) { return static_cast<uint32_t>(_mm_movemask_epi8(stHits.stHit)); }
 
@@ -263,6 +282,11 @@ struct NeonBlock {
     {
         return {vcombine_u8(vqmovun_s16(vreinterpretq_s16_u8(stFirst.stBytes)),
                             vqmovun_s16(vreinterpretq_s16_u8(stSecond.stBytes)))};
+    }
+    NeonBlock Get_Misfits(const NeonBlock &stText, const NeonBlock &stBits, const NeonBlock &stSlack) const
+    {
+        const uint8x16_t stDiff = vandq_u8(veorq_u8(stBytes, stText.stBytes), stBits.stBytes);
+        return {vorrq_u8(stDiff, vaddq_u8(stDiff, stSlack.stBytes))};
     }
     uint32_t Get_HighBits() const { return Get_Bits(Find_AtLeast(0x80)); }
     static uint32_t Get_Bits(Hits stHits)

@@ -16,8 +16,8 @@ enum TextKind : uint32_t {
 
 inline TextKind Get_TextKind()
 {
-    static constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF16,
-                                     E_OUTPUT_CHARSET_UTF8};
+    static constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16,
+                                            E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF8};
     if (pstQuibCaptionParserInfo->uiOutputTextCharacterSet != CHARSETS[s_uiTextEncoding]) return E_TEXT_OTHER;
     switch (s_uiTextEncoding) {
     case E_TEXT_ENCODING_UTF8: return E_TEXT_UTF8;

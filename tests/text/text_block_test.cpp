@@ -11,8 +11,8 @@ namespace
 /** Bytes at the bounds of what is asked for, more often than others. */
 uint8_t Get_Byte(std::mt19937 &stRandom)
 {
-    constexpr uint8_t EDGES[] = {0x00, 0x01, 0x0A, 0x0D, 0x1F, 0x20, 0x21, '<',  0x7F, 0x80, 0x9F,
-                                 0xA0, 0xBF, 0xC0, 0xC1, 0xC2, 0xE0, 0xED, 0xEF, 0xF0, 0xFF};
+    constexpr uint8_t EDGES[] = {0x00, 0x01, 0x0A, 0x0D, 0x1F, 0x20, 0x21, '<',  0x7F, 0x80, 0x9F, 0xA0,
+                                 0xBF, 0xC0, 0xC1, 0xC2, 0xE0, 0xED, 0xEF, 0xF0, 0xFF, '0',  '9',  ':'};
     return stRandom() % 4 == 0 ? static_cast<uint8_t>(stRandom()) : EDGES[stRandom() % std::size(EDGES)];
 }
 
@@ -27,6 +27,20 @@ uint32_t Get_PlainBits(const uint8_t *pucBytes, const Condition &fnHolds)
         if (fnHolds(uiValue)) uiBits |= ((1u << sizeof(Type)) - 1) << uiPos;
     }
     return uiBits;
+}
+
+/** What stands behind the first misfit is not told. */
+uint32_t Get_FirstBit(uint32_t uiBits)
+{
+    return uiBits & ~(uiBits - 1);
+}
+
+template <typename Block>
+Block All(uint8_t ucByte)
+{
+    uint8_t aucByte[BLOCK_BYTES];
+    std::memset(aucByte, ucByte, sizeof(aucByte));
+    return Block::Load(aucByte);
 }
 
 template <typename Block>
@@ -70,6 +84,10 @@ TYPED_TEST(TextBlockForm, TellsBytesAndUnits)
              fnByte([](uint32_t ui) { return ui >= 0x80 && ui <= 0xBF; })},
             {"high", stBlock.Get_HighBits(), fnByte([](uint32_t ui) { return ui >= 0x80; })},
             {"both", (stBlock | Block::Load(aucByte)).Get_HighBits(), stBlock.Get_HighBits()},
+            {"misfits",
+             Get_FirstBit(stBlock.Get_Misfits(All<Block>('0'), All<Block>(0xFF), All<Block>(0x80 - 10))
+                              .Get_HighBits()),
+             Get_FirstBit(fnByte([](uint32_t ui) { return (ui ^ '0') > 9; }))},
             {"equal units", Block::Get_Bits(stBlock.Find_EqualUnit(usAny)),
              fnUnit([=](uint32_t ui) { return ui == usAny; })},
             {"units below", Block::Get_Bits(stBlock.Find_BelowUnit(usLow)),
