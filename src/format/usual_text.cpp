@@ -458,18 +458,17 @@ void Commit_UsualText(const UsualText &stText, const UsualForm &stForm)
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
     CaptionStreamInfo &stStream = Get_StreamInfo();
-    if (stText.uiTags > 0) Apply_Tags(stText, stForm);
-    const uint32_t uiLines = stText.uiLines;
-    for (uint32_t uiLine = 0; uiLine < uiLines; ++uiLine)
+    for (uint32_t uiLine = 0; uiLine < stText.uiLines; ++uiLine)
         stInfo.puiLineLength[uiLine] = stTable.astLine[uiLine].uiLength;
-    stInfo.uiLineIndex = uiLines;
+    stInfo.uiLineIndex = stText.uiLines;
     stInfo.uiConvLength = 0;
     const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucStore);
-    stTable.uiLineNums = uiLines;
+    stTable.uiLineNums = stText.uiLines;
     stTable.uiWritePos = (uiBytes + 1) / 2;
     stTable.uiOutBytes = uiBytes == 0 ? 0 : uiBytes - stText.uiUnitBytes; // without the last newline
     stStream.iStreamBufIndex = static_cast<int32_t>(stText.pucByte - stStream.pucStreamBuf);
     ++s_uiUsualEntries;
+    if (stText.uiTags > 0) Apply_Tags(stText, stForm);
 }
 
 bool Take_UsualUnit(UsualText &stText, uint16_t *pusUnit)

@@ -301,8 +301,10 @@ void Copy_OutText(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable
 }
 
 /** Fill the output text with a frame that stands as units, or in part as it goes out. */
-[[gnu::noinline]] void Append_Lines(const CaptionLineTable &stTable)
+[[gnu::noinline]] void Append_Lines(uint32_t uiStream)
 {
+    const CaptionLineTable &stTable = s_astLineTable[uiStream];
+    Finish_CaptionLines(uiStream);
     Clear_OutputBlock();
     for (uint32_t uiLine = 0; uiLine < stTable.uiLineNums; ++uiLine)
         if (stTable.astLine[uiLine].uiLength > 0 && Append_Line(stTable, uiLine, false) == E_APPEND_STOP)
@@ -438,12 +440,10 @@ void Show_StreamLines()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    if (stTable.uiOutBytes != 0) {
+    if (stTable.uiOutBytes != 0)
         Copy_OutText(stInfo, stTable);
-    } else {
-        Finish_CaptionLines(stInfo.uiCurrStream);
-        Append_Lines(stTable);
-    }
+    else
+        Append_Lines(stInfo.uiCurrStream);
     stInfo.uiOutStreamIndex = stInfo.uiCurrStream;
     stInfo.iOutStartPTS = stInfo.astStreamState[stInfo.uiCurrStream].iStartPTS;
     stInfo.iOutEndPTS = stInfo.astStreamState[stInfo.uiCurrStream].iEndPTS;
