@@ -40,7 +40,7 @@ struct SeekScan {
 
 constexpr uint32_t NO_SEEK_BLOCK = UINT32_MAX;
 
-/** Forget everything. */
+/** Forget everything, and give its memory back. */
 void Forget_SeekPlaces();
 
 /** The reader has lost its step: where it goes on need not be the end of an entry. */
