@@ -100,8 +100,8 @@ TEST_F(SsaTest, SectionsAreKnownByTheBeginningOfTheirNames)
         EXPECT_EQ(Count_Log("Bad SSA LineType Name Character! [0xC548]"), stCase.uiLogs) << stCase.strHead;
     }
     // Double-byte characters are not decoded once the first line has been found.
-    ASSERT_TRUE(
-        Open_File("[A\xB0\xA1]" + EVENTS + Second(1, "x") + "[B\xB0\xA1]\r\n[Events]\r\n\xB0\xA1:\r\n"));
+    ASSERT_TRUE(Open_File("[A\xB0\xA1]" + EVENTS + Second(1, Repeat("x", 60)) +
+                          "[B\xB0\xA1]\r\n[Events]\r\n\xB0\xA1:\r\n;" + Repeat("x", 60)));
     EXPECT_EQ(Count_Log("Bad SSA LineType Name Character! [0xB0A1]"), 1u);
     EXPECT_EQ(Count_Log("Bad SSA LineType Name Character! [0xFFFF]"), 2u);
 }
