@@ -10,9 +10,16 @@
 
 #include <gtest/gtest.h>
 
-#include "zyr/quib_caption.h"
+#include "support/invariants.h"
 #include "zyr/zyr_host.h"
-#include "zyr/zyr_subtitle.h"
+
+inline void Check_Invariants()
+{
+    const char *const pszBroken = Find_BrokenInvariant();
+    EXPECT_EQ(pszBroken, nullptr) << pszBroken;
+}
+
+#include "support/checked_calls.h"
 
 /** Encodings that a test file can be written in; pure ASCII text in E_ANSI is detected as a code page. */
 enum TestEncoding { E_ANSI, E_UTF16LE, E_UTF16BE, E_UTF8 };

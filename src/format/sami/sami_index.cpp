@@ -152,6 +152,7 @@ void Drop_TwinFrames()
         const SamiFrameInfo stFrame = s_pstFrameInfoArray[uiFrame];
         if (!Has_Twin(stFrame, uiKept)) s_pstFrameInfoArray[uiKept++] = stFrame;
     }
+    for (uint32_t &uiCursor : s_auiClassFrameCursor) uiCursor = std::min(uiCursor, uiKept);
     s_uiFrameInfoNums = uiKept;
 }
 
