@@ -152,8 +152,8 @@ void Store_Value(SubViewerField eField)
     }
 }
 
-// One function per state. The collector's length also counts the characters of the line so far: a digit
-// begins the frames only where a line, or what follows a field's value, begins.
+// One function per state. The collector's length also tells whether a character of the line has been seen: a
+// digit begins the frames only where a line, or what follows a field's value, begins.
 
 HeaderState Step_Line(uint16_t usChar)
 {
@@ -167,7 +167,7 @@ HeaderState Step_Line(uint16_t usChar)
     } else if (Is_Digit(usChar) && stTag.uiTagLength == 0) {
         return E_SUB_HEADER_END;
     } else {
-        ++stTag.uiTagLength;
+        stTag.uiTagLength = 1; // however much it is
     }
     return E_SUB_HEADER_LINE;
 }

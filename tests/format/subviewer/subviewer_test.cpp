@@ -180,6 +180,7 @@ TEST_F(SubViewer, HostileFilesEnd)
         std::string strBody, strFrames;
         size_t uiOops, uiBadLineEnds;
     } CASES[] = {
+        {"a header that ends in a long line", Repeat("x", 1000), "", 0, 0},
         {"line feeds before a frame", strFeeds + GOOD, "1000-2500 b", 0, 0},
         {"line feeds where a time line is due", GOOD + strFeeds, "1000-2500 b", 1 << 18, 0},
         {"line feeds in a text", TIMES + strFeeds, "1000-2500 " + Repeat("|", 11), 0, (1 << 17) - 1},
