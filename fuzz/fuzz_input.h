@@ -1,4 +1,4 @@
-/* The bytes of one fuzz input: what they are for is decided as they are taken. */
+/* What the targets share: the bytes of one input, whose use is decided as they are taken, and what must hold. */
 #pragma once
 
 #include <cstddef>
@@ -50,3 +50,9 @@ inline void Demand(bool bKept, const char *pszPromise)
     std::fprintf(stderr, "broken: %s\n", pszPromise);
     std::abort();
 }
+
+/** Bytes at the end of a target's inputs that steer it: repeated tokens go before them. */
+extern const size_t g_uiSteeringBytes;
+
+/** One run of the target. */
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucData, size_t uiSize);

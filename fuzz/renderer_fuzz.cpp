@@ -1,17 +1,86 @@
-/* Any text, for any output, size and place: on the display, and in a buffer without a pixel to spare. */
+/* Any text, for any output, size and place: on the display, and in a buffer without a pixel to spare, on a device and
+ * with memory that fail at times. */
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_MODULE_H
+#include FT_SYSTEM_H
 
 #include "fuzz_input.h"
 #include "zyr/zyr_display.h"
 #include "zyr/zyr_font.h"
 #include "zyr/zyr_host.h"
 
+const size_t g_uiSteeringBytes = 24;
+
 namespace
 {
 
 constexpr uint32_t MAX_LINES = 60;
+constexpr size_t MAX_INPUT_BYTES =
+    600; // more characters than a display has room for take long and show nothing new
+
+bool s_bOpen;
+uint32_t s_uiFailingMalloc; // 1 = the next allocation fails; 0 = none
+bool s_bFailFromThenOn;
+
+bool Is_MallocDue()
+{
+    if (s_uiFailingMalloc == 0) return false;
+    if (s_uiFailingMalloc > 1) {
+        --s_uiFailingMalloc;
+        return false;
+    }
+    if (!s_bFailFromThenOn) s_uiFailingMalloc = 0;
+    return true;
+}
+
+void *Allocate_ForFreeType(FT_Memory, long lBytes)
+{
+    return Is_MallocDue() ? nullptr : std::malloc(static_cast<size_t>(lBytes));
+}
+
+void Free_ForFreeType(FT_Memory, void *pvBlock)
+{
+    std::free(pvBlock);
+}
+
+void *Reallocate_ForFreeType(FT_Memory, long, long lBytes, void *pvBlock)
+{
+    return Is_MallocDue() ? nullptr : std::realloc(pvBlock, static_cast<size_t>(lBytes));
+}
+
+} // namespace
+
+// The linker puts these in the place of the renderer's own calls, so that its memory can fail as well.
+extern "C" void *__real_malloc(size_t uiBytes);
+extern "C" void *__wrap_malloc(size_t uiBytes)
+{
+    constexpr size_t GLYPH_CACHE_BYTES = 512 * 1024;
+    return uiBytes == GLYPH_CACHE_BYTES && Is_MallocDue() ? nullptr : __real_malloc(uiBytes);
+}
+
+extern "C" FT_Error __wrap_FT_Init_FreeType(FT_Library *pstLibrary)
+{
+    if (Is_MallocDue()) return FT_Err_Out_Of_Memory;
+    // FT_Done_FreeType() gives it back through its own free.
+    auto *const pstMemory = static_cast<FT_Memory>(std::malloc(sizeof(FT_MemoryRec_)));
+    *pstMemory = {nullptr, Allocate_ForFreeType, Free_ForFreeType, Reallocate_ForFreeType};
+    const FT_Error iError = FT_New_Library(pstMemory, pstLibrary);
+    if (iError != 0)
+        std::free(pstMemory);
+    else
+        FT_Add_Default_Modules(*pstLibrary);
+    return iError;
+}
+
+namespace
+{
 
 void Set_Number(const char *pszKey, uint8_t ucValue)
 {
@@ -39,20 +108,42 @@ std::vector<uint16_t> Take_Text(const FuzzInput &stInput)
     return ausText;
 }
 
+/* What is shown in place of a caption stays empty, whatever is drawn in front of it. */
+void Expect_EmptyBuffer()
+{
+    constexpr size_t FIRST_PIXEL = 2 * size_t{1047896}, PIXELS = 2710 / 2;
+    const uint16_t *const pusMemory = zyr_host_captionMemory(nullptr);
+    if (pusMemory == nullptr) return;
+    const uint16_t *const pusBuffer = pusMemory + FIRST_PIXEL;
+    Demand(std::all_of(pusBuffer, pusBuffer + PIXELS, [](uint16_t usPixel) { return usPixel == 0; }),
+           "nothing is drawn behind a drawing buffer");
+}
+
 void Show_OnDisplay(FuzzInput stInput)
 {
     Choose_Output(stInput);
     const uint32_t uiFontSize = 24u + stInput.Take_Byte() % 5 * 4u;
     const uint32_t uiPosition = stInput.Take_Number();
     const std::vector<uint16_t> ausText = Take_Text(stInput);
-    if (zyr_display_open() != 0) return;
+    zyr_display_system_init(); // the output may be another one now
     zyr_display_setFontSize(uiFontSize);
     zyr_display_displayString(ausText.data(), static_cast<int32_t>(ausText.size() - 1));
     zyr_display_setPosition(uiPosition);
     std::vector<uint8_t> aucPicture(size_t{64} * 48 * 4);
     zyr_host_composeCaption(aucPicture.data(), 64, 48);
+    Expect_EmptyBuffer();
     zyr_display_clearString();
-    zyr_display_close();
+}
+
+/* Open the display anew, on a device or with memory that fails. It stays open from run to run: opening clears four
+ * megabytes. */
+void Reopen_Display(FuzzInput &stInput)
+{
+    zyr_host_failDevice(stInput.Take_Byte() % 4);
+    s_uiFailingMalloc = stInput.Take_Byte();
+    s_bFailFromThenOn = stInput.Take_Byte() % 2 == 1;
+    zyr_display_open();
+    zyr_host_failDevice(0);
 }
 
 void Draw_Boxes(FuzzInput &stInput)
@@ -77,7 +168,7 @@ void Draw_Bits(FuzzInput &stInput)
 void Draw_InBuffer(FuzzInput stInput)
 {
     const uint32_t uiWidth = 1u + stInput.Take_Byte(), uiHeight = 1u + stInput.Take_Byte();
-    const uint32_t uiPitch = uiWidth + stInput.Take_Byte() % 9u;
+    const uint32_t uiPitch = std::max(uiWidth + stInput.Take_Byte() % 9u, 5u) - 4u; // also below the width
     std::vector<uint16_t> ausPixels(size_t{uiPitch} * uiHeight);
     zyr_font_setDestBuf(ausPixels.data());
     zyr_font_setDestRegion(uiWidth, uiHeight, uiPitch);
@@ -103,11 +194,19 @@ void Draw_InBuffer(FuzzInput stInput)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucData, size_t uiSize)
 {
-    const FuzzInput stInput(pucData, uiSize);
-    zyr_host_reset();
-    Show_OnDisplay(stInput);
-    Demand(zyr_font_init() == 0, "the caption font opens");
-    Draw_InBuffer(stInput);
-    zyr_font_close();
+    if (uiSize > MAX_INPUT_BYTES) return 0;
+    FuzzInput stInput(pucData, uiSize);
+    const uint8_t ucOptions = stInput.Take_Byte();
+    if (ucOptions < 4) Reopen_Display(stInput);
+    if (ucOptions >= 252) s_uiFailingMalloc = stInput.Take_Byte(); // while glyphs are made
+    if (ucOptions % 2 == 0) Show_OnDisplay(stInput);
+    if (!s_bOpen || ucOptions < 4 || ucOptions >= 252) { // what failed has closed it
+        s_uiFailingMalloc = 0;
+        FuzzInput stNothing(nullptr, 0);
+        Choose_Output(stNothing); // all zeros: one that there is
+        s_bOpen = zyr_display_open() == 0;
+        Demand(s_bOpen, "the display opens when nothing fails");
+    }
+    if (ucOptions % 4 != 0) Draw_InBuffer(stInput);
     return 0;
 }
