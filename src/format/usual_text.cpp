@@ -264,11 +264,16 @@ uint32_t Count_LineUnits(const UsualText &stText)
 /** Close the current line, which may be too long or end with a blank. */
 [[gnu::noinline]] bool Close_OddLine(UsualText &stText)
 {
+    const uint32_t uiAllUnits = Count_LineUnits(stText);
     if (!Trim_Blanks(stText)) return false;
     const uint32_t uiUnits = Count_LineUnits(stText);
     if (uiUnits == 0) return true;
-    if (uiUnits <= LINE_UNITS) return Add_Line(stText, stText.pucOut, uiUnits);
-    return uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
+    const bool bGood = uiUnits <= LINE_UNITS ? Add_Line(stText, stText.pucOut, uiUnits)
+                                             : uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
+    // A blank behind a full last line has no line to go to: the log tells that.
+    const bool bFull =
+        stText.uiLines == ZYR_LINE_MAX && stText.pstLines[ZYR_LINE_MAX - 1].uiLength == LINE_UNITS;
+    return bGood && (!bFull || uiAllUnits == uiUnits);
 }
 
 /** Close the current line, if there is anything on it. @return false where there is no room for it */

@@ -282,6 +282,28 @@ protected:
     }
 };
 
+TEST_F(Reading, LongRunsStayInTheirBuffers)
+{
+    // Single bytes from 0x80 on go out as two; a read buffer holds far more of them than a frame's text may be.
+    for (const char *const pszRun : {"\xE9", "\xB0\xA1", "x", " ", "&nbsp;", "&eacute;", "<i>", "<br>", "\t"})
+        for (const int32_t iOption : {0, 1})
+            EXPECT_TRUE(Agree(".srt",
+                              Repeat(Entry(Repeat(pszRun, 25000), "00:00:01,000 --> 00:00:02,000"), 2), 0,
+                              iOption, 1))
+                << pszRun;
+}
+
+TEST_F(Reading, ABlankBehindSixFullLinesIsTold)
+{
+    for (const std::string &strLast : {std::string(64, 'x'), "y " + std::string(64, 'x')})
+        for (const char *const strEnd : {"", " ", "\t", "  "})
+            EXPECT_TRUE(Agree(".srt",
+                              "1\r\n00:00:01,000 --> 00:00:02,000\r\n" +
+                                  Repeat("x\r\n", strLast[0] == 'y' ? 4 : 5) + strLast + strEnd + "\r\n\r\n" +
+                                  std::string(64, '\n'),
+                              0, 0, 1));
+}
+
 TEST_F(Reading, BothWaysAreOne)
 {
     constexpr uint32_t SIZES[] = {0, 0, 150, 211, 512};
