@@ -348,7 +348,7 @@ const uint8_t *Narrow_Head(const UsualText &stText, uint8_t *pucTarget, uint32_t
     const RunStops stOrder = {0, 0, stText.bBigEndian};
     for (uint32_t uiUnit = 0; uiUnit < uiUnits; uiUnit += BLOCK_BYTES) {
         uiUnit = std::min(uiUnit, uiUnits - BLOCK_BYTES); // the last block may overlap
-        const uint8_t *const pucUnit = stText.pucByte + 2 * uiUnit;
+        const uint8_t *const pucUnit = stText.pucByte + size_t{2} * uiUnit;
         TextBlock::Narrow_Units(Load_Block<E_TEXT_UTF16>(pucUnit, stOrder),
                                 Load_Block<E_TEXT_UTF16>(pucUnit + BLOCK_BYTES, stOrder))
             .Store(pucTarget + uiUnit);
@@ -378,7 +378,7 @@ inline bool Point_Text(UsualText &stText)
         const uint32_t uiUnits = stTag.uiUnits;
         for (uint32_t uiUnit = 0; uiUnit < uiUnits; ++uiUnit)
             stTagControl.ausTagBuf[uiUnit] =
-                static_cast<uint16_t>(stText.Get_UnitAt(stTag.pucTag + uiUnit * stText.uiUnitBytes));
+                static_cast<uint16_t>(stText.Get_UnitAt(stTag.pucTag + size_t{uiUnit} * stText.uiUnitBytes));
         stTagControl.uiTagLength = uiUnits;
         stForm.pfApplyTag(uiUnits);
         stTagControl.uiTagLength = 0;
@@ -441,7 +441,7 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
 
 bool Pass_UsualText(const UsualText &stText, uint32_t uiHeadUnits, uint8_t ucOdd)
 {
-    const uint8_t *const pucLineEnd = stText.pucByte + (uiHeadUnits - 2) * stText.uiUnitBytes;
+    const uint8_t *const pucLineEnd = stText.pucByte + size_t{uiHeadUnits - 2} * stText.uiUnitBytes;
     const uint8_t *const pucBehind = Find_EmptyLine(stText.eKind, pucLineEnd, stText.pucEnd, ucOdd);
     if (pucBehind == nullptr) return false;
     Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(pucBehind - stText.pucByte);
@@ -588,7 +588,7 @@ UsualStep Take_UsualLineEnd(UsualText &stText)
 
 const uint8_t *Get_UsualHead(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)
 {
-    if (stText.pucEnd - stText.pucByte < static_cast<ptrdiff_t>(uiUnits * stText.uiUnitBytes)) return nullptr;
+    if (stText.pucEnd - stText.pucByte < ptrdiff_t{uiUnits} * stText.uiUnitBytes) return nullptr;
     return stText.uiUnitBytes == 1 ? stText.pucByte : Narrow_Head(stText, pucTarget, uiUnits);
 }
 

@@ -8,6 +8,7 @@
  */
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "record/parser_state.h"
@@ -52,14 +53,14 @@ struct UsualText {
     UsualTag astTag[TAGS_MAX];
 
     /** @return the unit uiUnit units ahead; USUAL_AHEAD bytes are there. */
-    uint32_t Get_Unit(uint32_t uiUnit) const { return Get_UnitAt(pucByte + uiUnit * uiUnitBytes); }
+    uint32_t Get_Unit(uint32_t uiUnit) const { return Get_UnitAt(pucByte + size_t{uiUnit} * uiUnitBytes); }
     uint32_t Get_UnitAt(const uint8_t *puc) const
     {
         if (uiUnitBytes == 1) return *puc;
         return bBigEndian ? static_cast<uint32_t>(puc[0] << 8 | puc[1])
                           : static_cast<uint32_t>(puc[1] << 8 | puc[0]);
     }
-    void Take_Units(uint32_t uiUnits) { pucByte += uiUnits * uiUnitBytes; }
+    void Take_Units(uint32_t uiUnits) { pucByte += size_t{uiUnits} * uiUnitBytes; }
     /** Pass over a head of the entry, behind which its text begins. */
     void Take_Head(uint32_t uiUnits)
     {

@@ -75,7 +75,7 @@ inline bool Is_Unit(const uint8_t *pucUnit, uint8_t ucUnit, const UnitSearch &st
 template <TextKind KIND>
 const uint8_t *Search_EmptyLine(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
 {
-    constexpr uint32_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
+    constexpr size_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
     const uint8_t *pucLine = pucByte; // where the last line seen begins
     uint32_t uiCarry = 0;
     for (; pucEnd - pucByte >= FOUND_AHEAD + static_cast<int32_t>(BLOCK_BYTES); pucByte += BLOCK_BYTES) {
