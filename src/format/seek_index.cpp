@@ -152,8 +152,7 @@ uint32_t Skip_SettledBlocks(const SeekTrack &stTrack)
 {
     const uint32_t uiFirst = stTrack.uiBlock;
     const uint32_t uiEnd = std::min(s_uiSettled, s_uiPlaces - 1);
-    const bool bSorted = uiFirst == 0 || s_pstBlock[uiFirst - 1].uiMaxSoFar <= stTrack.uiTargetMs;
-    if (uiFirst >= uiEnd || !bSorted) return uiFirst;
+    if (uiFirst >= uiEnd) return uiFirst;
     const SeekBlock *const pstBeyond = std::upper_bound(
         s_pstBlock + uiFirst, s_pstBlock + uiEnd, stTrack.uiTargetMs,
         [](uint32_t uiTime, const SeekBlock &stBlock) { return uiTime < stBlock.uiMaxSoFar; });
