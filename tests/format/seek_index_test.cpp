@@ -97,7 +97,8 @@ TEST_P(SeekIndex, HistoryDoesNotTell)
             zyrSubtitle_seek(LENGTH_MS);
             EXPECT_EQ(Seek_Twice(uiFirst, uiSecond), strFresh);
             ASSERT_EQ(Open_File(uiBadEvery), 0u);
-            zyr_host_failAllocation(1 + static_cast<uint32_t>(iPair) % 3, 1); // no memory, or too little of it
+            zyr_host_failAllocation(1 + static_cast<uint32_t>(iPair) % 3,
+                                    1); // no memory, or too little of it
             zyrSubtitle_seek(LENGTH_MS);
             EXPECT_EQ(Seek_Twice(uiFirst, uiSecond), strFresh);
             zyr_host_failAllocation(0, 0);
