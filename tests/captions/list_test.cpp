@@ -167,7 +167,8 @@ TEST(CaptionList, CaptionsKnowTheirPlaceInTheFile)
         EXPECT_EQ(strThere.substr(0, std::string_view(pszThere).size()), pszThere) << pszSample;
     }
     const ListPtr pstList = Load_Text(
-        "\n\r\r\n1\r00:00:01,000 --> 00:00:02,000\ra\r\r\r\n2\n00:00:03,000 --> 00:00:04,000\nb\n\n", "x.srt");
+        "\n\r\r\n1\r00:00:01,000 --> 00:00:02,000\ra\r\r\r\n2\n00:00:03,000 --> 00:00:04,000\nb\n\n",
+        "x.srt");
     EXPECT_EQ(Get(pstList, 1).uiSource, 41U);
 }
 
