@@ -468,7 +468,6 @@ void Commit_UsualText(const UsualText &stText, const UsualForm &stForm)
     stInfo.uiLineIndex = stText.uiLines;
     stInfo.uiConvLength = 0;
     const uint32_t uiBytes = static_cast<uint32_t>(stText.pucOut - stText.pucStore);
-    stTable.uiLineNums = stText.uiLines;
     stTable.uiWritePos = (uiBytes + 1) / 2;
     stTable.uiOutBytes = uiBytes == 0 ? 0 : uiBytes - stText.uiUnitBytes; // without the last newline
     stStream.iStreamBufIndex = static_cast<int32_t>(stText.pucByte - stStream.pucStreamBuf);

@@ -284,7 +284,7 @@ AppendResult Append_Line(const CaptionLineTable &stTable, uint32_t uiLine, bool 
 static_assert(ZYR_LINE_MAX * (LINE_UNITS * 3 + 2) + COPY_BYTES <= TEXT_BYTES);
 
 /** Fill the output text with a frame that stands as it goes out. */
-void Copy_OutText(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable)
+void Copy_OutText(QuibCaptionParserInfo &stInfo, CaptionLineTable &stTable)
 {
     const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
     uint8_t *const pucOut = stInfo.aucOutText;
@@ -297,6 +297,7 @@ void Copy_OutText(QuibCaptionParserInfo &stInfo, const CaptionLineTable &stTable
     for (; uiByte < uiLastBytes; uiByte += COPY_BYTES) // the rest of the last text
         std::memset(pucOut + uiByte, 0, COPY_BYTES);
     stInfo.uiOutTextLength = uiBytes;
+    stTable.uiLineNums = stInfo.uiLineIndex; // all of them are finished: no line of blanks is among them
     stInfo.uiOutLineNums = stTable.uiLineNums;
 }
 
@@ -439,8 +440,8 @@ void Clear_LineTable(uint32_t uiStream)
 void Show_StreamLines()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    const CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    if (stTable.uiOutBytes != 0)
+    CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
+    if (stTable.uiOutBytes != 0 && stInfo.uiLineIndex != 0)
         Copy_OutText(stInfo, stTable);
     else
         Append_Lines(stInfo.uiCurrStream);

@@ -5,6 +5,8 @@
 #include <random>
 
 #include "format/usual_text.h"
+#include "pump/frame_pump.h"
+#include "pump/parser_table.h"
 #include "record/parser_state.h"
 #include "support/engine_fixture.h"
 
@@ -230,14 +232,26 @@ protected:
                std::string(reinterpret_cast<const char *>(stInfo.aucOutText), sizeof(stInfo.aucOutText));
     }
 
+    /** A frame without the pump: read, then shown as one stream's or as a moment's. @return what it gave */
+    static std::string Parse_ByHand(bool bMoment)
+    {
+        Prepare_CaptionFrame();
+        const int32_t iResult = CaptionParserTable[s_eCaptionFormat].pfFrameParser();
+        if (bMoment)
+            Display_LineBitmapDataToDisplayBufferEx();
+        else
+            Display_LineBitmapDataToDisplayBuffer();
+        return std::to_string(iResult);
+    }
+
     /** One call of a player or a host, told by a number. @return what it gave */
     std::string Call(uint32_t uiCall)
     {
-        TestFrame stFrame;
         switch (uiCall % 12) {
         case 0: return std::to_string(zyrSubtitle_seek(uiCall / 12 % 12000));
         case 1: return std::to_string(zyrSubtitle_seek(uiCall / 12 % 4000000));
         case 2: return std::to_string(QUIB_CAPTION_ParsingProcessEx());
+        case 3: return Parse_ByHand(uiCall / 12 % 2 == 0);
         default: return std::to_string(QUIB_CAPTION_ParsingProcess());
         }
     }
