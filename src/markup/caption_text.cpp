@@ -54,17 +54,6 @@ bool Is_EntityUnit(uint32_t uiUnit)
     return Is_Digit(uiUnit) || To_Upper(uiUnit) != uiUnit;
 }
 
-/** Collect the units of an entity that the read buffer holds, all but the one that makes it too long. */
-void Collect_EntityRun()
-{
-    TagControlInfo &stTag = *s_pstTagControlInfo;
-    Take_AsciiUnits([&stTag](uint8_t ucUnit) {
-        if (stTag.uiTagLength + 1 >= ENTITY_UNITS || !Is_EntityUnit(ucUnit)) return false;
-        stTag.ausTagBuf[stTag.uiTagLength++] = ucUnit;
-        return true;
-    });
-}
-
 MarkupStep Drop_Entity()
 {
     Give_Back(s_pstTagControlInfo->uiTagLength);
@@ -130,7 +119,6 @@ MarkupStep Step_Entity(uint16_t usChar)
     default: break;
     }
     if (stTag.uiTagLength >= ENTITY_UNITS || !Is_EntityUnit(usChar)) return Drop_Entity();
-    Collect_EntityRun();
     return {E_MARKUP_ENTITY, false};
 }
 

@@ -8,7 +8,6 @@
 
 #include "lines/line_output.h"
 #include "record/parser_state.h"
-#include "text/text_run.h"
 
 /** Put a unit into the convert buffer, and hand the text over when only one more would fit. */
 inline void Append_Unit(uint16_t usUnit)
@@ -30,38 +29,11 @@ inline void Append_FoldedBlank()
     stInfo.ucPrevBlank = 1;
 }
 
-/** Put the plain units that the read buffer holds into the convert buffer. */
-template <StopUnits STOPS>
-void Append_PlainRun()
-{
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    while (stInfo.uiConvLength + 1 < s_uiConvBufSize && !Is_StopAhead<STOPS>()) {
-        const uint32_t uiRoom = s_uiConvBufSize - 1 - stInfo.uiConvLength;
-        const PlainRun stRun =
-            Take_PlainRun<STOPS>(stInfo.pusConvBuf + stInfo.uiConvLength, uiRoom, stInfo.ucPrevBlank != 0);
-        if (stRun.uiUnits == 0) return;
-        stInfo.uiConvLength += stRun.uiUnits;
-        if (stRun.uiUnits == uiRoom) Lay_Out_Text();
-        stInfo.ucPrevBlank = stRun.bLastBlank ? 1 : 0;
-        if (stRun.uiUnits < uiRoom) return;
-    }
-}
-
 /** Put a unit into the tag buffer while it is not full. */
 inline void Collect_TagUnit(uint16_t usUnit, uint32_t uiMax)
 {
     TagControlInfo &stTag = *s_pstTagControlInfo;
     if (stTag.uiTagLength < uiMax) stTag.ausTagBuf[stTag.uiTagLength++] = usUnit;
-}
-
-/** Put the plain units that the read buffer holds into the tag buffer, as far as they fit. */
-template <StopUnits STOPS>
-inline void Collect_TagRun()
-{
-    TagControlInfo &stTag = *s_pstTagControlInfo;
-    stTag.uiTagLength +=
-        Take_PlainRun<STOPS>(stTag.ausTagBuf + stTag.uiTagLength, TAG_TEXT_UNITS - stTag.uiTagLength, false)
-            .uiUnits;
 }
 
 /** Where markup text stands. */
@@ -77,26 +49,6 @@ struct MarkupStep {
 /** Hand the text so far over, so that it keeps its style, and begin a tag or an entity with its first unit.
  */
 void Begin_Markup(uint16_t usFirst);
-
-/**
- * One unit of markup text. STOPS must hold every unit that is neither text nor markup in the format, such as
- * its line ends; those are dropped.
- */
-template <StopUnits STOPS>
-inline MarkupState Step_MarkupText(uint16_t usChar)
-{
-    if (usChar == ' ' || usChar == '\t') {
-        Append_FoldedBlank();
-        return E_MARKUP_TEXT;
-    }
-    pstQuibCaptionParserInfo->ucPrevBlank = 0;
-    if (usChar == '<' || usChar == '&') {
-        Begin_Markup(usChar);
-        return usChar == '<' ? E_MARKUP_TAG : E_MARKUP_ENTITY;
-    }
-    if (!STOPS.Holds(usChar)) Append_Unit(usChar);
-    return E_MARKUP_TEXT;
-}
 
 /** Let the tag in the tag buffer take effect; a malformed one is logged. @return as Parse_HtmlTag() */
 int32_t Apply_HtmlTag(const char *pszParser);
@@ -133,16 +85,4 @@ constexpr uint32_t ENTRY_END_UNITS = 4;
 constexpr bool Matches_EntryEnd(uint32_t uiMatched, uint16_t usChar)
 {
     return usChar == (uiMatched % 2 == 0 ? '\r' : '\n');
-}
-
-/** Take the units of the pattern that the read buffer holds, uiMatched of which have been seen. @return units
- * seen now. */
-inline uint32_t Take_EntryEnd(uint32_t uiMatched)
-{
-    Take_AsciiUnits([&uiMatched](uint8_t ucUnit) {
-        if (uiMatched == ENTRY_END_UNITS || !Matches_EntryEnd(uiMatched, ucUnit)) return false;
-        ++uiMatched;
-        return true;
-    });
-    return uiMatched;
 }

@@ -1,7 +1,6 @@
 #include "text/char_reader.h"
 
 #include "text/encoding.h"
-#include "text/text_run.h"
 #include "zyr_log.h"
 
 namespace
@@ -151,6 +150,20 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     return Convert_DoubleByte(aucByte, pusChar);
 }
 
+/** Decode a UTF-8 character of two or three bytes. @return its bytes, or 0 where it is not in good form */
+uint32_t Decode_Utf8(const uint8_t *pucByte, int32_t iHeld, uint16_t *pusUnit)
+{
+    const auto fnTail = [=](uint32_t uiByte) { return pucByte[uiByte] & 0x3Fu; };
+    const auto fnContinues = [=](uint32_t uiByte) { return (pucByte[uiByte] & 0xC0) == 0x80; };
+    const int32_t iContinuations = Get_Utf8Continuations(pucByte[0]);
+    if (iContinuations < 1 || iHeld <= iContinuations || !fnContinues(1)) return 0;
+    const bool bThree = iContinuations == 2;
+    if (bThree && !fnContinues(2)) return 0;
+    *pusUnit = static_cast<uint16_t>(bThree ? (pucByte[0] & 0x0Fu) << 12 | fnTail(1) << 6 | fnTail(2)
+                                            : (pucByte[0] & 0x1Fu) << 6 | fnTail(1));
+    return bThree ? 3 : 2;
+}
+
 /** Take a character of Unicode text that the buffer holds whole and in good form. @return its bytes, or 0 */
 int32_t Take_BufferedChar(uint16_t *pusChar)
 {
@@ -160,7 +173,7 @@ int32_t Take_BufferedChar(uint16_t *pusChar)
     const uint8_t *const pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
     uint32_t uiBytes = 2;
     if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8)
-        uiBytes = Decode_Utf8(pucByte, pucByte + iHeld, pusChar);
+        uiBytes = Decode_Utf8(pucByte, iHeld, pusChar);
     else
         *pusChar = Get_Utf16Unit(pucByte, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
     stInfo.iStreamBufIndex += static_cast<int32_t>(uiBytes);

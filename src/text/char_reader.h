@@ -1,14 +1,10 @@
-/*
- * Reading the subtitle file, character by character or a run of plain characters at a time.
- *
- * The reader works on the read buffer of the current stream. Parsers use Get_CharCode() for every character
- * they must look at, and Take_PlainRun() / Skip_PlainRun() (text/text_run.h) for the stretches in between.
- */
+/* Reading the subtitle file, character by character, through the read buffer of the current stream. */
 #pragma once
 
 #include <cstdint>
 
 #include "record/parser_state.h"
+#include "text/text_kind.h"
 
 /** The part of Get_CharCode() that refills the buffer and decodes characters of several bytes. */
 int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode);
@@ -24,8 +20,7 @@ int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode);
 inline int32_t Get_CharCode(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 {
     CaptionStreamInfo &stInfo = Get_StreamInfo();
-    if (stInfo.iStreamBufIndex < stInfo.iStreamDataSize &&
-        (s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE) > 1u) { // neither of the two UTF-16 encodings
+    if (stInfo.iStreamBufIndex < stInfo.iStreamDataSize && !Is_Utf16Text()) {
         const uint8_t ucByte = stInfo.pucStreamBuf[stInfo.iStreamBufIndex];
         if (ucByte < 0x80) {
             ++stInfo.iStreamBufIndex;
