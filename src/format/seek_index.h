@@ -117,13 +117,11 @@ int32_t Scan_ToTarget(SeekScan &stSeek, void *hFile, const char *pszSeek, const 
             continue;
         }
         uint16_t usChar = 0;
-        CaptionStreamInfo &stStream = Get_StreamInfo();
-        const bool bRefill = Get_HeldBytes(stStream) == 0;
+        const bool bRefill = Get_HeldBytes(Get_StreamInfo()) == 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 1);
-        if (bRefill && iResult > 0 && iResult <= stStream.iStreamBufIndex) {
-            stStream.iStreamBufIndex -= iResult; // a usual entry may begin in what has just been read
+        if (bRefill && iResult > 0 &&
+            Give_BytesBack(iResult)) // a usual entry may begin in what has just been read
             continue;
-        }
         if (iResult == 0 || iResult == NO_CAPTION_DATA) break;
         if (iResult < 0) return Fail_Read(pszSeek, iResult);
         llReached = fnTake(usChar);

@@ -1,5 +1,7 @@
 #include "text/char_reader.h"
 
+#include <cstddef>
+
 #include "text/encoding.h"
 #include "zyr_log.h"
 
@@ -151,7 +153,7 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 }
 
 /** Decode a UTF-8 character of two or three bytes. @return its bytes, or 0 where it is not in good form */
-uint32_t Decode_Utf8(const uint8_t *pucByte, int32_t iHeld, uint16_t *pusUnit)
+uint32_t Decode_Utf8(const uint8_t *pucByte, ptrdiff_t iHeld, uint16_t *pusUnit)
 {
     const auto fnTail = [=](uint32_t uiByte) { return pucByte[uiByte] & 0x3Fu; };
     const auto fnContinues = [=](uint32_t uiByte) { return (pucByte[uiByte] & 0xC0) == 0x80; };
@@ -167,16 +169,15 @@ uint32_t Decode_Utf8(const uint8_t *pucByte, int32_t iHeld, uint16_t *pusUnit)
 /** Take a character of Unicode text that the buffer holds whole and in good form. @return its bytes, or 0 */
 int32_t Take_BufferedChar(uint16_t *pusChar)
 {
-    CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int32_t iHeld = Get_HeldBytes(stInfo);
+    const HeldBytes stHeld = Look_Ahead();
+    const ptrdiff_t iHeld = stHeld.pucEnd - stHeld.pucBegin;
     if (iHeld < 2 || s_uiTextEncoding == E_TEXT_ENCODING_ANSI) return 0;
-    const uint8_t *const pucByte = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
     uint32_t uiBytes = 2;
     if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8)
-        uiBytes = Decode_Utf8(pucByte, iHeld, pusChar);
+        uiBytes = Decode_Utf8(stHeld.pucBegin, iHeld, pusChar);
     else
-        *pusChar = Get_Utf16Unit(pucByte, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
-    stInfo.iStreamBufIndex += static_cast<int32_t>(uiBytes);
+        *pusChar = Get_Utf16Unit(stHeld.pucBegin, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
+    Take_HeldBytes(uiBytes);
     return static_cast<int32_t>(uiBytes);
 }
 
@@ -247,13 +248,20 @@ int64_t Get_ReadPosition(void *hFile)
     return llPos;
 }
 
+int64_t Ask_ReadPosition(void *hFile, int64_t *pllPos)
+{
+    const int64_t llTold = QUIBCAPTCB_FileTell(hFile);
+    *pllPos = llTold - Get_HeldBytes(Get_StreamInfo());
+    return llTold;
+}
+
 bool Is_ReaderAt(void *hFile, int64_t llPos)
 {
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    if (stInfo.iStreamDataSize == NO_CAPTION_DATA) return false;
-    const int64_t llTold = QUIBCAPTCB_FileTell(hFile);
+    if (Get_StreamInfo().iStreamDataSize == NO_CAPTION_DATA) return false;
+    int64_t llHere = 0;
+    const int64_t llTold = Ask_ReadPosition(hFile, &llHere);
     const bool bMoved = s_llReaderPos >= 0 && llTold != s_llReaderPos;
-    return llTold >= 0 && !bMoved && llTold - Get_HeldBytes(stInfo) == llPos;
+    return llTold >= 0 && !bMoved && llHere == llPos;
 }
 
 int32_t Fill_StreamBuffer(void *hFile)

@@ -38,6 +38,9 @@ int64_t Get_ReadPosition(void *hFile);
 /** The same. @return where the file stands, or a negative value when it had to be asked and did not say */
 int64_t Tell_ReadPosition(void *hFile, int64_t *pllPos);
 
+/** The same, whatever the reader knows: a host may have moved the file. */
+int64_t Ask_ReadPosition(void *hFile, int64_t *pllPos);
+
 /**
  * Ask the file, which a host may have moved, whether the next character stands at a position.
  *
@@ -67,6 +70,34 @@ void Forget_StreamBuffers();
 
 /** @return a number that changes whenever Forget_StreamBuffers() is called: what was learnt of a file goes then. */
 uint32_t Get_ReaderRound();
+
+/** Let the reader give bytes again that it has just taken. @return whether the buffer holds them all */
+inline bool Give_BytesBack(int32_t iBytes)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    if (iBytes > stInfo.iStreamBufIndex) return false;
+    stInfo.iStreamBufIndex -= iBytes;
+    return true;
+}
+
+/** What the current stream's read buffer holds and has not given yet. */
+struct HeldBytes {
+    const uint8_t *pucBegin;
+    const uint8_t *pucEnd;
+};
+
+inline HeldBytes Look_Ahead()
+{
+    const CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const uint8_t *const pucBegin = stInfo.pucStreamBuf + stInfo.iStreamBufIndex;
+    return {pucBegin, pucBegin + Get_HeldBytes(stInfo)};
+}
+
+/** Take bytes that the read buffer holds. */
+inline void Take_HeldBytes(uint32_t uiBytes)
+{
+    Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(uiBytes);
+}
 
 /** Mark the current stream's data as exhausted. */
 inline void Mark_EndOfData()

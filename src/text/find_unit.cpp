@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstddef>
 
+#include "text/char_reader.h"
 #include "text/text_block.h"
 
 namespace
@@ -123,17 +124,17 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
 
 uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
 {
-    CaptionStreamInfo &stStream = Get_StreamInfo();
-    if (stStream.iStreamBufIndex >= stStream.iStreamDataSize) return 0;
+    const HeldBytes stHeld = Look_Ahead();
+    if (stHeld.pucBegin == stHeld.pucEnd) return 0;
     const TextKind eKind = Get_TextKind();
-    const uint8_t *const pucStart = stStream.pucStreamBuf + stStream.iStreamBufIndex;
-    const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
-    const uint8_t *pucFound = Find_Unit(eKind, pucStart, pucEnd, ucFirst, ucSecond);
+    const uint8_t *pucFound = Find_Unit(eKind, stHeld.pucBegin, stHeld.pucEnd, ucFirst, ucSecond);
     if (pucFound == nullptr) return 0;
     if (eKind == E_TEXT_UTF8)
-        while (pucFound > pucStart && pucFound[-1] >= 0x80 && !Ends_Utf8(pucStart, pucFound)) --pucFound;
-    stStream.iStreamBufIndex += static_cast<int32_t>(pucFound - pucStart);
-    return static_cast<uint32_t>(pucFound - pucStart);
+        while (pucFound > stHeld.pucBegin && pucFound[-1] >= 0x80 && !Ends_Utf8(stHeld.pucBegin, pucFound))
+            --pucFound;
+    const uint32_t uiBytes = static_cast<uint32_t>(pucFound - stHeld.pucBegin);
+    Take_HeldBytes(uiBytes);
+    return uiBytes;
 }
 
 const uint8_t *Find_EmptyLine(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucOdd)
@@ -148,17 +149,15 @@ const uint8_t *Find_EmptyLine(TextKind eKind, const uint8_t *pucByte, const uint
     }
 }
 
-int32_t Find_LineEnd(uint32_t uiSkipUnits)
+uint32_t Find_LineEnd(uint32_t uiSkipUnits)
 {
-    const CaptionStreamInfo &stStream = Get_StreamInfo();
-    const uint8_t *const pucEnd = stStream.pucStreamBuf + stStream.iStreamDataSize;
+    const HeldBytes stHeld = Look_Ahead();
     const uint32_t uiUnitBytes = Get_UnitBytes();
     const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
-    const uint8_t *pucByte =
-        stStream.pucStreamBuf + stStream.iStreamBufIndex + size_t{uiSkipUnits} * uiUnitBytes;
-    pucByte = Find_Unit(Get_TextKind(), pucByte, pucEnd, '\r', '\r');
-    if (pucByte == nullptr) return -1;
+    const uint8_t *pucByte = Find_Unit(Get_TextKind(), stHeld.pucBegin + size_t{uiSkipUnits} * uiUnitBytes,
+                                       stHeld.pucEnd, '\r', '\r');
+    if (pucByte == nullptr) return 0;
     pucByte += uiUnitBytes;
-    if (pucByte[uiLow] != '\n' || (uiUnitBytes > 1 && pucByte[1 - uiLow] != 0)) return -1;
-    return static_cast<int32_t>(pucByte + uiUnitBytes - stStream.pucStreamBuf);
+    if (pucByte[uiLow] != '\n' || (uiUnitBytes > 1 && pucByte[1 - uiLow] != 0)) return 0;
+    return static_cast<uint32_t>(pucByte - stHeld.pucBegin) + uiUnitBytes;
 }

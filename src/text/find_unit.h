@@ -23,9 +23,9 @@ const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *
  * Find the first CR, which must be that of a CR LF, in the current stream's read buffer.
  *
  * @param[in] uiSkipUnits  units from the read position on that are passed over
- * @return index in the buffer of the byte behind the LF, or -1 when it is not sure
+ * @return bytes from the read position to behind the LF, or 0 when it is not sure
  */
-int32_t Find_LineEnd(uint32_t uiSkipUnits);
+uint32_t Find_LineEnd(uint32_t uiSkipUnits);
 
 /**
  * Find the first empty line, CR LF CR LF.

@@ -372,7 +372,7 @@ bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
     if (!Match_SamiTag(&stTag)) return false;
     if (stTag.eKind == E_SAMI_TAG_SYNC) stScan.llTagBytes = stScan.llBytes;
     stScan.llBytes += stTag.uiBytes;
-    Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(stTag.uiBytes);
+    Take_HeldBytes(stTag.uiBytes);
     stScan.bSyncOpen = false;
     if (stTag.eKind == E_SAMI_TAG_SYNC) {
         stScan.uiStart = stTag.uiStart;

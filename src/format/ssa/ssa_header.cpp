@@ -77,9 +77,7 @@ bool Hand_On(HeaderScan &stScan, HeaderState eState)
 /** Where the reader stands. @return false when the file does not tell */
 bool Get_Position(HeaderScan &stScan, int64_t *pllPos)
 {
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
-    const int64_t llTold = QUIBCAPTCB_FileTell(stScan.hFile);
-    *pllPos = llTold - stInfo.iStreamDataSize + stInfo.iStreamBufIndex;
+    const int64_t llTold = Ask_ReadPosition(stScan.hFile, pllPos);
     if (llTold >= 0) return true;
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                         " [%d] HeaderParser_SSA() - File Tell Failed! (ERROR = %d)\n", __LINE__,
@@ -166,19 +164,17 @@ void Add_Frame(HeaderScan &stScan, uint32_t uiPTS, int64_t llPos)
 /** Index the usual Dialogue lines that the read buffer holds from the line's begin on. */
 void Take_UsualLines(HeaderScan &stScan)
 {
-    const CaptionStreamInfo &stInfo = Get_StreamInfo();
     int64_t llBehind = NO_POSITION;
-    for (;;) {
-        const int32_t iLine = stInfo.iStreamBufIndex;
+    while (stScan.iResult == 1) {
         uint32_t uiPTS = 0;
-        if (stScan.iResult != 1 || !Pass_UsualDialogue(&uiPTS)) return;
-        const int32_t iBytes = stInfo.iStreamBufIndex - iLine;
+        const uint32_t uiBytes = Pass_UsualDialogue(&uiPTS);
+        if (uiBytes == 0) return;
         stScan.iRawMode = 1;
         if (llBehind >= 0)
-            llBehind += iBytes; // the file is asked once
+            llBehind += uiBytes; // the file is asked once
         else if (!Get_Position(stScan, &llBehind))
             return;
-        Add_Frame(stScan, uiPTS, llBehind - iBytes);
+        Add_Frame(stScan, uiPTS, llBehind - uiBytes);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "format/ssa/ssa_fields.h"
 #include "format/ssa/ssa_override.h"
 #include "format/usual_text.h"
+#include "text/char_reader.h"
 #include "text/digit_pattern.h"
 #include "text/find_unit.h"
 #include "text/text_helpers.h"
@@ -179,17 +180,16 @@ const SSAFrameInfo *Take_UsualDialogue()
     return pstFrame;
 }
 
-bool Pass_UsualDialogue(uint32_t *puiStart)
+uint32_t Pass_UsualDialogue(uint32_t *puiStart)
 {
     uint8_t aucHead[DigitPattern::BYTES_MAX];
     const uint8_t *const pucHead = Get_UsualHead(aucHead, DigitPattern::BYTES_MAX);
     DialogueHead stHead;
-    if (!s_bUsualReading || pucHead == nullptr || !Match_Head(pucHead, &stHead)) return false;
-    const int32_t iBehind = Find_LineEnd(stHead.uiUnits);
-    if (iBehind < 0) return false;
+    if (!s_bUsualReading || pucHead == nullptr || !Match_Head(pucHead, &stHead)) return 0;
+    const uint32_t uiBytes = Find_LineEnd(stHead.uiUnits);
+    Take_HeldBytes(uiBytes);
     *puiStart = stHead.uiStart;
-    Get_StreamInfo().iStreamBufIndex = iBehind;
-    return true;
+    return uiBytes;
 }
 
 void Forget_UsualFields()

@@ -13,9 +13,9 @@ const SSAFrameInfo *Take_UsualDialogue();
  * Pass over the Dialogue line at the read position, if it is usual.
  *
  * @param[out] puiStart  its start, ms, never 0
- * @return whether it was usual
+ * @return its bytes; 0 when it is not usual
  */
-bool Pass_UsualDialogue(uint32_t *puiStart);
+uint32_t Pass_UsualDialogue(uint32_t *puiStart);
 
 /** Forget the fields of lines before: the styles change. */
 void Forget_UsualFields();

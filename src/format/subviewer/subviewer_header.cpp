@@ -226,15 +226,14 @@ int32_t HeaderParser_SubViewer(void *hFile)
     const int32_t iDigitBytes = Scan_Header(hFile, stScan);
     int64_t llFirstFramePos = -1;
     if (iDigitBytes > 0) {
-        const int64_t llFilePos = QUIBCAPTCB_FileTell(hFile);
-        if (llFilePos < 0) {
+        const int64_t llTold = Ask_ReadPosition(hFile, &llFirstFramePos);
+        if (llTold < 0) {
             __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
                                 " [%d] HeaderParser_SubViewer() - File Tell Failed! (ERROR = %d)\n", __LINE__,
-                                static_cast<int32_t>(llFilePos));
+                                static_cast<int32_t>(llTold));
             return -1;
         }
-        const CaptionStreamInfo &stStream = Get_StreamInfo();
-        llFirstFramePos = llFilePos - stStream.iStreamDataSize + stStream.iStreamBufIndex - iDigitBytes;
+        llFirstFramePos -= iDigitBytes;
     }
     if (!stScan.bSubtitle) {
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
