@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine_input.h"
+#include "format/ssa/ssa_line.h"
 #include "text/encoding.h"
 #include "text/text_helpers.h"
 

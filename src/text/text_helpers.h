@@ -4,16 +4,6 @@
 
 #include <cstdint>
 
-/** Keys of SSA lines; the value is the row of the key table. */
-enum SSALineType : uint32_t {
-    E_SSA_LINE_DIALOGUE,
-    E_SSA_LINE_STYLE,
-    E_SSA_LINE_TITLE,
-    E_SSA_LINE_ORIGINAL_SCRIPT,
-    E_SSA_LINE_SCRIPT_TYPE,
-    E_SSA_LINE_UNKNOWN,
-};
-
 constexpr bool Is_Digit(uint32_t uiUnit)
 {
     return uiUnit - '0' < 10;
@@ -55,10 +45,3 @@ uint32_t Compare_StringNoCase(const void *pvA, const void *pvB, uint32_t uiLen);
  * @return units copied; less than uiLen when a unit above 0x7F stands there, which *pusBad then is
  */
 uint32_t Copy_AsciiUnits(char *pszTarget, const uint16_t *pusUnits, uint32_t uiLen, uint16_t *pusBad);
-
-/** Milliseconds of an SSA time H:MM:SS.CC: exactly 7 digits, whatever stands between them. @return 0
- * otherwise (logged). */
-uint32_t Parse_SSAPts(const uint16_t *pusTime, int32_t iLen);
-
-/** @return SSALineType of a key that begins with a known name, E_SSA_LINE_UNKNOWN for all others. */
-uint32_t Get_SSALineType(const uint16_t *pusName, int32_t iLen);

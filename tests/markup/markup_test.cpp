@@ -8,21 +8,6 @@
 namespace
 {
 
-std::vector<uint16_t> Units(std::string_view strText)
-{
-    std::vector<uint16_t> vecUnits;
-    for (const char cUnit : strText) vecUnits.push_back(static_cast<uint8_t>(cUnit));
-    return vecUnits;
-}
-
-/** @return what a function of some units and their number gives. */
-template <typename Function>
-auto Ask(Function fnAsked, std::string_view strText)
-{
-    const std::vector<uint16_t> vecUnits = Units(strText);
-    return fnAsked(vecUnits.data(), static_cast<int32_t>(vecUnits.size()));
-}
-
 class Markup : public EngineTest
 {
 protected:
@@ -145,21 +130,6 @@ TEST(TextHelpers, Comparisons)
     EXPECT_EQ(Compare_StringNoCase("white", "WHITE", 5), 1u);
     EXPECT_EQ(Compare_StringNoCase("a\0b", "A\0c", 3), 0u);
     EXPECT_EQ(Compare_StringNoCase("a", "a", 0), 0u);
-}
-
-TEST(TextHelpers, TimesAndKeys)
-{
-    EXPECT_EQ(Ask(Parse_SSAPts, "0:01:02.03"), 62030u);
-    EXPECT_EQ(Ask(Parse_SSAPts, "0:75:00.00"), 4500000u);
-    EXPECT_EQ(Ask(Parse_SSAPts, "10:00:00.00"), 0u);
-    EXPECT_EQ(Ask(Parse_SSAPts, Repeat("9", 5000)), 0u);
-    // clang-format off
-    static const std::pair<std::string, uint32_t> KEYS[] = {
-        {"dialogue:", 0}, {"Dial", 5}, {"STYLE", 1}, {"Title:", 2}, {"original script:", 3}, {"ScriptType", 4},
-        {"Comment", 5}, {"T", 5}, {"Title" + Repeat("x", 25), 2}, {"Title" + Repeat("x", 26), 5},
-    };
-    // clang-format on
-    for (const auto &[strKey, uiType] : KEYS) EXPECT_EQ(Ask(Get_SSALineType, strKey), uiType) << strKey;
 }
 
 } // namespace

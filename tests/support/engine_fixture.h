@@ -96,6 +96,21 @@ struct PlayCase {
     std::string strFrames; // as EngineTest::Play() gives them
 };
 
+inline std::vector<uint16_t> Units(std::string_view strText)
+{
+    std::vector<uint16_t> vecUnits;
+    for (const char cUnit : strText) vecUnits.push_back(static_cast<uint8_t>(cUnit));
+    return vecUnits;
+}
+
+/** @return what a function of some units and their number gives. */
+template <typename Function>
+auto Ask(Function fnAsked, std::string_view strText)
+{
+    const std::vector<uint16_t> vecUnits = Units(strText);
+    return fnAsked(vecUnits.data(), static_cast<int32_t>(vecUnits.size()));
+}
+
 class EngineTest : public testing::Test
 {
 protected:

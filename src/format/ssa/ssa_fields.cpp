@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "format/ssa/ssa_line.h"
 #include "format/ssa/style_list.h"
 #include "markup/tag_command.h"
 #include "record/parser_state.h"

@@ -24,7 +24,7 @@ enum SSASection : uint32_t {
 };
 
 constexpr const char *SectionTable[] = {"Script Info", "v4 Styles", "Events"};
-static_assert(sizeof(SectionTable) / sizeof(SectionTable[0]) == E_SSA_SECTION_UNKNOWN);
+static_assert(std::size(SectionTable) == E_SSA_SECTION_UNKNOWN);
 
 enum HeaderState : uint32_t {
     E_HEADER_FIND_SECTION, // anything before a "["
@@ -38,7 +38,6 @@ enum HeaderState : uint32_t {
     E_HEADER_START,  // its second field
 };
 
-constexpr uint32_t SECTION_UNITS = 30; // longest section name, its "]" included
 constexpr int64_t NO_POSITION = -1;
 
 /** Number fields of a Style line, behind the style's and the font's name. */
@@ -85,29 +84,6 @@ bool Get_Position(HeaderScan &stScan, int64_t *pllPos)
     *pllPos = NO_POSITION;
     stScan.iResult = -1;
     return false;
-}
-
-uint32_t Find_Section(const char *pszName)
-{
-    for (uint32_t uiSection = 0; uiSection < E_SSA_SECTION_UNKNOWN; ++uiSection)
-        if (Compare_StringNoCase(SectionTable[uiSection], pszName,
-                                 static_cast<uint32_t>(std::strlen(SectionTable[uiSection]))) != 0)
-            return uiSection;
-    return E_SSA_SECTION_UNKNOWN;
-}
-
-/** @return the section whose name, "]" included, the tag buffer holds. */
-uint32_t Get_Section()
-{
-    const TagControlInfo &stTag = *s_pstTagControlInfo;
-    if (stTag.uiTagLength < 2 || stTag.uiTagLength > SECTION_UNITS) return E_SSA_SECTION_UNKNOWN;
-    char szName[SECTION_UNITS + 1] = {};
-    uint16_t usBad = 0;
-    if (Copy_AsciiUnits(szName, stTag.ausTagBuf, stTag.uiTagLength, &usBad) == stTag.uiTagLength)
-        return Find_Section(szName);
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad SSA LineType Name Character! [0x%04X]\n",
-                        __LINE__, usBad);
-    return E_SSA_SECTION_UNKNOWN;
 }
 
 /** Keep the title that the tag buffer holds, while there is room for titles. */
@@ -192,7 +168,9 @@ bool Step_Section(HeaderScan &stScan, uint16_t usChar)
 {
     const bool bFull = Hold_SSAUnit(usChar);
     if (usChar == ']') {
-        stScan.eSection = Get_Section();
+        const TagControlInfo &stTag = *s_pstTagControlInfo;
+        stScan.eSection =
+            Find_SSAName(SectionTable, stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
         stScan.eState = stScan.eSection == E_SSA_SECTION_UNKNOWN ? E_HEADER_FIND_SECTION : E_HEADER_SKIP_LINE;
         return true;
     }

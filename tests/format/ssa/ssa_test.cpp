@@ -4,6 +4,7 @@
 #include <random>
 
 #include "format/ssa/frame_list.h"
+#include "format/ssa/ssa_line.h"
 #include "format/ssa/style_list.h"
 #include "support/engine_fixture.h"
 
@@ -541,6 +542,21 @@ TEST_F(SsaTest, AFileThatCanBeMovedAnywhereEndsToo)
     EXPECT_EQ(FrameParser_SSA(), -6) << "a frame behind the last line, which says that it is one";
     EXPECT_EQ(s_stCaptionFrameList.uiCurrNode, Get_TailNode());
     zyr_host_setFileHook(nullptr, nullptr);
+}
+
+TEST(SsaLine, TimesAndKeys)
+{
+    EXPECT_EQ(Ask(Parse_SSAPts, "0:01:02.03"), 62030u);
+    EXPECT_EQ(Ask(Parse_SSAPts, "0:75:00.00"), 4500000u);
+    EXPECT_EQ(Ask(Parse_SSAPts, "10:00:00.00"), 0u);
+    EXPECT_EQ(Ask(Parse_SSAPts, Repeat("9", 5000)), 0u);
+    // clang-format off
+    static const std::pair<std::string, uint32_t> KEYS[] = {
+        {"dialogue:", 0}, {"Dial", 5}, {"STYLE", 1}, {"Title:", 2}, {"original script:", 3}, {"ScriptType", 4},
+        {"Comment", 5}, {"T", 5}, {"Title" + Repeat("x", 25), 2}, {"Title" + Repeat("x", 26), 5},
+    };
+    // clang-format on
+    for (const auto &[strKey, uiType] : KEYS) EXPECT_EQ(Ask(Get_SSALineType, strKey), uiType) << strKey;
 }
 
 TEST_F(SsaTest, HostileFilesEnd)
