@@ -3,8 +3,8 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "format/sami/sami_classes.h"
 #include "interface/stream_setup.h"
+#include "pump/parser_table.h"
 #include "record/parser_state.h"
 #include "text/char_reader.h"
 #include "zyr/zyr_subtitle.h"
@@ -25,13 +25,19 @@ bool Is_Selected(uint32_t uiClass)
     return false;
 }
 
+/** Let a stream read a class from its first frame on, also where another has gone further. */
+void Restart_Class(uint32_t uiStream, uint32_t uiClass)
+{
+    Point_Stream(uiStream, uiClass);
+    if (const auto pfRewind = Get_FormatHooks().pfRewindClass) pfRewind(uiClass);
+}
+
 /** Make the next stream read a class. @return false without memory. */
 bool Add_Stream(uint32_t uiClass)
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     const uint32_t uiStream = stInfo.uiStreamNums;
-    Point_Stream(uiStream, uiClass);
-    Rewind_ClassCursor(uiClass);
+    Restart_Class(uiStream, uiClass);
     if (!Allocate_LineBuffer(uiStream) || !Allocate_ReadBuffer(uiStream)) return false;
     ++stInfo.uiStreamNums;
     return true;
@@ -80,7 +86,7 @@ uint32_t zyrSubtitleHandler_selectClass(int32_t iClassCount, const uint32_t *pui
 
 int32_t QUIBCAPT_Set_ClassType(uint32_t uiFirstClass, uint32_t uiSecondClass)
 {
-    if (pstQuibCaptionParserInfo == nullptr || s_eCaptionFormat != E_CAPTION_FORMAT_SAMI) return 0;
+    if (pstQuibCaptionParserInfo == nullptr || Get_FormatHooks().pfRewindClass == nullptr) return 0;
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     if (uiSecondClass == uiFirstClass) uiSecondClass = ZYR_CLASS_MAX;
     uint32_t uiStreams = 0;
@@ -89,8 +95,7 @@ int32_t QUIBCAPT_Set_ClassType(uint32_t uiFirstClass, uint32_t uiSecondClass)
         if (stInfo.astStreamInfo[uiStreams].pucStreamBuf == nullptr ||
             s_astLineTable[uiStreams].pusTextBuf == nullptr)
             continue;
-        Point_Stream(uiStreams++, uiClass);
-        Rewind_ClassCursor(uiClass);
+        Restart_Class(uiStreams++, uiClass);
     }
     if (uiStreams > 0) stInfo.uiStreamNums = uiStreams;
     return static_cast<int32_t>(uiStreams);

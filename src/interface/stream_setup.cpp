@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "record/host_callbacks.h"
 #include "record/parser_state.h"
-#include "zyr_base.h"
 #include "zyr_log.h"
 
 void Point_Stream(uint32_t uiStream, uint32_t uiClass)
@@ -49,8 +49,8 @@ bool Allocate_ReadBuffer(uint32_t uiStream)
 void Release_Stream(uint32_t uiStream)
 {
     CaptionStreamInfo &stStream = pstQuibCaptionParserInfo->astStreamInfo[uiStream];
-    if (stStream.pucStreamBuf != nullptr) ZYR_free(stStream.pucStreamBuf);
-    if (s_astLineTable[uiStream].pusTextBuf != nullptr) ZYR_free(s_astLineTable[uiStream].pusTextBuf);
+    Free_And_Clear(stStream.pucStreamBuf);
+    Free_And_Clear(s_astLineTable[uiStream].pusTextBuf);
     stStream = {};
     s_astLineTable[uiStream] = {};
 }

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <ctime>
 
-#include "format/sami/sami_classes.h"
 #include "interface/stream_setup.h"
 #include "pump/parser_table.h"
 #include "record/host_callbacks.h"
@@ -20,22 +19,6 @@ namespace
 constexpr uint32_t SUCCESS = 0;
 constexpr uint32_t FAILURE = 1;
 constexpr uint32_t BAD_ARGUMENT = 2;
-constexpr uint32_t SPARSE_FRAMES =
-    29; // an unnamed class of at most so many frames is folded into a named one
-
-/** A file name ending and the format that it stands for. */
-struct ExtensionRow {
-    const char *pszExtension;
-    CaptionFormat eFormat;
-};
-
-constexpr ExtensionRow ExtensionTable[] = {
-    {".SMI", E_CAPTION_FORMAT_SAMI},      {".smi", E_CAPTION_FORMAT_SAMI},
-    {".SAMI", E_CAPTION_FORMAT_SAMI},     {".sami", E_CAPTION_FORMAT_SAMI},
-    {".SRT", E_CAPTION_FORMAT_SUBRIP},    {".srt", E_CAPTION_FORMAT_SUBRIP},
-    {".SUB", E_CAPTION_FORMAT_SUBVIEWER}, {".sub", E_CAPTION_FORMAT_SUBVIEWER},
-    {".SSA", E_CAPTION_FORMAT_SSA},       {".ssa", E_CAPTION_FORMAT_SSA},
-};
 
 constexpr size_t LONGEST_EXTENSION = 5;
 constexpr size_t BASE_NAME_MAX = ZYR_FILE_NAME_BYTES - LONGEST_EXTENSION - 1;
@@ -57,14 +40,15 @@ size_t Copy_BaseName(const char *pszMovieFileName)
 void *Open_FirstFile(size_t uiBaseLen)
 {
     char *const szName = pstQuibCaptionParserInfo->szSubtitleFileName;
-    for (const ExtensionRow &stRow : ExtensionTable) {
-        std::memcpy(szName + uiBaseLen, stRow.pszExtension, std::strlen(stRow.pszExtension) + 1);
-        void *const hFile = ZYR_fopen(szName, "rb");
-        if (hFile != nullptr) {
-            s_eCaptionFormat = stRow.eFormat;
+    for (uint32_t eFormat = 0; eFormat < E_CAPTION_FORMAT_NONE; ++eFormat)
+        for (const char *const pszEnding : FormatHookTable[eFormat].apszEnding) {
+            if (pszEnding == nullptr) break;
+            std::memcpy(szName + uiBaseLen, pszEnding, std::strlen(pszEnding) + 1);
+            void *const hFile = ZYR_fopen(szName, "rb");
+            if (hFile == nullptr) continue;
+            s_eCaptionFormat = eFormat;
             return hFile;
         }
-    }
     return nullptr;
 }
 
@@ -118,35 +102,6 @@ bool Parse_Header()
                         "class name is 0!\n",
                         __LINE__);
     return false;
-}
-
-/** Names are in upper case, and a shorter one has zeros behind it. */
-bool Is_KoreanName(const CaptionClassInfo &stClass)
-{
-    const uint16_t *const pusName = stClass.ausName;
-    return pusName[0] == 'K' && (pusName[1] == 'O' || pusName[1] == 'R');
-}
-
-/** The class that takes stray unnamed frames in: with several to choose from, the Korean one. */
-uint32_t Get_UndefinedTarget()
-{
-    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    if (stInfo.uiClassNums == 2) return 0;
-    for (uint32_t uiClass = 0; uiClass + 1 < stInfo.uiClassNums; ++uiClass)
-        if (Is_KoreanName(stInfo.astClassInfo[uiClass])) return uiClass;
-    return 0;
-}
-
-/** Fold a small class of frames without a name into a named one. */
-void Merge_UndefinedLanguage()
-{
-    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    if (s_eCaptionFormat != E_CAPTION_FORMAT_SAMI || stInfo.uiClassNums < 2) return;
-    const CaptionClassInfo &stLast = stInfo.astClassInfo[stInfo.uiClassNums - 1];
-    if (stLast.uiNameLength != 0 || stLast.uiFrameNums > SPARSE_FRAMES) return;
-    if (CAPTIONPARS_SAMI_MergeUndefinedLanguage(Get_UndefinedTarget()) != 1)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] Fail to merge the undefined language !!", __LINE__);
 }
 
 /** Set up the one stream of a file with one class. */
@@ -206,8 +161,7 @@ int32_t zyrSubtitleHandler_searchExternalSubtitle(const char *pszMovieFileName, 
         Give_Up_Open();
         return FAILURE;
     }
-    Merge_UndefinedLanguage();
-    Merge_SparseLanguages();
+    if (const auto pfAfterHeader = Get_FormatHooks().pfAfterHeader) pfAfterHeader();
     const bool bOneStream = stInfo.uiClassNums < 2;
     if (!(bOneStream ? Setup_OneStream() : Setup_SeveralStreams())) {
         Give_Up_Open();

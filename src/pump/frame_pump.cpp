@@ -28,11 +28,6 @@ Type *Allocate(uint32_t uiBytes)
     return static_cast<Type *>(ZYR_malloc(uiBytes));
 }
 
-void Free_And_Clear(void *pvBlock)
-{
-    if (pvBlock != nullptr) ZYR_free(pvBlock);
-}
-
 void Log_NoConvertBuffer()
 {
     __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
@@ -61,29 +56,6 @@ void Reset_FrameStyle()
     stInfo.uiWordUnits = 0;
     stInfo.uiWordUnitsAtBreak = 0;
     std::memset(stInfo.puiLineLength, 0, LINE_LENGTH_BYTES);
-    stInfo.uiCurrStream = 0;
-}
-
-/** SAMI: choose the stream whose next frame is earliest; the first one on equal times, or when none has a
- * frame. */
-void Choose_EarliestStream()
-{
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    stInfo.iNextPTS = NO_NEXT_PTS;
-    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {
-        const uint32_t uiClass = stInfo.astStreamState[uiStream].uiClassIndex;
-        const int32_t iPTS = CAPTIONPARS_SAMI_GetNextFramePTS(uiClass);
-        if (iPTS == -2) {
-            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                                " QUIB_CAPTION][%d] Class index [%d] is inavlid !!\n", __LINE__, uiClass);
-        } else if (iPTS < 0 && iPTS != -3) {
-            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                                " QUIB_CAPTION][%d] CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n", __LINE__);
-        } else if (iPTS >= 0 && iPTS < stInfo.iNextPTS) {
-            stInfo.iNextPTS = iPTS;
-            stInfo.uiCurrStream = uiStream;
-        }
-    }
 }
 
 void Load_Stream(uint32_t uiStream)
@@ -100,8 +72,15 @@ void Load_Stream(uint32_t uiStream)
 void Prepare_Stream()
 {
     Reset_FrameStyle();
-    if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI) Choose_EarliestStream();
+    pstQuibCaptionParserInfo->uiCurrStream = 0;
+    if (const auto pfChoose = Get_FormatHooks().pfChooseStream) pfChoose();
     Load_Stream(pstQuibCaptionParserInfo->uiCurrStream);
+}
+
+/** @return whether frames come from several streams, in the order of their times. */
+bool Has_SeveralStreams()
+{
+    return Get_FormatHooks().pfChooseStream != nullptr;
 }
 
 /** Prepare_CaptionFrame() without taking the chosen stream's last lines away. */
@@ -211,20 +190,15 @@ int32_t QUIB_CAPTION_Open(void)
 
 void QUIB_CAPTION_Close(void)
 {
-    QuibCaptionParserInfo *const pstInfo = pstQuibCaptionParserInfo;
-    if (pstInfo != nullptr) {
+    if (QuibCaptionParserInfo *const pstInfo = pstQuibCaptionParserInfo) {
         Free_And_Clear(pstInfo->pusConvBuf);
         Free_And_Clear(pstInfo->puiLineLength);
         for (CaptionStreamInfo &stStream : pstInfo->astStreamInfo) Free_And_Clear(stStream.pucStreamBuf);
         Forget_Formats();
-        pstQuibCaptionParserInfo = nullptr;
-        ZYR_free(pstInfo);
+        Free_And_Clear(pstQuibCaptionParserInfo);
     }
     QuibCaptionParser_Destroy_MemoryBuffers();
-    for (CaptionLineTable &stTable : s_astLineTable) {
-        Free_And_Clear(stTable.pusTextBuf);
-        stTable.pusTextBuf = nullptr;
-    }
+    for (CaptionLineTable &stTable : s_astLineTable) Free_And_Clear(stTable.pusTextBuf);
     Forget_SeekPlaces();
     Forget_StreamBuffers();
 }
@@ -264,7 +238,7 @@ int32_t QUIB_CAPTION_ParsingProcessEx(void)
     uint32_t uiPrevStream = ZYR_STREAM_MAX;
     for (uint32_t uiFrames = 0; uiFrames < stInfo.uiStreamNums; ++uiFrames) {
         Prepare_Keeping_Lines();
-        if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI) {
+        if (Has_SeveralStreams()) {
             if (stInfo.iNextPTS > iBestPTS) break; // the other streams' frames come later
             iBestPTS = stInfo.iNextPTS;
         }
@@ -293,7 +267,7 @@ int32_t QUIB_CAPTION_PreParsingProcessEx(int32_t iTargetMs)
     uint32_t uiPrevStream = ZYR_STREAM_MAX;
     for (uint32_t uiFrames = 0; uiFrames < stInfo.uiStreamNums; ++uiFrames) {
         Prepare_CaptionFrame();
-        if (s_eCaptionFormat == E_CAPTION_FORMAT_SAMI && stInfo.iNextPTS >= iTargetMs) break;
+        if (Has_SeveralStreams() && stInfo.iNextPTS >= iTargetMs) break;
         if (stInfo.uiCurrStream == uiPrevStream) break;
         if (!Parse_OneOfSeveral(pstParser)) return NO_FRAME;
         Finish_CaptionLines(stInfo.uiCurrStream);
@@ -312,7 +286,7 @@ int32_t QUIB_CAPTION_SeekCaptionFrame(uint32_t uiTargetMs)
         if (!Seek_Stream(uiStream, uiTargetMs)) return -1;
     for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream)
         s_astLineTable[uiStream].uiLineNums = 0;
-    if (s_eCaptionFormat != E_CAPTION_FORMAT_SAMI) return 1;
+    if (!Has_SeveralStreams()) return 1;
     if (QUIB_CAPTION_PreParsingProcessEx(static_cast<int32_t>(uiTargetMs)) == FRAME_READY) return 1;
     __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
                         " [CAPTION][%d] QUIB_CAPTION_PreParsingProcessEx() Failed!\n", __LINE__);

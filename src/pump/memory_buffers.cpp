@@ -1,6 +1,7 @@
 // The parser's buffers beside the record, those of each format included: they are declared in zyr/quib_caption.h.
 
 #include "pump/parser_table.h"
+#include "record/host_callbacks.h"
 #include "record/parser_state.h"
 #include "zyr_log.h"
 
@@ -30,18 +31,11 @@ int32_t QuibCaptionParser_Create_MemoryBuffers(uint32_t uiConvUnits, uint32_t ui
 
 void QuibCaptionParser_Destroy_MemoryBuffers(void)
 {
-    if (s_pstTagControlInfo != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstTagControlInfo);
-    s_pstTagControlInfo = nullptr;
+    Free_And_Clear(s_pstTagControlInfo);
     s_uiConvBufSize = 0;
     s_uiStreamBufSize = 0;
     s_uiMaxLineNums = 0;
+    s_llCaptionFileSize = 0;
     for (const FormatHooks &stHooks : FormatHookTable)
         if (stHooks.pfDestroy != nullptr) stHooks.pfDestroy();
-    if (s_pstFrameInfoArray != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstFrameInfoArray);
-    s_pstFrameInfoArray = nullptr;
-    if (s_puiSyncPlaces != nullptr) QUIBCAPTCB_Deallocate_Memory(s_puiSyncPlaces);
-    s_puiSyncPlaces = nullptr;
-    s_llCaptionFileSize = 0;
-    s_uiFrameInfoMax = 0;
-    s_uiFrameInfoNums = 0;
 }

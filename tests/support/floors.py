@@ -2,7 +2,7 @@
 """floors.py ROOT: every #include "..." in src/ leads to the file's own floor or to one below it, never in a circle.
 
 The floors of the engine are those of ORDER, ground first; a format's folder stands on format/ and knows no other
-format. The renderer is a house of its own, font/ under display/. The headers of platform/ and zyr/ lie below both.
+format, and those above name none but in TABLES. The renderer is a house of its own, font/ under display/. The headers of platform/ and zyr/ lie below both.
 """
 import pathlib
 import re
@@ -10,6 +10,8 @@ import sys
 
 ORDER = ["record", "text", "lines", "markup", "format", "format/*", "pump", "interface"]
 RENDERER = ["font", "display"]
+NAMELESS = ["pump", "interface"]
+TABLES = "pump/parser_table.cpp"
 
 
 def floor(path):
@@ -58,12 +60,24 @@ def find_circles(includes):
     return mistakes
 
 
+def find_formats(root):
+    """Pump and interface know formats by their rows alone, which TABLES holds."""
+    mistakes = []
+    for path in sorted(path for folder in NAMELESS for path in (root / "src" / folder).iterdir()):
+        name = path.relative_to(root / "src").as_posix()
+        named = set(re.findall(r"E_CAPTION_FORMAT_(?!NONE)\w+|\b\w*(?:SAMI|Sami|SubRip|SubViewer|SSA)\w*",
+                               path.read_text(encoding="utf-8")))
+        if name != TABLES:
+            mistakes += [f"{name} names a format: {word}" for word in sorted(named)]
+    return mistakes
+
+
 def main(root):
     includes, mistakes = read_includes(root)
     upward = {(name, target) for name, targets in includes.items() for target in targets
               if not may_include(floor(name), floor(target))}
     mistakes += [f"{name} includes {target}, which is not below it" for name, target in sorted(upward)]
-    mistakes += find_circles(includes)
+    mistakes += find_circles(includes) + find_formats(root)
     print("\n".join(mistakes) or f"{len(includes)} files stand on their floors")
     return 1 if mistakes or len(includes) == 0 else 0
 

@@ -4,6 +4,7 @@
 
 #include "format/sami/sami_index.h"
 #include "format/sami/sami_skip.h"
+#include "record/host_callbacks.h"
 #include "record/parser_state.h"
 #include "zyr_log.h"
 
@@ -65,6 +66,35 @@ uint32_t Find_FilledClass(uint32_t uiFirst)
     while (uiClass < pstQuibCaptionParserInfo->uiClassNums && Get_Class(uiClass).uiFrameNums <= FILLED_FRAMES)
         ++uiClass;
     return uiClass;
+}
+
+/** Names are in upper case, and a shorter one has zeros behind it. */
+bool Is_KoreanName(const CaptionClassInfo &stClass)
+{
+    const uint16_t *const pusName = stClass.ausName;
+    return pusName[0] == 'K' && (pusName[1] == 'O' || pusName[1] == 'R');
+}
+
+/** The class that takes stray unnamed frames in: with several to choose from, the Korean one. */
+uint32_t Get_UndefinedTarget()
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (stInfo.uiClassNums == 2) return 0;
+    for (uint32_t uiClass = 0; uiClass + 1 < stInfo.uiClassNums; ++uiClass)
+        if (Is_KoreanName(stInfo.astClassInfo[uiClass])) return uiClass;
+    return 0;
+}
+
+/** Fold a small class of frames without a name into a named one. */
+void Merge_UndefinedLanguage()
+{
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    if (!Can_Merge()) return;
+    const CaptionClassInfo &stLast = stInfo.astClassInfo[stInfo.uiClassNums - 1];
+    if (stLast.uiNameLength != 0 || stLast.uiFrameNums > SPARSE_FRAMES) return;
+    if (CAPTIONPARS_SAMI_MergeUndefinedLanguage(Get_UndefinedTarget()) != 1)
+        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                            " QUIB_CAPTION][%d] Fail to merge the undefined language !!", __LINE__);
 }
 
 /** A sparse first class gives its place to the first well-filled one, so that this is the one read by
@@ -161,4 +191,38 @@ void Merge_SparseLanguages()
 {
     Fold_FirstClass();
     Fold_OtherClasses();
+}
+
+void Clean_SamiClasses()
+{
+    Merge_UndefinedLanguage();
+    Merge_SparseLanguages();
+}
+
+void Choose_EarliestStream()
+{
+    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    stInfo.iNextPTS = NO_NEXT_PTS;
+    for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {
+        const uint32_t uiClass = stInfo.astStreamState[uiStream].uiClassIndex;
+        const int32_t iPTS = CAPTIONPARS_SAMI_GetNextFramePTS(uiClass);
+        if (iPTS == BAD_CLASS) {
+            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                                " QUIB_CAPTION][%d] Class index [%d] is inavlid !!\n", __LINE__, uiClass);
+        } else if (iPTS < 0 && iPTS != NO_NEXT_FRAME) {
+            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
+                                " QUIB_CAPTION][%d] CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n", __LINE__);
+        } else if (iPTS >= 0 && iPTS < stInfo.iNextPTS) {
+            stInfo.iNextPTS = iPTS;
+            stInfo.uiCurrStream = uiStream;
+        }
+    }
+}
+
+void Destroy_SamiBuffers()
+{
+    Free_And_Clear(s_pstFrameInfoArray);
+    Free_And_Clear(s_puiSyncPlaces);
+    s_uiFrameInfoMax = 0;
+    s_uiFrameInfoNums = 0;
 }

@@ -19,3 +19,13 @@ void Rewind_ClassCursor(uint32_t uiClass);
 
 /** Fold classes of few frames into the first well-filled one. Failures are logged; the classes then stay. */
 void Merge_SparseLanguages();
+
+/** The same, and a small class of frames without a name into a named one before. */
+void Clean_SamiClasses();
+
+/** Choose the stream whose next frame is earliest; the first one on equal times, the current one when none has a
+ * frame. */
+void Choose_EarliestStream();
+
+/** Free the frame index and all that is known of SYNC tags. */
+void Destroy_SamiBuffers();
