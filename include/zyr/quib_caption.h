@@ -43,6 +43,13 @@ typedef enum OutputCharset {
     E_OUTPUT_CHARSET_UTF8 = 3
 } OutputCharset;
 
+/** How a seek goes about it, by its bBackward; any other value counts as E_SEEK_FORWARD. */
+typedef enum SeekDirection {
+    E_SEEK_FORWARD = 0,   /* from the last time handled on */
+    E_SEEK_BACKWARD = 1,  /* back from there */
+    E_SEEK_FROM_START = 3 /* on from the first frame, in SubRip and SSA; E_SEEK_FORWARD in the others */
+} SeekDirection;
+
 enum {
     ZYR_CLASS_MAX = 7,             /* language classes of a file */
     ZYR_STREAM_MAX = 5,            /* classes read side by side; as uiCurrStream: no stream chosen */

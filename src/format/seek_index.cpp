@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "zyr_base.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -248,17 +248,15 @@ int64_t Reach_SeekPlace(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
 int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)
 {
     Lose_SeekStep();
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] %s() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__, pszSeek,
-                        static_cast<int32_t>(llReached));
+    LOG_PARSER("%s() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", pszSeek,
+               static_cast<int32_t>(llReached));
     return -1;
 }
 
 int32_t Fail_Read(const char *pszParser, int32_t iResult)
 {
     if (iResult != NO_CAPTION_DATA) Lose_SeekStep(); // the end of the data is a place like any other
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Get_CharCode() Failed! (ERROR = %d)\n",
-                        __LINE__, pszParser, iResult);
+    LOG_PARSER("%s() - Get_CharCode() Failed! (ERROR = %d)\n", pszParser, iResult);
     return iResult;
 }
 

@@ -2,9 +2,9 @@
 
 #include <cstring>
 
+#include "record/engine_log.h"
 #include "record/host_callbacks.h"
 #include "record/parser_state.h"
-#include "zyr_log.h"
 
 void Point_Stream(uint32_t uiStream, uint32_t uiClass)
 {
@@ -26,9 +26,7 @@ bool Allocate_LineBuffer(uint32_t uiStream)
         std::memset(stTable.pusTextBuf, 0, TEXT_BUF_UNITS * sizeof(uint16_t));
         return true;
     }
-    __android_log_print(
-        ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-        " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Line Bitmap Buffer Memory allocation Error!\n", __LINE__);
+    LOG_HANDLER("QUIB_CAPTION_Open() - Line Bitmap Buffer Memory allocation Error!\n");
     return false;
 }
 
@@ -40,9 +38,7 @@ bool Allocate_ReadBuffer(uint32_t uiStream)
     stStream.iStreamDataSize = 0;
     stStream.iStreamBufIndex = 0;
     if (stStream.pucStreamBuf != nullptr) return true;
-    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                        " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n",
-                        __LINE__);
+    LOG_HANDLER("QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n");
     return false;
 }
 

@@ -6,12 +6,12 @@
 
 #include "interface/stream_setup.h"
 #include "pump/parser_table.h"
+#include "record/engine_log.h"
 #include "record/host_callbacks.h"
 #include "record/parser_state.h"
 #include "text/char_reader.h"
 #include "zyr/zyr_subtitle.h"
 #include "zyr_base.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -57,8 +57,7 @@ bool _zyrSubtitleHandler_openExternalSubtitle(const char *pszMovieFileName)
 {
     const size_t uiBaseLen = Copy_BaseName(pszMovieFileName);
     if (uiBaseLen > BASE_NAME_MAX) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] The subtitle file name is too long!\n", __LINE__);
+        LOG_HANDLER("The subtitle file name is too long!\n");
         return false;
     }
     s_hOpenedFile = Open_FirstFile(uiBaseLen);
@@ -67,8 +66,7 @@ bool _zyrSubtitleHandler_openExternalSubtitle(const char *pszMovieFileName)
                         "_zyrSubtitleHandler_openExternalSubtitle", __LINE__,
                         pstQuibCaptionParserInfo->szSubtitleFileName);
     if (QuibCaptionParser_Init_CaptionStreamVariables(s_hOpenedFile) == 1) return true;
-    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                        " QUIB_CAPTION][%d] Failed to initialize the stream variables!\n", __LINE__);
+    LOG_HANDLER("Failed to initialize the stream variables!\n");
     return false;
 }
 
@@ -77,10 +75,7 @@ bool Parse_Header()
 {
     const auto pfHeaderParser = CaptionParserTable[s_eCaptionFormat].pfHeaderParser;
     if (pfHeaderParser == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] zyrSubtitleHandler_searchExternalSubtitle() - It does not "
-                            "exist the header parser!\n",
-                            __LINE__);
+        LOG_HANDLER("zyrSubtitleHandler_searchExternalSubtitle() - It does not exist the header parser!\n");
         return false;
     }
     const std::clock_t llStart = std::clock();
@@ -90,17 +85,12 @@ bool Parse_Header()
                         "@@@@@   Result = [%d], Header Parsing Time = [%d] ms   @@@@@", iResult,
                         static_cast<int32_t>((llEnd - llStart) / 1000));
     if (iResult != 1) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] zyrSubtitleHandler_searchExternalSubtitle() - Failed in "
-                            "reading a header information of caption file!\n",
-                            __LINE__);
+        LOG_HANDLER("zyrSubtitleHandler_searchExternalSubtitle() - Failed in reading a header information of "
+                    "caption file!\n");
         return false;
     }
     if (pstQuibCaptionParserInfo->uiClassNums != 0) return true;
-    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                        " QUIB_CAPTION][%d] zyrSubtitleHandler_searchExternalSubtitle() - The numbers of "
-                        "class name is 0!\n",
-                        __LINE__);
+    LOG_HANDLER("zyrSubtitleHandler_searchExternalSubtitle() - The numbers of class name is 0!\n");
     return false;
 }
 

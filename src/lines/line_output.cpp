@@ -4,8 +4,9 @@
 #include <cstddef>
 #include <cstring>
 
+#include "record/engine_log.h"
 #include "record/parser_state.h"
-#include "zyr_log.h"
+#include "text/text_helpers.h"
 
 namespace
 {
@@ -14,11 +15,6 @@ constexpr uint32_t TEXT_BYTES = ZYR_OUT_TEXT_BYTES - 2; // the text itself; two 
 constexpr uint32_t LAST_PAIR_POS = TEXT_BYTES - 2;      // the last place where two bytes fit
 constexpr uint32_t COPY_BYTES = 16;                     // of a line at a step
 constexpr uint16_t BLANK = 0x20;
-
-constexpr bool Is_Blank(uint32_t uiUnit)
-{
-    return uiUnit == BLANK || uiUnit == '\t';
-}
 
 /** Laying out the units of one call: the record, the stream's table and the line being filled. */
 struct LineWriter {
@@ -108,8 +104,7 @@ WrapResult Wrap_Line(LineWriter &stWriter, bool bBlank)
     if (stWriter.uiLine + 1 >= ZYR_LINE_MAX) {
         stInfo.puiLineLength[stWriter.uiLine] = stWriter.uiLength;
         stInfo.uiLineIndex = stWriter.uiLine + 1;
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] Line Count is MAXIMUM COUNT!\n", __LINE__);
+        LOG_HANDLER("Line Count is MAXIMUM COUNT!\n");
         return E_WRAP_FULL;
     }
     const bool bBlankRun = stInfo.uiBreakLength != 0;
@@ -372,8 +367,7 @@ void Break_OutputLine()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     if (stInfo.uiLineIndex >= s_uiMaxLineNums) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Line Count (%d) is more than %d!\n",
-                            __LINE__, stInfo.uiLineIndex, s_uiMaxLineNums);
+        LOG_PARSER("Line Count (%d) is more than %d!\n", stInfo.uiLineIndex, s_uiMaxLineNums);
         return;
     }
     uint32_t &uiLength = stInfo.puiLineLength[stInfo.uiLineIndex];

@@ -3,8 +3,8 @@
 #include "lines/line_output.h"
 #include "markup/entity.h"
 #include "markup/html_tag.h"
+#include "record/engine_log.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -66,9 +66,7 @@ int32_t Apply_HtmlTag(const char *pszParser)
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
     const int32_t iResult = Parse_HtmlTag(stTag.ausTagBuf, static_cast<int32_t>(stTag.uiTagLength));
-    if (iResult == -1)
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
-                            __LINE__, pszParser);
+    if (iResult == -1) LOG_PARSER("%s() - Failed to parse the caption tag!\n", pszParser);
     return iResult;
 }
 

@@ -8,6 +8,7 @@
 
 #include "lines/line_output.h"
 #include "record/parser_state.h"
+#include "text/text_helpers.h"
 
 /** Put a unit into the convert buffer, and hand the text over when only one more would fit. */
 inline void Append_Unit(uint16_t usUnit)
@@ -56,7 +57,7 @@ int32_t Apply_HtmlTag(const char *pszParser);
 /** One unit of markup text, which is none of those that are not text in the format. */
 inline MarkupState Step_MarkupText(uint16_t usChar)
 {
-    if (usChar == ' ' || usChar == '\t') {
+    if (Is_Blank(usChar)) {
         Append_FoldedBlank();
         return E_MARKUP_TEXT;
     }

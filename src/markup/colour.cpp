@@ -2,10 +2,10 @@
 
 #include <cstring>
 
+#include "record/engine_log.h"
 #include "record/parser_state.h"
 #include "text/name_index.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -61,8 +61,7 @@ constexpr NameIndex<512, true> s_stColourIndex(ColourTable);
 
 void Log_NoColour(const char *pszText, uint32_t uiLen)
 {
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] RGB Color Data Parsing Failed! (RGB DATA = ", __LINE__);
+    LOG_PARSER("RGB Color Data Parsing Failed! (RGB DATA = ");
     for (uint32_t uiPos = 0; uiPos < uiLen; ++uiPos)
         __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, "%c", pszText[uiPos]);
     __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, ")\n");
@@ -73,15 +72,14 @@ void Log_NoColour(const char *pszText, uint32_t uiLen)
 bool Copy_ColourText(char *szText, const uint16_t *pusValue, uint32_t uiLen)
 {
     if (uiLen > COLOUR_UNITS) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Long Color Name! ([%d] >> [%d])\n",
-                            __LINE__, static_cast<int32_t>(uiLen), static_cast<int32_t>(COLOUR_UNITS));
+        LOG_PARSER("Too Long Color Name! ([%d] >> [%d])\n", static_cast<int32_t>(uiLen),
+                   static_cast<int32_t>(COLOUR_UNITS));
         return false;
     }
     std::memset(szText, 0, COLOUR_UNITS + 1);
     uint16_t usBad = 0;
     if (Copy_AsciiUnits(szText, pusValue, uiLen, &usBad) == uiLen) return true;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad Color Name Character! [0x%04X]\n", __LINE__,
-                        usBad);
+    LOG_PARSER("Bad Color Name Character! [0x%04X]\n", usBad);
     return false;
 }
 
@@ -91,9 +89,7 @@ bool Parse_HexColour(const char *pszDigits, uint32_t uiLen, const char *pszText,
     for (uint32_t uiPos = 0; uiPos < uiLen; ++uiPos) {
         const int32_t iDigit = Get_HexValue(static_cast<uint8_t>(pszDigits[uiPos]));
         if (iDigit < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] RGB Color Data is bad! (DATA = %s,  VALUE = 0x%08X)\n", __LINE__,
-                                pszText, *puiValue);
+            LOG_PARSER("RGB Color Data is bad! (DATA = %s,  VALUE = 0x%08X)\n", pszText, *puiValue);
             return false;
         }
         *puiValue = (*puiValue << 4) | static_cast<uint32_t>(iDigit);

@@ -3,10 +3,10 @@
 #include "markup/colour.h"
 #include "markup/tag_arguments.h"
 #include "markup/tag_command.h"
+#include "record/engine_log.h"
 #include "record/parser_state.h"
 #include "text/name_index.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -65,11 +65,6 @@ struct ParsedTag {
     int32_t iKind;
     uint32_t uiWordLength; // units from "<" to the end of the name
 };
-
-bool Is_Space(uint32_t uiUnit)
-{
-    return uiUnit == ' ' || uiUnit == '\t' || uiUnit == '\n' || uiUnit == '\r';
-}
 
 /** Read kind and id. @return false when the text is no tag. */
 bool Parse_TagName(ParsedTag *pstTag, const uint16_t *pusTag, uint32_t uiLen)
@@ -160,7 +155,7 @@ int32_t Apply_ParagraphTag(const TagArguments &stArguments, bool bClosing)
         stTag.uiSelectedClass = stInfo.uiClassNums - 1;
     }
     if (stTag.uiSelectedClass == ZYR_CLASS_MAX) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unregistered Clase Name!\n", __LINE__);
+        LOG_PARSER("Unregistered Clase Name!\n");
         stTag.bLogged = true;
     }
     return TAG_KIND_SINGLE | static_cast<int32_t>(E_HTML_TAG_P);
@@ -202,7 +197,7 @@ void Restore_Style(uint32_t uiTag, uint32_t uiSavedStyle)
 
 void Log_TagQueue(const char *pszWhat)
 {
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] OOPS! %s!\n", __LINE__, pszWhat);
+    LOG_PARSER("OOPS! %s!\n", pszWhat);
 }
 
 void Close_Tag(uint32_t uiTag)

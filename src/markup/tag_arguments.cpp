@@ -1,8 +1,8 @@
 #include "markup/tag_arguments.h"
 
+#include "record/engine_log.h"
 #include "record/parser_state.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -29,11 +29,6 @@ bool Is_Letter(uint32_t uiUnit)
     return uiUnit - 'A' < 26;
 }
 
-bool Is_Blank(uint32_t uiUnit)
-{
-    return uiUnit == ' ' || uiUnit == '\t';
-}
-
 // One function per state. Each gives whether its unit is done with; if not, the next state sees it again.
 
 bool Step_SeekName(ArgumentSplitter &stSplit, const uint16_t *pusUnit, uint32_t uiUnit)
@@ -52,8 +47,7 @@ bool Step_Name(ArgumentSplitter &stSplit, uint32_t uiUnit)
         return true;
     }
     if (!Is_Blank(uiUnit) && uiUnit != '=') {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unexpected Character! (0x%04X)\n", __LINE__,
-                            uiUnit);
+        LOG_PARSER("Unexpected Character! (0x%04X)\n", uiUnit);
         stSplit.pstArguments->bLogged = true;
     }
     stSplit.eState = E_ARG_SEEK_EQUALS;
@@ -119,18 +113,16 @@ void Split_TagArguments(TagArguments *pstArguments, const uint16_t *pusText, uin
     pstArguments->uiNums = 0;
     pstArguments->bLogged = uiLen == 0;
     if (uiLen == 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Input Argument is bad! (0x%08X, %d, 0x%08X)\n", __LINE__,
-                            static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pusText)), 0,
-                            static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pstArguments->astArgument)));
+        LOG_PARSER("Input Argument is bad! (0x%08X, %d, 0x%08X)\n",
+                   static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pusText)), 0,
+                   static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pstArguments->astArgument)));
         return;
     }
     ArgumentSplitter stSplit = {pstArguments, {}, E_ARG_SEEK_NAME, 0};
     for (uint32_t uiPos = 0; uiPos < uiLen;) {
         if (Step_Argument(stSplit, pusText + uiPos)) ++uiPos;
         if (pstArguments->uiNums == TAG_ARGUMENTS_MAX) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Argument Count is FULL! (COUNT = %d)\n",
-                                __LINE__, static_cast<int32_t>(TAG_ARGUMENTS_MAX));
+            LOG_PARSER("Argument Count is FULL! (COUNT = %d)\n", static_cast<int32_t>(TAG_ARGUMENTS_MAX));
             pstArguments->bLogged = true;
             return;
         }

@@ -1,8 +1,8 @@
 #include "markup/tag_command.h"
 
 #include "lines/line_output.h"
+#include "record/engine_log.h"
 #include "record/parser_state.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -15,8 +15,7 @@ void Log_NoParameter(uint32_t eTagCmd)
                                      "E_TAGCMD_SET_FONT_SIZE",
                                      "E_TAGCMD_SET_FONT_HIGHLIGHT",
                                      "E_TAGCMD_SET_DISPLAY_MODE"};
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s - No Parameter!\n", __LINE__,
-                        NAMES[eTagCmd]);
+    LOG_PARSER("%s - No Parameter!\n", NAMES[eTagCmd]);
 }
 
 } // namespace
@@ -24,8 +23,7 @@ void Log_NoParameter(uint32_t eTagCmd)
 int32_t Execute_TagCommand(uint32_t eTagCmd, const uint32_t *puiParam)
 {
     if (eTagCmd > E_TAGCMD_SET_DISPLAY_MODE) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unknown Tag Command! (%d)\n", __LINE__,
-                            static_cast<int32_t>(eTagCmd));
+        LOG_PARSER("Unknown Tag Command! (%d)\n", static_cast<int32_t>(eTagCmd));
         return -1;
     }
     if (eTagCmd == E_TAGCMD_LINE_BREAK) {

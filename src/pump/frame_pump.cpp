@@ -5,11 +5,11 @@
 #include "format/seek_index.h"
 #include "lines/line_output.h"
 #include "pump/parser_table.h"
+#include "record/engine_log.h"
 #include "record/host_callbacks.h"
 #include "record/parser_state.h"
 #include "text/char_reader.h"
 #include "zyr_base.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -30,15 +30,12 @@ Type *Allocate(uint32_t uiBytes)
 
 void Log_NoConvertBuffer()
 {
-    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                        " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Convert Buffer Memory allocation Error!\n",
-                        __LINE__);
+    LOG_HANDLER("QUIB_CAPTION_Open() - Convert Buffer Memory allocation Error!\n");
 }
 
 void Log_ParsingFailed()
 {
-    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                        " QUIB_CAPTION][%d] Failed in caption file parsing!\n", __LINE__);
+    LOG_HANDLER("Failed in caption file parsing!\n");
 }
 
 void Reset_FrameStyle()
@@ -111,8 +108,7 @@ const CaptionParser *Get_FrameParser()
     if (pstQuibCaptionParserInfo == nullptr || s_eCaptionFormat >= E_CAPTION_FORMAT_NONE) return nullptr;
     const CaptionParser *const pstParser = &CaptionParserTable[s_eCaptionFormat];
     if (pstParser->pfFrameParser != nullptr) return pstParser;
-    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                        " QUIB_CAPTION][%d] It does not exist the frame parser!\n", __LINE__);
+    LOG_HANDLER("It does not exist the frame parser!\n");
     return nullptr;
 }
 
@@ -138,8 +134,8 @@ bool Seek_Stream(uint32_t uiStream, uint32_t uiTargetMs)
                             __LINE__);
         return true;
     }
-    const uint32_t bBackward = static_cast<uint32_t>(stState.iCurrPTS) >= uiTargetMs ? 1 : 0;
-    if (pfSeek(uiTargetMs, bBackward, stState.iCurrPTS, &stInfo) != 1) {
+    const bool bBackward = static_cast<uint32_t>(stState.iCurrPTS) >= uiTargetMs;
+    if (pfSeek(uiTargetMs, bBackward ? E_SEEK_BACKWARD : E_SEEK_FORWARD, stState.iCurrPTS, &stInfo) != 1) {
         __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
                             "[Caption][%d] QUIB_CAPTION_SeekCaptionFrame() is failed!\n", __LINE__);
         return false;
@@ -176,9 +172,7 @@ int32_t QUIB_CAPTION_Open(void)
     std::memset(pstInfo->puiLineLength, 0, LINE_LENGTH_BYTES);
     pstInfo->astStreamInfo[0].pucStreamBuf = Allocate<uint8_t>(STREAM_BUF_BYTES);
     if (pstInfo->astStreamInfo[0].pucStreamBuf == nullptr) {
-        __android_log_print(
-            ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-            " QUIB_CAPTION][%d] QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n", __LINE__);
+        LOG_HANDLER("QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n");
         return -1;
     }
     if (QuibCaptionParser_Create_MemoryBuffers(CONV_BUF_UNITS, ZYR_LINE_MAX, STREAM_BUF_BYTES) != 1)

@@ -1,9 +1,9 @@
 // The parser's buffers beside the record, those of each format included: they are declared in zyr/quib_caption.h.
 
 #include "pump/parser_table.h"
+#include "record/engine_log.h"
 #include "record/host_callbacks.h"
 #include "record/parser_state.h"
-#include "zyr_log.h"
 
 int32_t QuibCaptionParser_Create_MemoryBuffers(uint32_t uiConvUnits, uint32_t uiMaxLines,
                                                uint32_t uiStreamBytes)
@@ -13,10 +13,7 @@ int32_t QuibCaptionParser_Create_MemoryBuffers(uint32_t uiConvUnits, uint32_t ui
         s_pstTagControlInfo =
             static_cast<TagControlInfo *>(QUIBCAPTCB_Allocate_Aligned_Memory(sizeof(TagControlInfo), 4));
     if (s_pstTagControlInfo == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] QuibCaptionParser_Create_MemoryBuffers() - Tag Control Info allocation "
-                            "Error!\n",
-                            __LINE__);
+        LOG_PARSER("QuibCaptionParser_Create_MemoryBuffers() - Tag Control Info allocation Error!\n");
         return -1;
     }
     *s_pstTagControlInfo = {};

@@ -2,26 +2,21 @@
 
 #include <cstring>
 
+#include "record/engine_log.h"
 #include "record/parser_state.h"
 #include "zyr_base.h"
-#include "zyr_log.h"
 
 void *QUIBCAPTCB_Allocate_Aligned_Memory(uint32_t uiSize, uint32_t /*uiAlignment*/)
 {
     void *const pvBlock = ZYR_malloc(uiSize); // aligned for every type, so for the asked alignment too
-    if (pvBlock == nullptr)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_Allocate_Aligned_Memory][%5d] Aligned Memory Allocation Failed!\n",
-                            __LINE__);
+    if (pvBlock == nullptr) LOG_CALL("Aligned Memory Allocation Failed!\n");
     return pvBlock;
 }
 
 void *QUIBCAPTCB_Allocate_Memory(uint32_t uiSize)
 {
     void *const pvBlock = ZYR_malloc(uiSize);
-    if (pvBlock == nullptr)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_Allocate_Memory][%5d] Memory Allocation Failed!\n", __LINE__);
+    if (pvBlock == nullptr) LOG_CALL("Memory Allocation Failed!\n");
     return pvBlock;
 }
 
@@ -32,11 +27,7 @@ void QUIBCAPTCB_Deallocate_Memory(void *pvBlock)
 
 void *QUIBCAPTCB_GetFileHandleOfSubtitle(void)
 {
-    if (s_hSubtitleFile == nullptr)
-        __android_log_print(
-            ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-            "[QUIBCAPTCB_GetFileHandleOfSubtitle][%5d] Error Caption File Handle! FileHandle = [%d]\n",
-            __LINE__, 0);
+    if (s_hSubtitleFile == nullptr) LOG_CALL("Error Caption File Handle! FileHandle = [%d]\n", 0);
     return s_hSubtitleFile;
 }
 
@@ -45,24 +36,19 @@ int32_t QUIBCAPTCB_FileRead(void *hFile, uint8_t *pucBuffer, uint32_t uiBytes)
     int32_t iRead = hFile == nullptr || pucBuffer == nullptr ? -1 : ZYR_fread(pucBuffer, 1, uiBytes, hFile);
     if (iRead > 0 && static_cast<uint32_t>(iRead) > uiBytes)
         iRead = -1; // more than was asked for: not to be trusted
-    if (iRead < 0)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_FileRead][%5d] Error FileRead! ReadBytes = [%d]\n", __LINE__, iRead);
+    if (iRead < 0) LOG_CALL("Error FileRead! ReadBytes = [%d]\n", iRead);
     return iRead;
 }
 
 int64_t QUIBCAPTCB_FileSeek(void *hFile, int64_t llOffset, int32_t iOrigin)
 {
     if (iOrigin < 0 || iOrigin > 2) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_FileSeek][%5d] Bad FileOrigin! FileOrigin = [%d]\n", __LINE__,
-                            iOrigin);
+        LOG_CALL("Bad FileOrigin! FileOrigin = [%d]\n", iOrigin);
         return -1;
     }
     const int32_t iResult = hFile == nullptr ? -1 : ZYR_fseek(hFile, static_cast<int32_t>(llOffset), iOrigin);
     if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_FileSeek][%5d] Error FileSeek! SeekPos = [%d]\n", __LINE__, iResult);
+        LOG_CALL("Error FileSeek! SeekPos = [%d]\n", iResult);
         return -2;
     }
     return ZYR_ftell(hFile);
@@ -71,9 +57,7 @@ int64_t QUIBCAPTCB_FileSeek(void *hFile, int64_t llOffset, int32_t iOrigin)
 int64_t QUIBCAPTCB_FileTell(void *hFile)
 {
     const int32_t iPos = hFile == nullptr ? -1 : ZYR_ftell(hFile);
-    if (iPos < 0)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[QUIBCAPTCB_FileTell][%5d] Error FileTell! CurPos = [%d]\n", __LINE__, iPos);
+    if (iPos < 0) LOG_CALL("Error FileTell! CurPos = [%d]\n", iPos);
     return iPos;
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "record/engine_log.h"
 #include "zyr/quib_caption.h"
 
 /** Encoding of the open file's text. */
@@ -32,9 +33,6 @@ constexpr uint32_t TAG_TEXT_UNITS =
 constexpr int32_t TAG_QUEUE_MAX = 50;
 constexpr int32_t NO_NEXT_PTS = 0x0FFFFFFF;  // iNextPTS: no stream has a next frame
 constexpr int32_t OPEN_END_PTS = 0x7FFFFFFF; // end time of a frame whose end nobody tells
-
-constexpr const char *PARSER_LOG_TAG = "ZYR_SUBTITLE_PARSER";
-constexpr const char *HANDLER_LOG_TAG = "ZYR_SUBTITLE_HANDLER";
 
 /** One output line of a frame. */
 struct CaptionLine {

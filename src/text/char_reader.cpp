@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
+#include "record/engine_log.h"
 #include "text/encoding.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -38,18 +38,12 @@ int32_t Take_Byte(void *hFile, uint8_t *pucByte)
     CaptionStreamInfo &stInfo = Get_StreamInfo();
     if (stInfo.iStreamBufIndex >= stInfo.iStreamDataSize) {
         if (stInfo.iStreamDataSize == NO_CAPTION_DATA) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Get_CharCode() - No Caption Data!\n",
-                                __LINE__);
+            LOG_PARSER("Get_CharCode() - No Caption Data!\n");
             return NO_CAPTION_DATA;
         }
         const int32_t iRead = Fill_StreamBuffer(hFile);
-        if (iRead == 0)
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] Get_CharCode() - End of Caption File!\n", __LINE__);
-        if (iRead < 0)
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] Get_CharCode() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n",
-                                __LINE__, iRead);
+        if (iRead == 0) LOG_PARSER("Get_CharCode() - End of Caption File!\n");
+        if (iRead < 0) LOG_PARSER("Get_CharCode() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", iRead);
         if (iRead <= 0) return iRead;
         stInfo.iStreamBufIndex = 0;
     }
@@ -57,20 +51,14 @@ int32_t Take_Byte(void *hFile, uint8_t *pucByte)
     return 1;
 }
 
-uint16_t Get_Utf16Unit(const uint8_t *pucBytes, bool bBigEndian)
-{
-    return static_cast<uint16_t>(bBigEndian ? pucBytes[0] << 8 | pucBytes[1]
-                                            : pucBytes[1] << 8 | pucBytes[0]);
-}
-
-int32_t Get_Utf16Char(void *hFile, uint16_t *pusChar, bool bBigEndian)
+int32_t Get_Utf16Char(void *hFile, uint16_t *pusChar)
 {
     uint8_t aucByte[2];
     for (uint8_t &ucByte : aucByte) {
         const int32_t iResult = Take_Byte(hFile, &ucByte);
         if (iResult <= 0) return iResult;
     }
-    *pusChar = Get_Utf16Unit(aucByte, bBigEndian);
+    *pusChar = Get_Utf16Unit(aucByte, Is_BigEndianText());
     return 2;
 }
 
@@ -119,14 +107,10 @@ int32_t Convert_DoubleByte(const uint8_t *pucBytes, uint16_t *pusChar)
         if (stInfo.iStreamBufIndex >= 1)
             --stInfo.iStreamBufIndex; // the second byte is the next character
         else
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] Get_CharCode() - Wrong Stream Buffer Index! [%d]\n", __LINE__,
-                                stInfo.iStreamBufIndex);
+            LOG_PARSER("Get_CharCode() - Wrong Stream Buffer Index! [%d]\n", stInfo.iStreamBufIndex);
         return 2;
     }
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] Get_CharCode() - Invalid ANSI code! [0x%02X][0x%02X]\n", __LINE__, pucBytes[0],
-                        pucBytes[1]);
+    LOG_PARSER("Get_CharCode() - Invalid ANSI code! [0x%02X][0x%02X]\n", pucBytes[0], pucBytes[1]);
     return 2;
 }
 
@@ -176,7 +160,7 @@ int32_t Take_BufferedChar(uint16_t *pusChar)
     if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8)
         uiBytes = Decode_Utf8(stHeld.pucBegin, iHeld, pusChar);
     else
-        *pusChar = Get_Utf16Unit(stHeld.pucBegin, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE);
+        *pusChar = Get_Utf16Unit(stHeld.pucBegin, Is_BigEndianText());
     Take_HeldBytes(uiBytes);
     return static_cast<int32_t>(uiBytes);
 }
@@ -225,12 +209,9 @@ int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 {
     const int32_t iTaken = Take_BufferedChar(pusChar);
     if (iTaken > 0) return iTaken;
-    switch (s_uiTextEncoding) {
-    case E_TEXT_ENCODING_UTF16LE: return Get_Utf16Char(hFile, pusChar, false);
-    case E_TEXT_ENCODING_UTF16BE: return Get_Utf16Char(hFile, pusChar, true);
-    case E_TEXT_ENCODING_UTF8: return Get_Utf8Char(hFile, pusChar);
-    default: return Get_AnsiChar(hFile, pusChar, iRawMode);
-    }
+    if (Is_Utf16Text()) return Get_Utf16Char(hFile, pusChar);
+    return s_uiTextEncoding == E_TEXT_ENCODING_UTF8 ? Get_Utf8Char(hFile, pusChar)
+                                                    : Get_AnsiChar(hFile, pusChar, iRawMode);
 }
 
 int64_t Tell_ReadPosition(void *hFile, int64_t *pllPos)
@@ -349,8 +330,6 @@ int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)
     s_llReaderPos = stStream.iStreamDataSize;
     s_hReaderFile = hFile;
 
-    constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF16,
-                                     E_OUTPUT_CHARSET_UTF8};
-    pstInfo->uiOutputTextCharacterSet = CHARSETS[s_uiTextEncoding];
+    pstInfo->uiOutputTextCharacterSet = Get_OwnCharset();
     return 1;
 }

@@ -68,8 +68,7 @@ const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitS
 template <TextKind KIND>
 inline bool Is_Unit(const uint8_t *pucUnit, uint8_t ucUnit, const UnitSearch &stSearch)
 {
-    if (KIND != E_TEXT_UTF16) return *pucUnit == ucUnit;
-    return pucUnit[stSearch.bBigEndian ? 1 : 0] == ucUnit && pucUnit[stSearch.bBigEndian ? 0 : 1] == 0;
+    return (KIND == E_TEXT_UTF16 ? Get_Utf16Unit(pucUnit, stSearch.bBigEndian) : *pucUnit) == ucUnit;
 }
 
 /** @return the place behind CR LF CR LF, or NULL as Find_EmptyLine() */
@@ -112,7 +111,7 @@ bool Ends_Utf8(const uint8_t *pucStart, const uint8_t *pucEnd)
 const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucFirst,
                          uint8_t ucSecond)
 {
-    const UnitSearch stSearch = {ucFirst, ucSecond, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
+    const UnitSearch stSearch = {ucFirst, ucSecond, Is_BigEndianText()};
     switch (eKind) {
     case E_TEXT_UTF8: return Search<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
     case E_TEXT_DOUBLE: return Search<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
@@ -139,7 +138,7 @@ uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
 
 const uint8_t *Find_EmptyLine(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucOdd)
 {
-    const UnitSearch stSearch = {'\r', ucOdd, s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE};
+    const UnitSearch stSearch = {'\r', ucOdd, Is_BigEndianText()};
     switch (eKind) {
     case E_TEXT_UTF8: return Search_EmptyLine<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
     case E_TEXT_DOUBLE: return Search_EmptyLine<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
@@ -153,11 +152,10 @@ uint32_t Find_LineEnd(uint32_t uiSkipUnits)
 {
     const HeldBytes stHeld = Look_Ahead();
     const uint32_t uiUnitBytes = Get_UnitBytes();
-    const uint32_t uiLow = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1 : 0;
     const uint8_t *pucByte = Find_Unit(Get_TextKind(), stHeld.pucBegin + size_t{uiSkipUnits} * uiUnitBytes,
                                        stHeld.pucEnd, '\r', '\r');
     if (pucByte == nullptr) return 0;
     pucByte += uiUnitBytes;
-    if (pucByte[uiLow] != '\n' || (uiUnitBytes > 1 && pucByte[1 - uiLow] != 0)) return 0;
+    if ((Is_Utf16Text() ? Get_Utf16Unit(pucByte, Is_BigEndianText()) : *pucByte) != '\n') return 0;
     return static_cast<uint32_t>(pucByte - stHeld.pucBegin) + uiUnitBytes;
 }

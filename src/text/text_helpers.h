@@ -9,9 +9,19 @@ constexpr bool Is_Digit(uint32_t uiUnit)
     return uiUnit - '0' < 10;
 }
 
+constexpr bool Is_Blank(uint32_t uiUnit)
+{
+    return uiUnit == ' ' || uiUnit == '\t';
+}
+
 constexpr bool Is_LineEnd(uint32_t uiUnit)
 {
     return uiUnit == '\r' || uiUnit == '\n';
+}
+
+constexpr bool Is_Space(uint32_t uiUnit)
+{
+    return Is_Blank(uiUnit) || Is_LineEnd(uiUnit);
 }
 
 /** Fold an ASCII letter to upper case. */

@@ -5,6 +5,14 @@
 
 #include "record/parser_state.h"
 
+/** @return the character set in which text goes out unless the host asks for another one. */
+inline uint32_t Get_OwnCharset()
+{
+    static constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16,
+                                            E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF8};
+    return CHARSETS[s_uiTextEncoding];
+}
+
 /** Text that goes out as it stands in the file (E_TEXT_SINGLE: but for a zero before each byte from 0x80 on). */
 enum TextKind : uint32_t {
     E_TEXT_UTF8,
@@ -16,9 +24,7 @@ enum TextKind : uint32_t {
 
 inline TextKind Get_TextKind()
 {
-    static constexpr uint32_t CHARSETS[] = {E_OUTPUT_CHARSET_ANSI, E_OUTPUT_CHARSET_UTF16,
-                                            E_OUTPUT_CHARSET_UTF16, E_OUTPUT_CHARSET_UTF8};
-    if (pstQuibCaptionParserInfo->uiOutputTextCharacterSet != CHARSETS[s_uiTextEncoding]) return E_TEXT_OTHER;
+    if (pstQuibCaptionParserInfo->uiOutputTextCharacterSet != Get_OwnCharset()) return E_TEXT_OTHER;
     switch (s_uiTextEncoding) {
     case E_TEXT_ENCODING_UTF8: return E_TEXT_UTF8;
     case E_TEXT_ENCODING_ANSI:
@@ -31,6 +37,17 @@ inline TextKind Get_TextKind()
 inline bool Is_Utf16Text()
 {
     return s_uiTextEncoding - E_TEXT_ENCODING_UTF16LE <= 1u;
+}
+
+inline bool Is_BigEndianText()
+{
+    return s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
+}
+
+/** @return the UTF-16 unit that stands at a place. */
+inline uint16_t Get_Utf16Unit(const uint8_t *pucUnit, bool bBigEndian)
+{
+    return static_cast<uint16_t>(bBigEndian ? pucUnit[0] << 8 | pucUnit[1] : pucUnit[1] << 8 | pucUnit[0]);
 }
 
 /** @return bytes of the smallest character. */

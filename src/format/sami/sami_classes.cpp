@@ -4,9 +4,9 @@
 
 #include "format/sami/sami_index.h"
 #include "format/sami/sami_skip.h"
+#include "record/engine_log.h"
 #include "record/host_callbacks.h"
 #include "record/parser_state.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -93,8 +93,7 @@ void Merge_UndefinedLanguage()
     const CaptionClassInfo &stLast = stInfo.astClassInfo[stInfo.uiClassNums - 1];
     if (stLast.uiNameLength != 0 || stLast.uiFrameNums > SPARSE_FRAMES) return;
     if (CAPTIONPARS_SAMI_MergeUndefinedLanguage(Get_UndefinedTarget()) != 1)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] Fail to merge the undefined language !!", __LINE__);
+        LOG_HANDLER("Fail to merge the undefined language !!");
 }
 
 /** A sparse first class gives its place to the first well-filled one, so that this is the one read by
@@ -105,9 +104,7 @@ void Fold_FirstClass()
     const uint32_t uiFilled = Find_FilledClass(1);
     if (uiFilled == pstQuibCaptionParserInfo->uiClassNums) return;
     if (Get_Class(uiFilled).uiNameLength != 0) std::swap(Get_Class(0), Get_Class(uiFilled));
-    if (CAPTIONPARS_SAMI_MergeMultiLanguages(uiFilled, 0) != 1)
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            " QUIB_CAPTION][%d] Fail to merge the language !!!", __LINE__);
+    if (CAPTIONPARS_SAMI_MergeMultiLanguages(uiFilled, 0) != 1) LOG_HANDLER("Fail to merge the language !!!");
 }
 
 void Fold_OtherClasses()
@@ -121,8 +118,7 @@ void Fold_OtherClasses()
         } else if (CAPTIONPARS_SAMI_MergeMultiLanguages(uiClass, uiFilled) == 1) {
             if (uiFilled > uiClass) --uiFilled;
         } else {
-            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                                " QUIB_CAPTION][%d] Fail to merge the languages !!", __LINE__);
+            LOG_HANDLER("Fail to merge the languages !!");
             ++uiClass;
         }
     }
@@ -207,11 +203,9 @@ void Choose_EarliestStream()
         const uint32_t uiClass = stInfo.astStreamState[uiStream].uiClassIndex;
         const int32_t iPTS = CAPTIONPARS_SAMI_GetNextFramePTS(uiClass);
         if (iPTS == BAD_CLASS) {
-            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                                " QUIB_CAPTION][%d] Class index [%d] is inavlid !!\n", __LINE__, uiClass);
+            LOG_HANDLER("Class index [%d] is inavlid !!\n", uiClass);
         } else if (iPTS < 0 && iPTS != NO_NEXT_FRAME) {
-            __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                                " QUIB_CAPTION][%d] CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n", __LINE__);
+            LOG_HANDLER("CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n");
         } else if (iPTS >= 0 && iPTS < stInfo.iNextPTS) {
             stInfo.iNextPTS = iPTS;
             stInfo.uiCurrStream = uiStream;

@@ -11,9 +11,9 @@
 #include "format/sami/sami_usual.h"
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -95,9 +95,7 @@ void Start_Text(SamiFrame &stFrame)
 
 void Fail_Seek(SamiFrame &stFrame, int64_t llReached)
 {
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", __LINE__,
-                        static_cast<int32_t>(llReached));
+    LOG_PARSER("FrameParser_SAMI() - File Seek Failed! (ERROR = %d)\n", static_cast<int32_t>(llReached));
     End_Frame(stFrame, -1);
 }
 
@@ -181,8 +179,7 @@ void Take_ParagraphTag(SamiFrame &stFrame)
 
 void Drop_SyncTag(SamiFrame &stFrame)
 {
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - Failed to parse the caption tag!\n",
-                        __LINE__, FRAME_PARSER_NAME);
+    LOG_PARSER("%s() - Failed to parse the caption tag!\n", FRAME_PARSER_NAME);
     Pass_SyncTag(stFrame);
 }
 
@@ -360,9 +357,7 @@ void Read_From(SamiFrame &stFrame, int64_t llFilePos)
     }
     const int32_t iRead = Get_StreamInfo().iStreamDataSize == 0 ? Fill_StreamBuffer(stFrame.hFile) : 1;
     if (iRead >= 1) return;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", __LINE__,
-                        iRead);
+    LOG_PARSER("FrameParser_SAMI() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", iRead);
     End_Frame(stFrame, iRead);
 }
 
@@ -388,9 +383,7 @@ void Read_Unit(SamiFrame &stFrame)
         if (stFrame.eState < E_FRAME_TEXT) Note_EndOfFile(stFrame);
         End_Frame(stFrame, stFrame.eState < E_FRAME_TEXT ? NO_CAPTION_DATA : 1);
     } else {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
-                            iResult);
+        LOG_PARSER("FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", iResult);
         End_Frame(stFrame, iResult);
     }
 }
@@ -432,9 +425,8 @@ int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPT
     s_auiClassFrameCursor[stInfo.uiCurrClass] = uiPick;
     const int64_t llReached = Move_ReadPosition(hFile, stPick.llFilePos, E_READ_AHEAD_SHORT);
     if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Seek_SAMI() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llReached));
+        LOG_PARSER("Seek_SAMI() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n",
+                   static_cast<int32_t>(llReached));
         return -1;
     }
     stInfo.llCurrFilePos = stPick.llFilePos;

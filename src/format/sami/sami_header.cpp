@@ -8,10 +8,10 @@
 #include "format/sami/sami_index.h"
 #include "format/sami/sami_skip.h"
 #include "format/sami/sami_usual.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/find_unit.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -140,8 +140,7 @@ ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
         return Append_Frame({uiClass, stFrame.iPTS, Get_TextBytes(stScan), stFrame.llPos}) ? E_SCAN_ON
                                                                                            : E_SCAN_FAILED;
     }
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Too Many Frame Information! [%d]\n", __LINE__,
-                        s_uiFrameInfoMax);
+    LOG_PARSER("Too Many Frame Information! [%d]\n", s_uiFrameInfoMax);
     return E_SCAN_ON;
 }
 
@@ -167,9 +166,7 @@ ScanResult Record_Frame(SamiScan &stScan)
     int64_t llPos = 0;
     const int64_t llTell = Tell_ReadPosition(stScan.hFile, &llPos);
     if (llTell < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] HeaderParser_SAMI() - File Tell Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llTell));
+        LOG_PARSER("HeaderParser_SAMI() - File Tell Failed! (ERROR = %d)\n", static_cast<int32_t>(llTell));
         return E_SCAN_FAILED;
     }
     llPos -= stScan.llBytes - stScan.llTagBytes;
@@ -184,9 +181,8 @@ ScanResult Record_Frame(SamiScan &stScan)
 
 void Log_TooManyClasses()
 {
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] HeaderParser_SAMI() - Too Many Language Class! [%d]\n", __LINE__,
-                        pstQuibCaptionParserInfo->uiClassNums);
+    LOG_PARSER("HeaderParser_SAMI() - Too Many Language Class! [%d]\n",
+               pstQuibCaptionParserInfo->uiClassNums);
 }
 
 /** @return the class of this name, which is added when it is new, or NULL (logged) when there is no room. */

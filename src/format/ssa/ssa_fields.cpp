@@ -5,9 +5,9 @@
 #include "format/ssa/ssa_line.h"
 #include "format/ssa/style_list.h"
 #include "markup/tag_command.h"
+#include "record/engine_log.h"
 #include "record/parser_state.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -88,8 +88,7 @@ void Finish_Effect(SSAFrameInfo &stFrame)
     char szEffect[EFFECT_UNITS + 1] = {};
     uint16_t usBad = 0;
     if (Copy_AsciiUnits(szEffect, stTag.ausTagBuf, stTag.uiTagLength, &usBad) < stTag.uiTagLength) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad SSA Effect Name Character! [0x%04X]\n",
-                            __LINE__, usBad);
+        LOG_PARSER("Bad SSA Effect Name Character! [0x%04X]\n", usBad);
         return;
     }
     for (const EffectRow &stRow : EffectTable) {

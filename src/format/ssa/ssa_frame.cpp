@@ -12,9 +12,9 @@
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
 #include "markup/tag_command.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -94,7 +94,7 @@ void Begin_Escaped(FrameScan &stScan, FrameState eState)
 
 bool Step_Text(FrameScan &stScan, uint16_t usChar)
 {
-    if (usChar == ' ' || usChar == '\t') {
+    if (Is_Blank(usChar)) {
         Append_FoldedBlank();
         return true;
     }
@@ -177,9 +177,7 @@ int32_t Read_Line(void *hFile)
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
         if (iResult < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] FrameParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
-                                iResult);
+            LOG_PARSER("FrameParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", iResult);
             return iResult;
         }
         if (iResult == 0) {
@@ -204,12 +202,12 @@ const CaptionFrameNode *Move_Cursor(uint32_t uiTargetMs, uint32_t bBackward)
 {
     CaptionFrameList &stList = s_stCaptionFrameList;
     CaptionFrameNode *const pstTail = stList.pastNode + Get_TailNode();
-    if (bBackward == 3) stList.uiCurrNode = 1;
+    if (bBackward == E_SEEK_FROM_START) stList.uiCurrNode = 1;
     CaptionFrameNode *pstCurr = stList.pastNode + stList.uiCurrNode;
     if (pstCurr == pstTail) return nullptr;
     const auto fnIsBefore = [=](const CaptionFrameNode &stNode) { return stNode.uiPTS < uiTargetMs; };
     const auto fnIsNotBehind = [=](const CaptionFrameNode &stNode) { return stNode.uiPTS <= uiTargetMs; };
-    if (bBackward == 1) // the head is before any time
+    if (bBackward == E_SEEK_BACKWARD) // the head is before any time
         pstCurr = std::partition_point(stList.pastNode, pstCurr + 1, fnIsBefore) - 1;
     else
         pstCurr = std::partition_point(pstCurr, pstTail, fnIsNotBehind);
@@ -228,9 +226,7 @@ int32_t FrameParser_SSA(void)
     const bool bThere = Is_ReaderAt(hFile, llWanted);
     const int64_t llReached = bThere ? llWanted : Move_ReadPosition(hFile, llWanted, E_READ_AHEAD_SHORT);
     if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] FrameParser_SSA() - Failed in setting a seek position of caption file!\n",
-                            __LINE__);
+        LOG_PARSER("FrameParser_SSA() - Failed in setting a seek position of caption file!\n");
         return -1;
     }
     pstQuibCaptionParserInfo->llCurrFilePos = llReached;
@@ -254,17 +250,15 @@ int32_t Seek_SSA(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,
         iTime = static_cast<int32_t>(pstNode->uiPTS);
     }
     if (llPos < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Seek_SSA() - Parse_GetCurrFrameFilePos() Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llPos));
+        LOG_PARSER("Seek_SSA() - Parse_GetCurrFrameFilePos() Failed! (ERROR = %d)\n",
+                   static_cast<int32_t>(llPos));
         return -1;
     }
     const int64_t llReached =
         Move_ReadPosition(QUIBCAPTCB_GetFileHandleOfSubtitle(), llPos, E_READ_AHEAD_SHORT);
     if (llReached < 0) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Seek_SSA() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", __LINE__,
-                            static_cast<int32_t>(llReached));
+        LOG_PARSER("Seek_SSA() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n",
+                   static_cast<int32_t>(llReached));
         return -1;
     }
     stInfo.llCurrFilePos = llPos;

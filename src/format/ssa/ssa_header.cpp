@@ -8,9 +8,9 @@
 #include "format/ssa/ssa_line.h"
 #include "format/ssa/ssa_usual.h"
 #include "format/ssa/style_list.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -78,9 +78,7 @@ bool Get_Position(HeaderScan &stScan, int64_t *pllPos)
 {
     const int64_t llTold = Ask_ReadPosition(stScan.hFile, pllPos);
     if (llTold >= 0) return true;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] HeaderParser_SSA() - File Tell Failed! (ERROR = %d)\n", __LINE__,
-                        static_cast<int32_t>(llTold));
+    LOG_PARSER("HeaderParser_SSA() - File Tell Failed! (ERROR = %d)\n", static_cast<int32_t>(llTold));
     *pllPos = NO_POSITION;
     stScan.iResult = -1;
     return false;
@@ -132,8 +130,7 @@ void Finish_StyleField(HeaderScan &stScan)
 void Add_Frame(HeaderScan &stScan, uint32_t uiPTS, int64_t llPos)
 {
     if (Append_CaptionFrame(uiPTS, llPos) == 1) return;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] HeaderParser_SSA() - Add Frame Failed!\n",
-                        __LINE__);
+    LOG_PARSER("HeaderParser_SSA() - Add Frame Failed!\n");
     stScan.iResult = -1;
 }
 
@@ -299,9 +296,7 @@ int32_t Scan_File(HeaderScan &stScan)
         uint16_t usChar = 0;
         const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, stScan.iRawMode);
         if (iBytes < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] HeaderParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", __LINE__,
-                                iBytes);
+            LOG_PARSER("HeaderParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", iBytes);
             Set_Class(0);
             return iBytes;
         }
@@ -332,7 +327,6 @@ int32_t HeaderParser_SSA(void *hFile)
     if (Sort_CaptionFrames() == 1) return iResult;
     Clear_CaptionFrameList(); // in file order it would be of no use
     if (iResult != 1) return iResult;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] HeaderParser_SSA() - Add Frame Failed!\n",
-                        __LINE__);
+    LOG_PARSER("HeaderParser_SSA() - Add Frame Failed!\n");
     return -1;
 }

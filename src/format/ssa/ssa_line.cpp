@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "record/engine_log.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -27,9 +27,7 @@ uint32_t Parse_SSAPts(const uint16_t *pusTime, int32_t iLen)
     }
     if (uiDigits == PTS_DIGITS)
         return uiNumber / 1000000 * 3600000 + uiNumber / 10000 % 100 * 60000 + uiNumber % 10000 * 10;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] SSA PTS FORMAT is BAD! Number Argument = [%d]\n", __LINE__,
-                        static_cast<int32_t>(uiDigits));
+    LOG_PARSER("SSA PTS FORMAT is BAD! Number Argument = [%d]\n", static_cast<int32_t>(uiDigits));
     return 0;
 }
 
@@ -41,8 +39,7 @@ uint32_t Find_SSAName(std::span<const char *const> stNames, const uint16_t *pusT
     char szText[NAME_UNITS + 1] = {};
     uint16_t usBad = 0;
     if (Copy_AsciiUnits(szText, pusText, uiLen, &usBad) < uiLen) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Bad SSA LineType Name Character! [0x%04X]\n", __LINE__, usBad);
+        LOG_PARSER("Bad SSA LineType Name Character! [0x%04X]\n", usBad);
         return uiNums;
     }
     uint32_t uiName = 0;

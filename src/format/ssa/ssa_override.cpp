@@ -4,9 +4,9 @@
 
 #include "markup/colour.h"
 #include "markup/tag_command.h"
+#include "record/engine_log.h"
 #include "record/parser_state.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -102,8 +102,7 @@ bool Check_Ascii(const uint16_t *pusUnits, uint32_t uiLen)
 {
     for (uint32_t uiPos = 0; uiPos < uiLen; ++uiPos) {
         if (pusUnits[uiPos] <= 0x7F) continue;
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Bad Tag Name Character! [0x%04X]\n",
-                            __LINE__, pusUnits[uiPos]);
+        LOG_PARSER("Bad Tag Name Character! [0x%04X]\n", pusUnits[uiPos]);
         return false;
     }
     return true;
@@ -119,11 +118,6 @@ const OverrideRow *Find_Override(const uint16_t *pusName, uint32_t uiLen)
             0)
             return &stRow;
     return nullptr;
-}
-
-constexpr bool Is_Blank(uint16_t usUnit)
-{
-    return usUnit == ' ' || usUnit == '\t';
 }
 
 OverrideParam Get_Param(const uint16_t *pusUnits, uint32_t uiLen)
@@ -145,7 +139,7 @@ bool Apply_Block(const uint16_t *pusBlock, uint32_t uiLen)
     const OverrideRow *const pstRow = Find_Override(pusName, uiNameLen);
     if (pstRow == nullptr) return false;
     if (pstRow->bClosed && pusName[--uiNameLen] != '&') {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] NO Parsing TAG Type = ", __LINE__);
+        LOG_PARSER("NO Parsing TAG Type = ");
         return false;
     }
     const uint32_t uiKeyLen = static_cast<uint32_t>(std::strlen(pstRow->pszName));
@@ -158,6 +152,5 @@ bool Apply_Block(const uint16_t *pusBlock, uint32_t uiLen)
 void Apply_SSAOverride(const uint16_t *pusBlock, uint32_t uiLen)
 {
     if (Apply_Block(pusBlock, uiLen)) return;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] FrameParser_SSA() - Failed to parse the caption tag!\n", __LINE__);
+    LOG_PARSER("FrameParser_SSA() - Failed to parse the caption tag!\n");
 }

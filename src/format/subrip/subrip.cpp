@@ -7,9 +7,9 @@
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
 #include "markup/tag_command.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -71,9 +71,7 @@ uint32_t Get_Time(const TimeLine &stTime, uint32_t uiFirst)
 void Check_TimeLine(SubRipScan &stScan)
 {
     if (stScan.stTime.uiNumbers == TIME_NUMBERS) return;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                        " [%d] SUBRIP PTS FORMAT is BAD! Number Argument = [%d]\n", __LINE__,
-                        stScan.stTime.uiNumbers);
+    LOG_PARSER("SUBRIP PTS FORMAT is BAD! Number Argument = [%d]\n", stScan.stTime.uiNumbers);
     stScan.bLogged = true;
 }
 
@@ -103,8 +101,7 @@ bool Step_Number(SubRipScan &stScan, uint16_t usChar)
         Start_LineEnd(stScan);
         return true;
     }
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] Unexpected Character! (0x%02X)\n", __LINE__,
-                        usChar);
+    LOG_PARSER("Unexpected Character! (0x%02X)\n", usChar);
     stScan.bLogged = true;
     return true;
 }
@@ -153,7 +150,7 @@ LineEndStep Step_LineEnd(SubRipScan &stScan, uint16_t usChar)
     }
     stScan.eState = stScan.eReturn;
     if (stScan.uiMatched == 2) return E_LINE_END_CRLF;
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] >>>>> CR + LF is Bad! <<<<<\n", __LINE__);
+    LOG_PARSER(">>>>> CR + LF is Bad! <<<<<\n");
     stScan.bLogged = true;
     return E_LINE_END_BROKEN;
 }
@@ -323,14 +320,12 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, stInfo.llStartFilePos, 0);
 
     const uint32_t uiCurrTime = static_cast<uint32_t>(stInfo.iCurrPTS);
-    const bool bFromStart = bBackward == 1 || bBackward == 3;
+    const bool bFromStart = bBackward == E_SEEK_BACKWARD || bBackward == E_SEEK_FROM_START;
     SeekPlace stPlace = {};
     if (bFromStart) {
         const int64_t llReached = Move_ReadPosition(hFile, stInfo.llStartFilePos, E_READ_AHEAD_FULL);
         if (llReached < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] Seek_SubRip() - Failed in setting a seek position of caption file!\n",
-                                __LINE__);
+            LOG_PARSER("Seek_SubRip() - Failed in setting a seek position of caption file!\n");
             return -1;
         }
         stPlace = {llReached, llReached, 0, 0};

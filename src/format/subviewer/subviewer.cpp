@@ -5,9 +5,9 @@
 #include "format/subviewer/subviewer_usual.h"
 #include "markup/caption_text.h"
 #include "markup/tag_command.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -76,8 +76,7 @@ bool Add_TimeUnit(SubViewerScan &stScan, uint16_t usChar)
 
 void Log_BadTime(SubViewerScan &stScan)
 {
-    __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] %s() - OOPS!! ERROR!!\n", __LINE__,
-                        stScan.pszFunction);
+    LOG_PARSER("%s() - OOPS!! ERROR!!\n", stScan.pszFunction);
     stScan.bLogged = true;
 }
 
@@ -113,7 +112,7 @@ bool Step_LineEnd(SubViewerScan &stScan, uint16_t usChar)
         return false;
     }
     if (stScan.uiMatched != 2) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG, " [%d] >>>>> CR + LF is Bad! <<<<<\n", __LINE__);
+        LOG_PARSER(">>>>> CR + LF is Bad! <<<<<\n");
         stScan.bLogged = true;
     }
     stScan.eState = E_SUB_TEXT;
@@ -139,7 +138,7 @@ void End_TextLine(SubViewerScan &stScan, uint16_t usChar)
 
 void Step_Text(SubViewerScan &stScan, uint16_t usChar)
 {
-    if (usChar == ' ' || usChar == '\t') {
+    if (Is_Blank(usChar)) {
         Append_FoldedBlank();
         return;
     }
@@ -274,11 +273,9 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, llStart, 0);
 
     SeekPlace stPlace = {llStart, llStart, 0, 0};
-    if (bBackward == 1) {
+    if (bBackward == E_SEEK_BACKWARD) {
         if (Move_ReadPosition(hFile, llStart, E_READ_AHEAD_FULL) < 0) {
-            __android_log_print(
-                ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                " [%d] Seek_SubViewer() - Failed in setting a seek position of caption file!\n", __LINE__);
+            LOG_PARSER("Seek_SubViewer() - Failed in setting a seek position of caption file!\n");
             return -1;
         }
     } else {
@@ -286,7 +283,7 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
         stPlace = {Get_ReadPosition(hFile), stInfo.llCurrFilePos, uiCurrTime, uiCurrTime};
     }
     pstQuibCaptionParserInfo->uiConvLength = 0;
-    SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == 1), false};
+    SeekScan stSeek = {stPlace, Begin_SeekTrack(stPlace, uiTargetMs, bBackward == E_SEEK_BACKWARD), false};
     SubViewerScan stScan = {};
     stScan.pszFunction = SEEK_NAME;
     const auto fnTake = [&](uint16_t usChar) -> int64_t {

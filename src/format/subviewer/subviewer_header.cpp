@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "markup/caption_text.h"
+#include "record/engine_log.h"
 #include "text/char_reader.h"
 #include "text/text_helpers.h"
-#include "zyr_log.h"
 
 namespace
 {
@@ -87,15 +87,12 @@ bool Begin_Value(HeaderScan &stScan)
     uint32_t uiLen = stTag.uiTagLength - 1;
     if (uiLen > 0 && pusName[uiLen - 1] == ']') --uiLen; // a name that fills the buffer has lost it
     if (uiLen == 0 || std::any_of(pusName, pusName + uiLen, [](uint16_t usUnit) { return usUnit > 0x7F; })) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] HeaderParser_SubViewer() - Failed to parse the caption field!\n",
-                            __LINE__);
+        LOG_PARSER("HeaderParser_SubViewer() - Failed to parse the caption field!\n");
         return false;
     }
     stScan.eField = Find_Field(pusName, uiLen);
     if (stScan.eField == E_SUB_FIELD_NONE) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] HeaderParser_SubViewer() - Unknown caption field!\n", __LINE__);
+        LOG_PARSER("HeaderParser_SubViewer() - Unknown caption field!\n");
         return false;
     }
     if (stScan.eField == E_SUB_FIELD_SUBTITLE) stScan.bSubtitle = true;
@@ -228,16 +225,14 @@ int32_t HeaderParser_SubViewer(void *hFile)
     if (iDigitBytes > 0) {
         const int64_t llTold = Ask_ReadPosition(hFile, &llFirstFramePos);
         if (llTold < 0) {
-            __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                                " [%d] HeaderParser_SubViewer() - File Tell Failed! (ERROR = %d)\n", __LINE__,
-                                static_cast<int32_t>(llTold));
+            LOG_PARSER("HeaderParser_SubViewer() - File Tell Failed! (ERROR = %d)\n",
+                       static_cast<int32_t>(llTold));
             return -1;
         }
         llFirstFramePos -= iDigitBytes;
     }
     if (!stScan.bSubtitle) {
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] HeaderParser_SubViewer() - NO SUBTITLE field dectected!\n", __LINE__);
+        LOG_PARSER("HeaderParser_SubViewer() - NO SUBTITLE field dectected!\n");
         return -1;
     }
     pstQuibCaptionParserInfo->astClassInfo[0].llFirstFramePos = llFirstFramePos;
