@@ -11,49 +11,37 @@
 namespace
 {
 
+/** A tag; its id is its place in the table, the first one's 1. */
 struct HtmlTagRow {
     const char *pszName;
-    uint8_t ucTag;
-    bool bClosing; // the tag has a closing form
+    bool bSingle = false;   // the tag has no closing form
+    uint32_t uiModeBit = 0; // display mode that it sets; 0 = none
 };
 
 // clang-format off
 constexpr HtmlTagRow HtmlTagTable[] = {
-    {"B", E_HTML_TAG_B, true}, {"BASEFONT", E_HTML_TAG_BASEFONT, false}, {"BDO", E_HTML_TAG_BDO, true},
-    {"BIG", E_HTML_TAG_BIG, true}, {"BLOCKQUOTE", E_HTML_TAG_BLOCKQUOTE, true},
-    {"BR", E_HTML_TAG_BR, false}, {"CAPTION", E_HTML_TAG_CAPTION, true},
-    {"CENTER", E_HTML_TAG_CENTER, true}, {"COL", E_HTML_TAG_COL, false},
-    {"COLGROUP", E_HTML_TAG_COLGROUP, true}, {"DD", E_HTML_TAG_DD, true}, {"DIV", E_HTML_TAG_DIV, true},
-    {"DL", E_HTML_TAG_DL, true}, {"DT", E_HTML_TAG_DT, true}, {"FONT", E_HTML_TAG_FONT, true},
-    {"H1", E_HTML_TAG_H1, true}, {"H2", E_HTML_TAG_H2, true}, {"H3", E_HTML_TAG_H3, true},
-    {"H4", E_HTML_TAG_H4, true}, {"H5", E_HTML_TAG_H5, true}, {"H6", E_HTML_TAG_H6, true},
-    {"HR", E_HTML_TAG_HR, false}, {"I", E_HTML_TAG_I, true}, {"IMG", E_HTML_TAG_IMG, false},
-    {"LI", E_HTML_TAG_LI, true}, {"OL", E_HTML_TAG_OL, true}, {"P", E_HTML_TAG_P, false},
-    {"PRE", E_HTML_TAG_PRE, true}, {"Q", E_HTML_TAG_Q, true}, {"S", E_HTML_TAG_S, true},
-    {"SMALL", E_HTML_TAG_SMALL, true}, {"SPAN", E_HTML_TAG_SPAN, true},
-    {"STRIKE", E_HTML_TAG_STRIKE, true}, {"SUB", E_HTML_TAG_SUB, true}, {"SUP", E_HTML_TAG_SUP, true},
-    {"TABLE", E_HTML_TAG_TABLE, true}, {"TBODY", E_HTML_TAG_TBODY, true}, {"TD", E_HTML_TAG_TD, true},
-    {"TFOOT", E_HTML_TAG_TFOOT, true}, {"TH", E_HTML_TAG_TH, true}, {"THEAD", E_HTML_TAG_THEAD, true},
-    {"TR", E_HTML_TAG_TR, true}, {"TT", E_HTML_TAG_TT, true}, {"U", E_HTML_TAG_U, true},
-    {"UL", E_HTML_TAG_UL, true}, {"ARTICLE", E_HTML_TAG_ARTICLE, true},
-    {"ASIDE", E_HTML_TAG_ASIDE, true}, {"AUDIO", E_HTML_TAG_AUDIO, true},
-    {"CANVAS", E_HTML_TAG_CANVAS, true}, {"COMMAND", E_HTML_TAG_COMMAND, true},
-    {"DATAGRID", E_HTML_TAG_DATAGRID, true}, {"DATALIST", E_HTML_TAG_DATALIST, true},
-    {"DETAILS", E_HTML_TAG_DETAILS, true}, {"EMBED", E_HTML_TAG_EMBED, false},
-    {"FIGCAPTION", E_HTML_TAG_FIGCAPTION, true}, {"FIGURE", E_HTML_TAG_FIGURE, true},
-    {"FOOTER", E_HTML_TAG_FOOTER, true}, {"HEADER", E_HTML_TAG_HEADER, true},
-    {"HGROUP", E_HTML_TAG_HGROUP, true}, {"KEYGEN", E_HTML_TAG_KEYGEN, false},
-    {"MARK", E_HTML_TAG_MARK, true}, {"METER", E_HTML_TAG_METER, true}, {"NAV", E_HTML_TAG_NAV, true},
-    {"OUTPUT", E_HTML_TAG_OUTPUT, true}, {"PROGRESS", E_HTML_TAG_PROGRESS, true},
-    {"RP", E_HTML_TAG_RP, true}, {"RT", E_HTML_TAG_RT, true}, {"RUBY", E_HTML_TAG_RUBY, true},
-    {"SECTION", E_HTML_TAG_SECTION, true}, {"SOURCE", E_HTML_TAG_SOURCE, false},
-    {"SUMMARY", E_HTML_TAG_SUMMARY, true}, {"TIME", E_HTML_TAG_TIME, true},
-    {"VIDEO", E_HTML_TAG_VIDEO, true}, {"!--", E_HTML_TAG_COMMENT, false},
-    {"HEAD", E_HTML_TAG_HEAD, true}, {"TITLE", E_HTML_TAG_TITLE, true},
-    {"STYLE", E_HTML_TAG_STYLE, true}, {"BODY", E_HTML_TAG_BODY, true}, {"SAMI", E_HTML_TAG_SAMI, true},
-    {"SYNC", E_HTML_TAG_SYNC, false},
+    {"B", false, DISPLAY_MODE_BOLD}, {"BASEFONT", true}, {"BDO"}, {"BIG"}, {"BLOCKQUOTE"}, {"BR", true},
+    {"CAPTION"}, {"CENTER", false, DISPLAY_MODE_CENTER}, {"COL", true}, {"COLGROUP"}, {"DD"}, {"DIV"},
+    {"DL"}, {"DT"}, {"FONT"}, {"H1", false, DISPLAY_MODE_H1}, {"H2", false, DISPLAY_MODE_H2},
+    {"H3", false, DISPLAY_MODE_H3}, {"H4", false, DISPLAY_MODE_H4}, {"H5", false, DISPLAY_MODE_H5},
+    {"H6", false, DISPLAY_MODE_H6}, {"HR", true}, {"I", false, DISPLAY_MODE_ITALIC}, {"IMG", true}, {"LI"},
+    {"OL"}, {"P", true}, {"PRE"}, {"Q"}, {"S"}, {"SMALL"}, {"SPAN"}, {"STRIKE"}, {"SUB"}, {"SUP"},
+    {"TABLE"}, {"TBODY"}, {"TD"}, {"TFOOT"}, {"TH"}, {"THEAD"}, {"TR"}, {"TT"},
+    {"U", false, DISPLAY_MODE_UNDERLINE}, {"UL"}, {"ARTICLE"}, {"ASIDE"}, {"AUDIO"}, {"CANVAS"},
+    {"COMMAND"}, {"DATAGRID"}, {"DATALIST"}, {"DETAILS"}, {"EMBED", true}, {"FIGCAPTION"}, {"FIGURE"},
+    {"FOOTER"}, {"HEADER"}, {"HGROUP"}, {"KEYGEN", true}, {"MARK"}, {"METER"}, {"NAV"}, {"OUTPUT"},
+    {"PROGRESS"}, {"RUBY"}, {"RP"}, {"RT"}, {"SECTION"}, {"SOURCE", true}, {"SUMMARY"}, {"TIME"}, {"VIDEO"},
+    {"!--", true}, {"HEAD"}, {"TITLE"}, {"STYLE"}, {"BODY"}, {"SAMI"}, {"SYNC", true},
 };
 // clang-format on
+
+consteval bool Is_TagId(HtmlTag eTag, std::string_view strName)
+{
+    return HtmlTagTable[eTag - 1].pszName == strName;
+}
+static_assert(std::size(HtmlTagTable) + 1 == E_HTML_TAG_NUMS && Is_TagId(E_HTML_TAG_BR, "BR") &&
+              Is_TagId(E_HTML_TAG_FONT, "FONT") && Is_TagId(E_HTML_TAG_P, "P") &&
+              Is_TagId(E_HTML_TAG_SYNC, "SYNC"));
 
 constexpr NameIndex<256, true> s_stTagIndex(HtmlTagTable);
 
@@ -84,9 +72,9 @@ bool Parse_TagName(ParsedTag *pstTag, const uint16_t *pusTag, uint32_t uiLen)
         if (pusName[uiPos] > 0x7F) return false;
 
     const HtmlTagRow *const pstRow = s_stTagIndex.Find(HtmlTagTable, pusName, uiNameLen);
-    pstTag->uiTag = pstRow == nullptr ? static_cast<uint32_t>(E_HTML_TAG_UNKNOWN) : pstRow->ucTag;
+    pstTag->uiTag = pstRow == nullptr ? 0 : static_cast<uint32_t>(pstRow - HtmlTagTable) + 1;
     pstTag->iKind = bClosing ? TAG_KIND_CLOSE : TAG_KIND_OPEN;
-    if (pstRow == nullptr || !pstRow->bClosing) pstTag->iKind = TAG_KIND_SINGLE;
+    if (pstRow == nullptr || pstRow->bSingle) pstTag->iKind = TAG_KIND_SINGLE;
     return true;
 }
 
@@ -161,22 +149,9 @@ int32_t Apply_ParagraphTag(const TagArguments &stArguments, bool bClosing)
     return TAG_KIND_SINGLE | static_cast<int32_t>(E_HTML_TAG_P);
 }
 
-/** @return display-mode bit of a tag; 0 for tags that have none. */
 uint32_t Get_ModeBit(uint32_t uiTag)
 {
-    switch (uiTag) {
-    case E_HTML_TAG_B: return DISPLAY_MODE_BOLD;
-    case E_HTML_TAG_U: return DISPLAY_MODE_UNDERLINE;
-    case E_HTML_TAG_I: return DISPLAY_MODE_ITALIC;
-    case E_HTML_TAG_CENTER: return DISPLAY_MODE_CENTER;
-    case E_HTML_TAG_H1: return DISPLAY_MODE_H1;
-    case E_HTML_TAG_H2: return DISPLAY_MODE_H2;
-    case E_HTML_TAG_H3: return DISPLAY_MODE_H3;
-    case E_HTML_TAG_H4: return DISPLAY_MODE_H4;
-    case E_HTML_TAG_H5: return DISPLAY_MODE_H5;
-    case E_HTML_TAG_H6: return DISPLAY_MODE_H6;
-    default: return 0;
-    }
+    return HtmlTagTable[uiTag - 1].uiModeBit;
 }
 
 uint32_t Get_StyleToSave(uint32_t uiTag)

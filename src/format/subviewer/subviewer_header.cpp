@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "markup/caption_text.h"
 #include "record/engine_log.h"
@@ -12,51 +14,6 @@
 namespace
 {
 
-enum SubViewerField : int32_t {
-    E_SUB_FIELD_NONE = 0,
-    E_SUB_FIELD_INFORMATION = 1,
-    E_SUB_FIELD_TITLE = 2,
-    E_SUB_FIELD_AUTHOR = 3,
-    E_SUB_FIELD_SOURCE = 4,
-    E_SUB_FIELD_PRG = 5,
-    E_SUB_FIELD_FILEPATH = 6,
-    E_SUB_FIELD_DELAY = 7,
-    E_SUB_FIELD_CD_TRACK = 8,
-    E_SUB_FIELD_COMMENT = 9,
-    E_SUB_FIELD_END_INFORMATION = 10,
-    E_SUB_FIELD_SUBTITLE = 11,
-    E_SUB_FIELD_COLF = 12,
-    E_SUB_FIELD_STYLE = 13,
-    E_SUB_FIELD_SIZE = 14,
-    E_SUB_FIELD_FONT = 15,
-    E_SUB_FIELD_BR = 16,
-};
-
-struct SubViewerFieldRow {
-    const char *pszName; // without its brackets; nullptr marks the end row
-    SubViewerField eField;
-};
-
-constexpr SubViewerFieldRow SubViewerFieldTable[] = {
-    {"INFORMATION", E_SUB_FIELD_INFORMATION},
-    {"TITLE", E_SUB_FIELD_TITLE},
-    {"AUTHOR", E_SUB_FIELD_AUTHOR},
-    {"SOURCE", E_SUB_FIELD_SOURCE},
-    {"PRG", E_SUB_FIELD_PRG},
-    {"FILEPATH", E_SUB_FIELD_FILEPATH},
-    {"DELAY", E_SUB_FIELD_DELAY},
-    {"CD TRACK", E_SUB_FIELD_CD_TRACK},
-    {"COMMENT", E_SUB_FIELD_COMMENT},
-    {"END INFORMATION", E_SUB_FIELD_END_INFORMATION},
-    {"SUBTITLE", E_SUB_FIELD_SUBTITLE},
-    {"COLF", E_SUB_FIELD_COLF},
-    {"STYLE", E_SUB_FIELD_STYLE},
-    {"SIZE", E_SUB_FIELD_SIZE},
-    {"FONT", E_SUB_FIELD_FONT},
-    {"BR", E_SUB_FIELD_BR},
-    {nullptr, E_SUB_FIELD_NONE},
-};
-
 enum HeaderState : uint32_t {
     E_SUB_HEADER_LINE,  // outside any field
     E_SUB_HEADER_NAME,  // from a field's "[" to its "]"
@@ -64,42 +21,9 @@ enum HeaderState : uint32_t {
     E_SUB_HEADER_END,   // the first frame's first digit has been read
 };
 
-struct HeaderScan {
-    HeaderState eState;
-    SubViewerField eField; // field whose value is being read
-    bool bSubtitle;        // SUBTITLE, without which a file is no SubViewer file, has been seen
-};
+// What stores a value finds it in the tag buffer.
 
-SubViewerField Find_Field(const uint16_t *pusName, uint32_t uiLen)
-{
-    const SubViewerFieldRow *pstRow = SubViewerFieldTable;
-    while (pstRow->pszName != nullptr &&
-           !(std::strlen(pstRow->pszName) == uiLen && std::equal(pusName, pusName + uiLen, pstRow->pszName)))
-        ++pstRow;
-    return pstRow->eField;
-}
-
-/** Look the collected name, brackets and all, up. @return whether a value follows. */
-bool Begin_Value(HeaderScan &stScan)
-{
-    const TagControlInfo &stTag = *s_pstTagControlInfo;
-    const uint16_t *const pusName = stTag.ausTagBuf + 1;
-    uint32_t uiLen = stTag.uiTagLength - 1;
-    if (uiLen > 0 && pusName[uiLen - 1] == ']') --uiLen; // a name that fills the buffer has lost it
-    if (uiLen == 0 || std::any_of(pusName, pusName + uiLen, [](uint16_t usUnit) { return usUnit > 0x7F; })) {
-        LOG_PARSER("HeaderParser_SubViewer() - Failed to parse the caption field!\n");
-        return false;
-    }
-    stScan.eField = Find_Field(pusName, uiLen);
-    if (stScan.eField == E_SUB_FIELD_NONE) {
-        LOG_PARSER("HeaderParser_SubViewer() - Unknown caption field!\n");
-        return false;
-    }
-    if (stScan.eField == E_SUB_FIELD_SUBTITLE) stScan.bSubtitle = true;
-    return true;
-}
-
-/** Store the collected value as a number; an empty one counts as 0. */
+/** Store a number; an empty value counts as 0. */
 void Store_Number(uint32_t &uiTarget)
 {
     const uint16_t *const pusValue = s_pstTagControlInfo->ausTagBuf;
@@ -112,8 +36,8 @@ void Store_Number(uint32_t &uiTarget)
     uiTarget = uiNumber;
 }
 
-/** Store the collected value, "&H" and six hexadecimal digits, as the number that the digits spell. */
-void Store_Colour(uint32_t &uiTarget)
+/** Store "&H" and six hexadecimal digits as the number that the digits spell. */
+void Store_Colour(SubViewerHeaderInfo &stHeader)
 {
     constexpr uint32_t COLOUR_VALUE_UNITS = 8;
     const uint16_t *const pusValue = s_pstTagControlInfo->ausTagBuf;
@@ -126,10 +50,10 @@ void Store_Colour(uint32_t &uiTarget)
         if (iDigit < 0) return;
         uiNumber = (uiNumber << 4) | static_cast<uint32_t>(iDigit);
     }
-    uiTarget = uiNumber;
+    stHeader.uiColf = uiNumber;
 }
 
-/** Store the collected value as the font's name, cut to what the record holds. */
+/** Store the font's name, cut to what the record holds. */
 void Store_FontName(SubViewerHeaderInfo &stHeader)
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
@@ -137,16 +61,59 @@ void Store_FontName(SubViewerHeaderInfo &stHeader)
     std::copy_n(stTag.ausTagBuf, stHeader.uiFontNameLength, stHeader.ausFontName);
 }
 
-void Store_Value(SubViewerField eField)
+/** A field of the header. */
+struct FieldRow {
+    const char *pszName; // without its brackets
+    void (*pfStore)(SubViewerHeaderInfo &stHeader) = nullptr;
+};
+
+constexpr FieldRow FieldTable[] = {
+    {"DELAY", [](SubViewerHeaderInfo &stHeader) { Store_Number(stHeader.uiDelay); }},
+    {"SIZE", [](SubViewerHeaderInfo &stHeader) { Store_Number(stHeader.uiSize); }},
+    {"COLF", Store_Colour},
+    {"FONT", Store_FontName},
+    {"SUBTITLE"},
+    {"INFORMATION"},
+    {"TITLE"},
+    {"AUTHOR"},
+    {"SOURCE"},
+    {"PRG"},
+    {"FILEPATH"},
+    {"CD TRACK"},
+    {"COMMENT"},
+    {"END INFORMATION"},
+    {"STYLE"},
+    {"BR"},
+};
+
+struct HeaderScan {
+    HeaderState eState;
+    const FieldRow *pstField; // whose value is being read
+    bool bSubtitle;           // SUBTITLE, without which a file is no SubViewer file, has been seen
+};
+
+/** Look the collected name, brackets and all, up. @return whether a value follows. */
+bool Begin_Value(HeaderScan &stScan)
 {
-    SubViewerHeaderInfo &stHeader = pstQuibCaptionParserInfo->stSubViewerInfo;
-    switch (eField) {
-    case E_SUB_FIELD_DELAY: Store_Number(stHeader.uiDelay); break;
-    case E_SUB_FIELD_SIZE: Store_Number(stHeader.uiSize); break;
-    case E_SUB_FIELD_COLF: Store_Colour(stHeader.uiColf); break;
-    case E_SUB_FIELD_FONT: Store_FontName(stHeader); break;
-    default: break;
+    const TagControlInfo &stTag = *s_pstTagControlInfo;
+    const uint16_t *const pusName = stTag.ausTagBuf + 1;
+    uint32_t uiLen = stTag.uiTagLength - 1;
+    if (uiLen > 0 && pusName[uiLen - 1] == ']') --uiLen; // a name that fills the buffer has lost it
+    if (uiLen == 0 || std::any_of(pusName, pusName + uiLen, [](uint16_t usUnit) { return usUnit > 0x7F; })) {
+        LOG_PARSER("HeaderParser_SubViewer() - Failed to parse the caption field!\n");
+        return false;
     }
+    const auto fnIsNamed = [=](const FieldRow &stRow) {
+        const std::string_view strName = stRow.pszName;
+        return std::equal(pusName, pusName + uiLen, strName.begin(), strName.end());
+    };
+    stScan.pstField = std::find_if(std::begin(FieldTable), std::end(FieldTable), fnIsNamed);
+    if (stScan.pstField == std::end(FieldTable)) {
+        LOG_PARSER("HeaderParser_SubViewer() - Unknown caption field!\n");
+        return false;
+    }
+    if (std::strcmp(stScan.pstField->pszName, "SUBTITLE") == 0) stScan.bSubtitle = true;
+    return true;
 }
 
 // One function per state. The collector's length also tells whether a character of the line has been seen: a
@@ -186,7 +153,8 @@ HeaderState Step_Value(const HeaderScan &stScan, uint16_t usChar)
         Collect_TagUnit(usChar, TAG_TEXT_UNITS);
         return E_SUB_HEADER_VALUE;
     }
-    Store_Value(stScan.eField);
+    if (stScan.pstField->pfStore != nullptr)
+        stScan.pstField->pfStore(pstQuibCaptionParserInfo->stSubViewerInfo);
     s_pstTagControlInfo->uiTagLength = 0;
     return E_SUB_HEADER_LINE;
 }
@@ -219,7 +187,7 @@ int32_t HeaderParser_SubViewer(void *hFile)
 {
     if (!Is_HeaderReady()) return -1;
     s_pstTagControlInfo->uiTagLength = 0;
-    HeaderScan stScan = {E_SUB_HEADER_LINE, E_SUB_FIELD_NONE, false};
+    HeaderScan stScan = {E_SUB_HEADER_LINE, nullptr, false};
     const int32_t iDigitBytes = Scan_Header(hFile, stScan);
     int64_t llFirstFramePos = -1;
     if (iDigitBytes > 0) {
