@@ -33,7 +33,7 @@ uint32_t s_uiRoom = 0;           // places that there is memory for
 uint32_t s_uiPlaces = 0;
 uint32_t s_uiSettled = 0;                   // blocks from the first one on that are all quiet
 int64_t s_llBlockBytes = FIRST_BLOCK_BYTES; // least length of a block
-bool s_bInStep = true;                      // the reader stands at the ends of entries
+bool s_bInStep = true;                      // where the reader goes on is the end of an entry
 
 /** What the places are of. */
 struct IndexedFile {
@@ -194,11 +194,6 @@ void Forget_SeekPlaces()
     s_bInStep = true;
 }
 
-void Lose_SeekStep()
-{
-    s_bInStep = false;
-}
-
 SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bAtStart)
 {
     Forget_OtherFile();
@@ -247,7 +242,7 @@ int64_t Reach_SeekPlace(SeekTrack &stTrack, SeekPlace &stPlace, void *hFile)
 
 int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)
 {
-    Lose_SeekStep();
+    s_bInStep = false;
     LOG_PARSER("%s() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n", pszSeek,
                static_cast<int32_t>(llReached));
     return -1;
@@ -255,14 +250,14 @@ int32_t Fail_SeekMove(const char *pszSeek, int64_t llReached)
 
 int32_t Fail_Read(const char *pszParser, int32_t iResult)
 {
-    if (iResult != NO_CAPTION_DATA) Lose_SeekStep(); // the end of the data is a place like any other
+    if (iResult != NO_CAPTION_DATA) s_bInStep = false; // the end of the data is a place like any other
     LOG_PARSER("%s() - Get_CharCode() Failed! (ERROR = %d)\n", pszParser, iResult);
     return iResult;
 }
 
-int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t uiTime)
+int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t uiTime, ReadAhead eReadAhead)
 {
-    const int64_t llReached = Move_ReadPosition(hFile, llPos, E_READ_AHEAD_FULL);
+    const int64_t llReached = Move_ReadPosition(hFile, llPos, eReadAhead);
     if (llReached < 0) return Fail_SeekMove(pszSeek, llReached);
     pstQuibCaptionParserInfo->llCurrFilePos = llPos;
     pstQuibCaptionParserInfo->iCurrPTS = static_cast<int32_t>(uiTime);

@@ -43,9 +43,6 @@ constexpr uint32_t NO_SEEK_BLOCK = UINT32_MAX;
 /** Forget everything, and give its memory back. */
 void Forget_SeekPlaces();
 
-/** The reader has lost its step: where it goes on need not be the end of an entry. */
-void Lose_SeekStep();
-
 /** Begin a scan at a place. @param[in] bAtStart  the place is where the stream's first entry begins */
 SeekTrack Begin_SeekTrack(const SeekPlace &stPlace, uint32_t uiTargetMs, bool bAtStart);
 
@@ -94,7 +91,8 @@ int32_t Fail_Read(const char *pszParser, int32_t iResult);
 
 /** End a seek: let reading go on from a position, with a time as the last handled one. @return 1, or -1
  * (logged) */
-int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t uiTime);
+int32_t Resume_Reading(const char *pszSeek, void *hFile, int64_t llPos, uint32_t uiTime,
+                       ReadAhead eReadAhead);
 
 /**
  * Scan until an entry starts after the target, or the data ends, and let reading go on from the place reached.
@@ -127,5 +125,6 @@ int32_t Scan_ToTarget(SeekScan &stSeek, void *hFile, const char *pszSeek, const 
         llReached = fnTake(usChar);
     }
     if (llReached < 0) return Fail_SeekMove(pszSeek, llReached);
-    return Resume_Reading(pszSeek, hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime);
+    return Resume_Reading(pszSeek, hFile, stSeek.stPlace.llPrevPos, stSeek.stPlace.uiPrevTime,
+                          E_READ_AHEAD_FULL);
 }

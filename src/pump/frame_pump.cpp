@@ -19,19 +19,10 @@ constexpr int32_t NO_FRAME = -2;
 constexpr int32_t PARSED_FRAME = 1;
 constexpr int32_t PARSED_LAST_FRAME = -6;
 
-constexpr uint32_t CONV_BUF_BYTES = CONV_BUF_UNITS * sizeof(uint16_t);
+#define LOG_SEEK(szText)                                                                                     \
+    __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG, "[Caption][%d] " szText, __LINE__)
+
 constexpr uint32_t LINE_LENGTH_BYTES = ZYR_LINE_MAX * sizeof(uint32_t);
-
-template <typename Type>
-Type *Allocate(uint32_t uiBytes)
-{
-    return static_cast<Type *>(ZYR_malloc(uiBytes));
-}
-
-void Log_NoConvertBuffer()
-{
-    LOG_HANDLER("QUIB_CAPTION_Open() - Convert Buffer Memory allocation Error!\n");
-}
 
 void Log_ParsingFailed()
 {
@@ -80,13 +71,6 @@ bool Has_SeveralStreams()
     return Get_FormatHooks().pfChooseStream != nullptr;
 }
 
-/** Prepare_CaptionFrame() without taking the chosen stream's last lines away. */
-void Prepare_Keeping_Lines()
-{
-    Prepare_Stream();
-    Clear_OutputBlock();
-}
-
 void Copy_Back()
 {
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
@@ -112,11 +96,37 @@ const CaptionParser *Get_FrameParser()
     return nullptr;
 }
 
-/** Run the frame parser for one of several frames. @return whether there is a frame; a failure is logged. */
-bool Parse_OneOfSeveral(const CaptionParser *pstParser)
+/** Parse one of several frames. @return whether there is one; a failure is logged. */
+bool Take_OneOfSeveral(const CaptionParser *pstParser)
 {
-    if (Is_Frame(pstParser->pfFrameParser())) return true;
-    Log_ParsingFailed();
+    if (!Is_Frame(pstParser->pfFrameParser())) {
+        Log_ParsingFailed();
+        return false;
+    }
+    Finish_CaptionLines(pstQuibCaptionParserInfo->uiCurrStream);
+    Copy_Back();
+    return true;
+}
+
+/** Make the record, its buffers and the first stream's. @return false without memory (logged). */
+bool Make_Record()
+{
+    auto *const pstInfo = static_cast<QuibCaptionParserInfo *>(ZYR_malloc(sizeof(QuibCaptionParserInfo)));
+    pstQuibCaptionParserInfo = pstInfo;
+    if (pstInfo != nullptr) {
+        *pstInfo = {};
+        pstInfo->pusConvBuf = static_cast<uint16_t *>(ZYR_malloc(CONV_BUF_UNITS * sizeof(uint16_t)));
+    }
+    if (pstInfo != nullptr && pstInfo->pusConvBuf != nullptr)
+        pstInfo->puiLineLength = static_cast<uint32_t *>(ZYR_malloc(LINE_LENGTH_BYTES));
+    if (pstInfo == nullptr || pstInfo->puiLineLength == nullptr) {
+        LOG_HANDLER("QUIB_CAPTION_Open() - Convert Buffer Memory allocation Error!\n");
+        return false;
+    }
+    std::memset(pstInfo->puiLineLength, 0, LINE_LENGTH_BYTES);
+    pstInfo->astStreamInfo[0].pucStreamBuf = static_cast<uint8_t *>(ZYR_malloc(STREAM_BUF_BYTES));
+    if (pstInfo->astStreamInfo[0].pucStreamBuf != nullptr) return true;
+    LOG_HANDLER("QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n");
     return false;
 }
 
@@ -129,15 +139,12 @@ bool Seek_Stream(uint32_t uiStream, uint32_t uiTargetMs)
     Load_Stream(uiStream);
     const auto pfSeek = CaptionParserTable[s_eCaptionFormat].pfSeek;
     if (pfSeek == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[Caption][%d] QUIB_CAPTION_SeekCaptionFrame() - It is NOT a seek function!\n",
-                            __LINE__);
+        LOG_SEEK("QUIB_CAPTION_SeekCaptionFrame() - It is NOT a seek function!\n");
         return true;
     }
     const bool bBackward = static_cast<uint32_t>(stState.iCurrPTS) >= uiTargetMs;
     if (pfSeek(uiTargetMs, bBackward ? E_SEEK_BACKWARD : E_SEEK_FORWARD, stState.iCurrPTS, &stInfo) != 1) {
-        __android_log_print(ZYR_LOG_ERROR, HANDLER_LOG_TAG,
-                            "[Caption][%d] QUIB_CAPTION_SeekCaptionFrame() is failed!\n", __LINE__);
+        LOG_SEEK("QUIB_CAPTION_SeekCaptionFrame() is failed!\n");
         return false;
     }
     stState.iCurrPTS = stInfo.iCurrPTS;
@@ -156,26 +163,8 @@ int32_t QUIB_CAPTION_Open(void)
         Close_SubtitleFile();
         s_eCaptionFormat = E_CAPTION_FORMAT_NONE;
     }
-    QuibCaptionParserInfo *const pstInfo = Allocate<QuibCaptionParserInfo>(sizeof(QuibCaptionParserInfo));
-    pstQuibCaptionParserInfo = pstInfo;
-    if (pstInfo == nullptr) {
-        Log_NoConvertBuffer();
-        return -1;
-    }
-    std::memset(pstInfo, 0, sizeof(*pstInfo));
-    pstInfo->pusConvBuf = Allocate<uint16_t>(CONV_BUF_BYTES);
-    if (pstInfo->pusConvBuf != nullptr) pstInfo->puiLineLength = Allocate<uint32_t>(LINE_LENGTH_BYTES);
-    if (pstInfo->puiLineLength == nullptr) {
-        Log_NoConvertBuffer();
-        return -1;
-    }
-    std::memset(pstInfo->puiLineLength, 0, LINE_LENGTH_BYTES);
-    pstInfo->astStreamInfo[0].pucStreamBuf = Allocate<uint8_t>(STREAM_BUF_BYTES);
-    if (pstInfo->astStreamInfo[0].pucStreamBuf == nullptr) {
-        LOG_HANDLER("QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n");
-        return -1;
-    }
-    if (QuibCaptionParser_Create_MemoryBuffers(CONV_BUF_UNITS, ZYR_LINE_MAX, STREAM_BUF_BYTES) != 1)
+    if (!Make_Record() ||
+        QuibCaptionParser_Create_MemoryBuffers(CONV_BUF_UNITS, ZYR_LINE_MAX, STREAM_BUF_BYTES) != 1)
         return -1;
     std::memset(s_astLineTable, 0, sizeof(s_astLineTable));
     Forget_StreamBuffers();
@@ -199,7 +188,8 @@ void QUIB_CAPTION_Close(void)
 
 void Prepare_CaptionFrame()
 {
-    Prepare_Keeping_Lines();
+    Prepare_Stream();
+    Clear_OutputBlock();
     Clear_LineTable(pstQuibCaptionParserInfo->uiCurrStream);
 }
 
@@ -231,22 +221,21 @@ int32_t QUIB_CAPTION_ParsingProcessEx(void)
     int32_t iBestPTS = NO_NEXT_PTS;
     uint32_t uiPrevStream = ZYR_STREAM_MAX;
     for (uint32_t uiFrames = 0; uiFrames < stInfo.uiStreamNums; ++uiFrames) {
-        Prepare_Keeping_Lines();
+        Prepare_Stream(); // a stream whose turn has not come keeps its lines
+        Clear_OutputBlock();
         if (Has_SeveralStreams()) {
             if (stInfo.iNextPTS > iBestPTS) break; // the other streams' frames come later
             iBestPTS = stInfo.iNextPTS;
         }
         if (stInfo.uiCurrStream == uiPrevStream) break;
         Clear_LineTable(stInfo.uiCurrStream);
-        if (!Parse_OneOfSeveral(pstParser)) {
+        if (!Take_OneOfSeveral(pstParser)) {
             if (uiFrames > 0)
                 Display_LineBitmapDataToDisplayBufferEx();
             else
                 Log_ParsingFailed(); // the moment as a whole has failed, too
             return NO_FRAME;
         }
-        Finish_CaptionLines(stInfo.uiCurrStream);
-        Copy_Back();
         uiPrevStream = stInfo.uiCurrStream;
     }
     Display_LineBitmapDataToDisplayBufferEx();
@@ -263,9 +252,7 @@ int32_t QUIB_CAPTION_PreParsingProcessEx(int32_t iTargetMs)
         Prepare_CaptionFrame();
         if (Has_SeveralStreams() && stInfo.iNextPTS >= iTargetMs) break;
         if (stInfo.uiCurrStream == uiPrevStream) break;
-        if (!Parse_OneOfSeveral(pstParser)) return NO_FRAME;
-        Finish_CaptionLines(stInfo.uiCurrStream);
-        Copy_Back();
+        if (!Take_OneOfSeveral(pstParser)) return NO_FRAME;
         uiPrevStream = stInfo.uiCurrStream;
     }
     return FRAME_READY;

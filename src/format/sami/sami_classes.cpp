@@ -124,7 +124,19 @@ void Fold_OtherClasses()
     }
 }
 
+void Merge_SparseLanguages()
+{
+    Fold_FirstClass();
+    Fold_OtherClasses();
+}
+
 } // namespace
+
+void Clean_SamiClasses()
+{
+    Merge_UndefinedLanguage();
+    Merge_SparseLanguages();
+}
 
 uint32_t Find_NextFrame(uint32_t uiClass)
 {
@@ -181,18 +193,6 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
         Get_Class(uiClass) = Get_Class(uiClass + 1);
     --pstQuibCaptionParserInfo->uiClassNums;
     return 1;
-}
-
-void Merge_SparseLanguages()
-{
-    Fold_FirstClass();
-    Fold_OtherClasses();
-}
-
-void Clean_SamiClasses()
-{
-    Merge_UndefinedLanguage();
-    Merge_SparseLanguages();
 }
 
 void Choose_EarliestStream()

@@ -17,10 +17,8 @@ uint32_t Find_NextFrame(uint32_t uiClass);
 /** Put the cursor of a class before all frames. */
 void Rewind_ClassCursor(uint32_t uiClass);
 
-/** Fold classes of few frames into the first well-filled one. Failures are logged; the classes then stay. */
-void Merge_SparseLanguages();
-
-/** The same, and a small class of frames without a name into a named one before. */
+/** Fold a small class of frames without a name into a named one, then classes of few frames into the first
+ * well-filled one. Failures are logged; the classes then stay. */
 void Clean_SamiClasses();
 
 /** Choose the stream whose next frame is earliest; the first one on equal times, the current one when none has a

@@ -9,6 +9,7 @@
 #include "format/sami/sami_index.h"
 #include "format/sami/sami_skip.h"
 #include "format/sami/sami_usual.h"
+#include "format/seek_index.h"
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
 #include "record/engine_log.h"
@@ -383,8 +384,7 @@ void Read_Unit(SamiFrame &stFrame)
         if (stFrame.eState < E_FRAME_TEXT) Note_EndOfFile(stFrame);
         End_Frame(stFrame, stFrame.eState < E_FRAME_TEXT ? NO_CAPTION_DATA : 1);
     } else {
-        LOG_PARSER("FrameParser_SAMI() - Get_CharCode() Failed! (ERROR = %d)\n", iResult);
-        End_Frame(stFrame, iResult);
+        End_Frame(stFrame, Fail_Read(FRAME_PARSER_NAME, iResult));
     }
 }
 
@@ -418,18 +418,11 @@ int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPT
 {
     if (!Is_StreamReady()) return -1;
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     if (s_uiFrameInfoNums == 0 || stInfo.uiCurrClass >= ZYR_CLASS_MAX) return -1;
     const uint32_t uiPick = Find_FrameBefore(stInfo.uiCurrClass, uiTargetMs);
     const SamiFrameInfo &stPick = s_pstFrameInfoArray[uiPick];
     s_auiClassFrameCursor[stInfo.uiCurrClass] = uiPick;
-    const int64_t llReached = Move_ReadPosition(hFile, stPick.llFilePos, E_READ_AHEAD_SHORT);
-    if (llReached < 0) {
-        LOG_PARSER("Seek_SAMI() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n",
-                   static_cast<int32_t>(llReached));
-        return -1;
-    }
-    stInfo.llCurrFilePos = stPick.llFilePos;
-    stInfo.iCurrPTS = static_cast<int32_t>(static_cast<uint32_t>(stPick.iPTS) - 1u);
-    return 1;
+    return Resume_Reading("Seek_SAMI", hFile, stPick.llFilePos, static_cast<uint32_t>(stPick.iPTS) - 1,
+                          E_READ_AHEAD_SHORT);
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "format/seek_index.h"
 #include "format/ssa/frame_list.h"
 #include "format/ssa/ssa_fields.h"
 #include "format/ssa/ssa_line.h"
@@ -176,10 +177,7 @@ int32_t Read_Line(void *hFile)
     while (!stScan.bLineEnd) {
         uint16_t usChar = 0;
         const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
-        if (iResult < 0) {
-            LOG_PARSER("FrameParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", iResult);
-            return iResult;
-        }
+        if (iResult < 0) return Fail_Read("FrameParser_SSA", iResult);
         if (iResult == 0) {
             Mark_EndOfData();
             break;
@@ -238,30 +236,22 @@ int32_t Seek_SSA(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,
                  QuibCaptionParserInfo * /*pstInfo*/)
 {
     if (!Is_StreamReady()) return -1;
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
+    const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     int64_t llPos = stInfo.llCurrFilePos;
-    int32_t iTime = stInfo.iCurrPTS;
+    uint32_t uiTime = static_cast<uint32_t>(stInfo.iCurrPTS);
     if (uiTargetMs == 0) {
         s_stCaptionFrameList.uiCurrNode = 1; // the first one, or the tail
         llPos = stInfo.llStartFilePos;
-        iTime = 0;
+        uiTime = 0;
     } else if (const CaptionFrameNode *const pstNode = Move_Cursor(uiTargetMs, bBackward)) {
         llPos = pstNode->llFilePos;
-        iTime = static_cast<int32_t>(pstNode->uiPTS);
+        uiTime = pstNode->uiPTS;
     }
     if (llPos < 0) {
         LOG_PARSER("Seek_SSA() - Parse_GetCurrFrameFilePos() Failed! (ERROR = %d)\n",
                    static_cast<int32_t>(llPos));
         return -1;
     }
-    const int64_t llReached =
-        Move_ReadPosition(QUIBCAPTCB_GetFileHandleOfSubtitle(), llPos, E_READ_AHEAD_SHORT);
-    if (llReached < 0) {
-        LOG_PARSER("Seek_SSA() - QUIBCAPTCB_FileSeek() Failed! (ERROR = %d)\n",
-                   static_cast<int32_t>(llReached));
-        return -1;
-    }
-    stInfo.llCurrFilePos = llPos;
-    stInfo.iCurrPTS = iTime;
-    return 1;
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    return Resume_Reading("Seek_SSA", hFile, llPos, uiTime, E_READ_AHEAD_SHORT);
 }

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "format/seek_index.h"
 #include "format/ssa/frame_list.h"
 #include "format/ssa/ssa_line.h"
 #include "format/ssa/ssa_usual.h"
@@ -296,9 +297,8 @@ int32_t Scan_File(HeaderScan &stScan)
         uint16_t usChar = 0;
         const int32_t iBytes = Get_CharCode(stScan.hFile, &usChar, stScan.iRawMode);
         if (iBytes < 0) {
-            LOG_PARSER("HeaderParser_SSA() - Get_CharCode() Failed! (ERROR = %d)\n", iBytes);
             Set_Class(0);
-            return iBytes;
+            return Fail_Read("HeaderParser_SSA", iBytes);
         }
         if (iBytes == 0) {
             Mark_EndOfData();

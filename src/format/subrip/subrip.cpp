@@ -317,7 +317,7 @@ int32_t Seek_SubRip(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*
     if (!Is_StreamReady()) return -1;
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
-    if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, stInfo.llStartFilePos, 0);
+    if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, stInfo.llStartFilePos, 0, E_READ_AHEAD_FULL);
 
     const uint32_t uiCurrTime = static_cast<uint32_t>(stInfo.iCurrPTS);
     const bool bFromStart = bBackward == E_SEEK_BACKWARD || bBackward == E_SEEK_FROM_START;

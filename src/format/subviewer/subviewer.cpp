@@ -270,7 +270,7 @@ int32_t Seek_SubViewer(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrP
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     const int64_t llStart = stInfo.llStartFilePos;
-    if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, llStart, 0);
+    if (uiTargetMs == 0) return Resume_Reading(SEEK_NAME, hFile, llStart, 0, E_READ_AHEAD_FULL);
 
     SeekPlace stPlace = {llStart, llStart, 0, 0};
     if (bBackward == E_SEEK_BACKWARD) {
