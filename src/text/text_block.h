@@ -1,7 +1,7 @@
 /*
  * Sixteen bytes of text at a step: which of them are equal to, below or from a value on? An answer has its
- * machine's own form; Get_Bits() makes it a bit for each byte, the first one lowest. One form for SSE2, one for
- * NEON, and one on words of any size for every other little-endian machine.
+ * machine's own form; Get_Bits() makes it a bit for each byte, the first one lowest. One form for SSE2 and NEON,
+ * and one on words of any size for every other little-endian machine.
  */
 #pragma once
 
@@ -11,10 +11,10 @@
 
 #if defined(ZYR_NO_SIMD)
 #elif defined(__SSE2__)
-#define ZYR_BLOCK_SSE2
+#define ZYR_BLOCK_VECTOR
 #include <emmintrin.h>
 #elif defined(__ARM_NEON)
-#define ZYR_BLOCK_NEON
+#define ZYR_BLOCK_VECTOR
 #include <arm_neon.h>
 #endif
 
@@ -34,45 +34,38 @@ struct WordBlock {
     static constexpr Word UNIT_TOPS = UNIT_ONES * 0x8000;
 
     struct Hits {
-        Word aHit[WORDS];
+        Word aWord[WORDS];
+        template <typename Join>
+        Hits With(const Hits &stOther, const Join &fnJoin) const
+        {
+            Hits stJoined;
+            for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
+                stJoined.aWord[uiWord] = fnJoin(aWord[uiWord], stOther.aWord[uiWord]);
+            return stJoined;
+        }
         Hits operator|(const Hits &stOther) const
         {
-            Hits stBoth;
-            for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
-                stBoth.aHit[uiWord] = aHit[uiWord] | stOther.aHit[uiWord];
-            return stBoth;
+            return With(stOther, [](Word uiOwn, Word uiOther) { return uiOwn | uiOther; });
         }
         Hits operator&(const Hits &stOther) const
         {
-            Hits stBoth;
-            for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
-                stBoth.aHit[uiWord] = aHit[uiWord] & stOther.aHit[uiWord];
-            return stBoth;
+            return With(stOther, [](Word uiOwn, Word uiOther) { return uiOwn & uiOther; });
         }
         Hits Without(const Hits &stOther) const
         {
-            Hits stRest;
-            for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
-                stRest.aHit[uiWord] = aHit[uiWord] & ~stOther.aHit[uiWord];
-            return stRest;
+            return With(stOther, [](Word uiOwn, Word uiOther) { return uiOwn & ~uiOther; });
         }
     };
-    Word aWord[WORDS];
+    Hits stBytes;
 
     static WordBlock Load(const uint8_t *pucBytes)
     {
         WordBlock stBlock;
-        std::memcpy(stBlock.aWord, pucBytes, BLOCK_BYTES);
+        std::memcpy(&stBlock, pucBytes, BLOCK_BYTES);
         return stBlock;
     }
-    void Store(uint8_t *pucBytes) const { std::memcpy(pucBytes, aWord, BLOCK_BYTES); }
-    WordBlock operator|(const WordBlock &stOther) const
-    {
-        WordBlock stBoth;
-        for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
-            stBoth.aWord[uiWord] = aWord[uiWord] | stOther.aWord[uiWord];
-        return stBoth;
-    }
+    void Store(uint8_t *pucBytes) const { std::memcpy(pucBytes, this, BLOCK_BYTES); }
+    WordBlock operator|(const WordBlock &stOther) const { return {stBytes | stOther.stBytes}; }
 
     Hits Find_Equal(uint8_t ucByte) const
     {
@@ -122,11 +115,9 @@ struct WordBlock {
     }
     WordBlock Get_SwappedUnits() const
     {
-        WordBlock stBlock;
-        for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
-            stBlock.aWord[uiWord] =
-                (aWord[uiWord] & (UNIT_ONES * 0xFF)) << 8 | (aWord[uiWord] >> 8 & (UNIT_ONES * 0xFF));
-        return stBlock;
+        return {Ask([](Word uiWord) {
+            return (uiWord & (UNIT_ONES * 0xFF)) << 8 | (uiWord >> 8 & (UNIT_ONES * 0xFF));
+        })};
     }
 
     /** Sixteen units as bytes: those beyond a byte become 0xFF, or 0 from 0x8000 on. */
@@ -134,8 +125,8 @@ struct WordBlock {
     {
         uint8_t aucByte[BLOCK_BYTES];
         uint16_t ausUnit[BLOCK_BYTES];
-        std::memcpy(ausUnit, stFirst.aWord, BLOCK_BYTES);
-        std::memcpy(ausUnit + BLOCK_BYTES / 2, stSecond.aWord, BLOCK_BYTES);
+        stFirst.Store(reinterpret_cast<uint8_t *>(ausUnit));
+        stSecond.Store(reinterpret_cast<uint8_t *>(ausUnit + BLOCK_BYTES / 2));
         for (uint32_t uiUnit = 0; uiUnit < BLOCK_BYTES; ++uiUnit) {
             const uint32_t uiBeyond = ausUnit[uiUnit] < 0x8000 ? 0xFF : 0;
             aucByte[uiUnit] = static_cast<uint8_t>(ausUnit[uiUnit] > 0xFF ? uiBeyond : ausUnit[uiUnit]);
@@ -149,12 +140,9 @@ struct WordBlock {
      */
     WordBlock Get_Misfits(const WordBlock &stText, const WordBlock &stBits, const WordBlock &stSlack) const
     {
-        WordBlock stMisfits;
-        for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord) {
-            const Word uiDiff = (aWord[uiWord] ^ stText.aWord[uiWord]) & stBits.aWord[uiWord];
-            stMisfits.aWord[uiWord] = uiDiff | (uiDiff + stSlack.aWord[uiWord]);
-        }
-        return stMisfits;
+        const auto fnDiff = [](Word uiOwn, Word uiOther) { return uiOwn ^ uiOther; };
+        const auto fnSlack = [](Word uiDiff, Word uiSlack) { return uiDiff | (uiDiff + uiSlack); };
+        return {(stBytes.With(stText.stBytes, fnDiff) & stBits.stBytes).With(stSlack.stBytes, fnSlack)};
     }
 
     /** @return a bit for each byte from 0x80 on. */
@@ -168,7 +156,7 @@ struct WordBlock {
         constexpr Word GATHER = static_cast<Word>(WORD_BYTES == 8 ? 0x0102040810204080u : 0x10204080u);
         uint32_t uiBits = 0;
         for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord) {
-            const Word uiGathered = (stHits.aHit[uiWord] >> 7) * GATHER;
+            const Word uiGathered = (stHits.aWord[uiWord] >> 7) * GATHER;
             uiBits |= static_cast<uint32_t>(uiGathered >> (8 * WORD_BYTES - WORD_BYTES))
                       << uiWord * WORD_BYTES;
         }
@@ -183,122 +171,94 @@ private:
     {
         Hits stHits;
         for (uint32_t uiWord = 0; uiWord < WORDS; ++uiWord)
-            stHits.aHit[uiWord] = static_cast<Word>(fnQuestion(aWord[uiWord]));
+            stHits.aWord[uiWord] = static_cast<Word>(fnQuestion(stBytes.aWord[uiWord]));
         return stHits;
     }
 };
 
-#if defined(ZYR_BLOCK_SSE2)
+#if defined(ZYR_BLOCK_VECTOR)
 
-struct Sse2Block {
+/** A block in a register. An answer has all bits of a byte set that hits. */
+struct VectorBlock {
+    using Bytes = uint8_t __attribute__((vector_size(BLOCK_BYTES)));
+    typedef uint8_t UnalignedBytes __attribute__((vector_size(BLOCK_BYTES), aligned(1), may_alias));
+    using SignedBytes = int8_t __attribute__((vector_size(BLOCK_BYTES)));
+    using Units = uint16_t __attribute__((vector_size(BLOCK_BYTES)));
+
     struct Hits {
-        __m128i stHit;
-        friend Hits operator|(Hits stA, Hits stB) { return {_mm_or_si128(stA.stHit, stB.stHit)}; }
-        friend Hits operator&(Hits stA, Hits stB) { return {_mm_and_si128(stA.stHit, stB.stHit)}; }
-        Hits Without(Hits stOther) const { return {_mm_andnot_si128(stOther.stHit, stHit)}; }
+        Bytes stHit;
+        Hits operator|(Hits stOther) const { return {stHit | stOther.stHit}; }
+        Hits operator&(Hits stOther) const { return {stHit & stOther.stHit}; }
+        Hits Without(Hits stOther) const { return {stHit & ~stOther.stHit}; }
     };
-    __m128i stBytes;
+    Bytes stBytes;
 
-    static Sse2Block Load(const uint8_t *pucBytes)
+    static VectorBlock Load(const uint8_t *pucBytes)
     {
-        return {_mm_loadu_si128(reinterpret_cast<const __m128i *>(pucBytes))};
+        return {*reinterpret_cast<const UnalignedBytes *>(pucBytes)};
     }
-    void Store(uint8_t *pucBytes) const { _mm_storeu_si128(reinterpret_cast<__m128i *>(pucBytes), stBytes); }
-    Sse2Block operator|(const Sse2Block &stOther) const { return {_mm_or_si128(stBytes, stOther.stBytes)}; }
-    Hits Find_Equal(uint8_t ucByte) const { return {_mm_cmpeq_epi8(stBytes, All(ucByte))}; }
-    Hits Find_Below(uint8_t ucBound) const
+    void Store(uint8_t *pucBytes) const { *reinterpret_cast<UnalignedBytes *>(pucBytes) = stBytes; }
+    VectorBlock operator|(VectorBlock stOther) const { return {stBytes | stOther.stBytes}; }
+    Hits Find_Equal(uint8_t ucByte) const { return {Bytes(stBytes == ucByte)}; }
+    Hits Find_Below(uint8_t ucBound) const { return {Bytes(stBytes <= static_cast<uint8_t>(ucBound - 1))}; }
+    Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
     {
-        return {_mm_cmpeq_epi8(_mm_min_epu8(stBytes, All(ucBound - 1u)), stBytes)};
+        return {Bytes(stBytes - ucFirst <= static_cast<uint8_t>(ucLast - ucFirst))};
     }
+    Hits Find_Continuations() const { return {Bytes(SignedBytes(stBytes) < int8_t{-0x40})}; }
+    Hits Find_EqualUnit(uint16_t usUnit) const { return {Bytes(Units(stBytes) == usUnit)}; }
+    Hits Find_BelowUnit(uint16_t usBound) const
+    {
+        return {Bytes(Units(stBytes) <= static_cast<uint16_t>(usBound - 1))};
+    }
+    VectorBlock Get_SwappedUnits() const { return {Bytes(Units(stBytes) << 8 | Units(stBytes) >> 8)}; }
+    VectorBlock Get_Misfits(VectorBlock stText, VectorBlock stBits, VectorBlock stSlack) const
+    {
+        const Bytes stDiff = (stBytes ^ stText.stBytes) & stBits.stBytes;
+        return {stDiff | (stDiff + stSlack.stBytes)};
+    }
+#if defined(__SSE2__)
     Hits Find_AtLeast(uint8_t ucBound) const
     {
-        return {_mm_cmpeq_epi8(_mm_max_epu8(stBytes, All(ucBound)), stBytes)};
+        return {Bytes(stBytes == Bytes(_mm_max_epu8(__m128i(stBytes), __m128i(Bytes{} + ucBound))))};
     }
-    Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
+    static VectorBlock Narrow_Units(VectorBlock stFirst, VectorBlock stSecond)
     {
-        const __m128i stAbove = _mm_sub_epi8(stBytes, All(ucFirst));
-        return {_mm_cmpeq_epi8(_mm_min_epu8(stAbove, All(ucLast - uint32_t{ucFirst})), stAbove)};
+        return {Bytes(_mm_packus_epi16(__m128i(stFirst.stBytes), __m128i(stSecond.stBytes)))};
     }
-    Hits Find_Continuations() const { return {_mm_cmplt_epi8(stBytes, All(0xC0))}; }
-    Hits Find_EqualUnit(uint16_t usUnit) const { return {_mm_cmpeq_epi16(stBytes, All_Units(usUnit))}; }
-    Hits Find_BelowUnit(uint16_t usBound) const
+    uint32_t Get_HighBits() const
     {
-        return {_mm_cmpeq_epi16(_mm_subs_epu16(stBytes, All_Units(usBound - 1u)), _mm_setzero_si128())};
+        return static_cast<uint32_t>(_mm_movemask_epi8(__m128i(stBytes)));
     }
-    Sse2Block Get_SwappedUnits() const
-    {
-        return {_mm_or_si128(_mm_slli_epi16(stBytes, 8), _mm_srli_epi16(stBytes, 8))};
-    }
-    static Sse2Block Narrow_Units(const Sse2Block &stFirst, const Sse2Block &stSecond)
-    {
-        return {_mm_packus_epi16(stFirst.stBytes, stSecond.stBytes)};
-    }
-    Sse2Block Get_Misfits(const Sse2Block &stText, const Sse2Block &stBits, const Sse2Block &stSlack) const
-    {
-        const __m128i stDiff = _mm_and_si128(_mm_xor_si128(stBytes, stText.stBytes), stBits.stBytes);
-        return {_mm_or_si128(stDiff, _mm_add_epi8(stDiff, stSlack.stBytes))};
-    }
-    uint32_t Get_HighBits() const { return static_cast<uint32_t>(_mm_movemask_epi8(stBytes)); }
-    static uint32_t Get_Bits(Hits stHits) { return static_cast<uint32_t>(_mm_movemask_epi8(stHits.stHit)); }
-
-private:
-    static __m128i All(uint32_t uiByte) { return _mm_set1_epi8(static_cast<char>(uiByte)); }
-    static __m128i All_Units(uint32_t uiUnit) { return _mm_set1_epi16(static_cast<int16_t>(uiUnit)); }
-};
-using TextBlock = Sse2Block;
-
-#elif defined(ZYR_BLOCK_NEON)
-
-struct NeonBlock {
-    struct Hits {
-        uint8x16_t stHit;
-        friend Hits operator|(Hits stA, Hits stB) { return {vorrq_u8(stA.stHit, stB.stHit)}; }
-        friend Hits operator&(Hits stA, Hits stB) { return {vandq_u8(stA.stHit, stB.stHit)}; }
-        Hits Without(Hits stOther) const { return {vbicq_u8(stHit, stOther.stHit)}; }
-    };
-    uint8x16_t stBytes;
-
-    static NeonBlock Load(const uint8_t *pucBytes) { return {vld1q_u8(pucBytes)}; }
-    void Store(uint8_t *pucBytes) const { vst1q_u8(pucBytes, stBytes); }
-    NeonBlock operator|(const NeonBlock &stOther) const { return {vorrq_u8(stBytes, stOther.stBytes)}; }
-    Hits Find_Equal(uint8_t ucByte) const { return {vceqq_u8(stBytes, vdupq_n_u8(ucByte))}; }
-    Hits Find_Below(uint8_t ucBound) const { return {vcltq_u8(stBytes, vdupq_n_u8(ucBound))}; }
-    Hits Find_AtLeast(uint8_t ucBound) const { return {vcgeq_u8(stBytes, vdupq_n_u8(ucBound))}; }
-    Hits Find_Between(uint8_t ucFirst, uint8_t ucLast) const
-    {
-        return {vandq_u8(vcgeq_u8(stBytes, vdupq_n_u8(ucFirst)), vcleq_u8(stBytes, vdupq_n_u8(ucLast)))};
-    }
-    Hits Find_Continuations() const { return Find_Between(0x80, 0xBF); }
-    Hits Find_EqualUnit(uint16_t usUnit) const
-    {
-        return {vreinterpretq_u8_u16(vceqq_u16(vreinterpretq_u16_u8(stBytes), vdupq_n_u16(usUnit)))};
-    }
-    Hits Find_BelowUnit(uint16_t usBound) const
-    {
-        return {vreinterpretq_u8_u16(vcltq_u16(vreinterpretq_u16_u8(stBytes), vdupq_n_u16(usBound)))};
-    }
-    NeonBlock Get_SwappedUnits() const { return {vrev16q_u8(stBytes)}; }
-    static NeonBlock Narrow_Units(const NeonBlock &stFirst, const NeonBlock &stSecond)
-    {
-        return {vcombine_u8(vqmovun_s16(vreinterpretq_s16_u8(stFirst.stBytes)),
-                            vqmovun_s16(vreinterpretq_s16_u8(stSecond.stBytes)))};
-    }
-    NeonBlock Get_Misfits(const NeonBlock &stText, const NeonBlock &stBits, const NeonBlock &stSlack) const
-    {
-        const uint8x16_t stDiff = vandq_u8(veorq_u8(stBytes, stText.stBytes), stBits.stBytes);
-        return {vorrq_u8(stDiff, vaddq_u8(stDiff, stSlack.stBytes))};
-    }
-    uint32_t Get_HighBits() const { return Get_Bits(Find_AtLeast(0x80)); }
     static uint32_t Get_Bits(Hits stHits)
     {
-        constexpr uint8_t BITS[] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
-        const uint8x16_t stBits = vandq_u8(stHits.stHit, vld1q_u8(BITS));
+        return VectorBlock{stHits.stHit}.Get_HighBits();
+    }
+#else
+    Hits Find_AtLeast(uint8_t ucBound) const
+    {
+        return {Bytes(stBytes >= ucBound)};
+    }
+    static VectorBlock Narrow_Units(VectorBlock stFirst, VectorBlock stSecond)
+    {
+        return {Bytes(
+            vcombine_u8(vqmovun_s16(int16x8_t(stFirst.stBytes)), vqmovun_s16(int16x8_t(stSecond.stBytes))))};
+    }
+    uint32_t Get_HighBits() const
+    {
+        return Get_Bits(Find_AtLeast(0x80));
+    }
+    static uint32_t Get_Bits(Hits stHits)
+    {
+        constexpr Bytes BITS = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+        const uint8x16_t stBits = uint8x16_t(stHits.stHit & BITS);
         uint8x8_t stSums = vpadd_u8(vget_low_u8(stBits), vget_high_u8(stBits));
         for (uint32_t uiStep = 0; uiStep < 2; ++uiStep) stSums = vpadd_u8(stSums, stSums);
         return vget_lane_u16(vreinterpret_u16_u8(stSums), 0);
     }
+#endif
 };
-using TextBlock = NeonBlock;
+using TextBlock = VectorBlock;
 
 #else
 using TextBlock = WordBlock<uintptr_t>;
