@@ -346,10 +346,11 @@ LoadResult Read_Group(Reading &stReading, std::span<const uint32_t> auiClasses, 
 {
     if (bSelect && zyrSubtitle_selectClass(static_cast<int32_t>(auiClasses.size()), auiClasses.data()) != 0)
         return {ZYR_CAPTIONS_NO_MEMORY, "there is no memory for its language classes"};
-    const bool bPlaced = zyrSubtitle_seek(uiFromMs) == 0;
-    if (bPlaced) Read_Captions(stReading);
-    if (bPlaced || uiFromMs == 0) return {}; // without a first caption there is nowhere to go
-    return {ZYR_CAPTIONS_NO_SEEK, "it cannot be read from that time on (the log tells why)"};
+    // A file without a first place to go to may have captions all the same, as SSA without an [Events] line.
+    if (zyrSubtitle_seek(uiFromMs) != 0 && uiFromMs > 0)
+        return {ZYR_CAPTIONS_NO_SEEK, "it cannot be read from that time on (the log tells why)"};
+    Read_Captions(stReading);
+    return {};
 }
 
 LoadResult Read_Groups(Reading &stReading, const ZyrCaptionsOptions &stOptions)

@@ -151,6 +151,17 @@ TEST(CaptionList, GoesOnBehindACaptionThatCannotBeRead)
     EXPECT_EQ(strTexts, "cd");
 }
 
+// Without its [Events] line an SSA file has no first place to go to, and is played all the same.
+TEST(CaptionList, ReadsWhatHasNoPlaceToGoTo)
+{
+    const ListPtr pstList = Load_Text("[Script Info]\r\n[V4 Styles]\r\n"
+                                      "Dialogue: Marked=0,0:00:01.00,0:00:02.00,x,,0,0,0,,a\r\n"
+                                      "Dialogue: Marked=0,0:00:03.00,0:00:04.00,x,,0,0,0,,b\r\n",
+                                      "x.ssa");
+    ASSERT_EQ(zyrCaptions_count(pstList.get()), 2U);
+    EXPECT_STREQ(Get(pstList, 1).pszText, "b");
+}
+
 // What stands at a caption's place, whatever the line ends and the width of a character.
 TEST(CaptionList, CaptionsKnowTheirPlaceInTheFile)
 {
