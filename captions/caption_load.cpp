@@ -113,7 +113,7 @@ void Keep_CodePages(Load &stLoad, const std::string &strBlock)
 {
     ZyrCaptions &stList = stLoad.stList;
     std::vector<std::string> &astrNames = stLoad.astrGuesses;
-    if (!Is_Ansi(stList) || std::none_of(stLoad.strBytes.begin(), stLoad.strBytes.end(), Is_High)) return;
+    if (!Is_Ansi(stList) || Count_Ascii(stLoad.strBytes) == stLoad.strBytes.size()) return;
     if (std::find(astrNames.begin(), astrNames.end(), stList.strCodePage) == astrNames.end())
         astrNames.push_back(stList.strCodePage);
     for (const std::string &strName : astrNames)

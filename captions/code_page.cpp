@@ -29,10 +29,8 @@ constexpr WiderRow WIDER[] = {
 // the last one.
 std::string_view Find_HighLine(std::string_view strFile, size_t uiFrom)
 {
-    const auto itHigh =
-        std::find_if(strFile.begin() + static_cast<std::ptrdiff_t>(uiFrom), strFile.end(), Is_High);
-    if (itHigh == strFile.end()) return {};
-    const auto uiHigh = static_cast<size_t>(itHigh - strFile.begin());
+    const size_t uiHigh = uiFrom + Count_Ascii(strFile.substr(uiFrom));
+    if (uiHigh == strFile.size()) return {};
     const size_t uiBefore = uiHigh == 0 ? std::string_view::npos : strFile.rfind('\n', uiHigh - 1);
     const size_t uiStart = uiBefore == std::string_view::npos ? 0 : uiBefore + 1;
     const size_t uiEnd = std::min(strFile.find('\n', uiHigh), strFile.size() - 1) + 1;

@@ -1,5 +1,6 @@
 #include "encoding_rule.h"
 
+#include "text_decode.h"
 #include "zyr/zyr_captions.h"
 
 namespace
@@ -58,9 +59,11 @@ EncodingRule Find_EncodingRule(std::string_view strFile)
             return stRule;
         }
     Scan stScan{stRule, 0};
-    for (; !Is_Enough(stRule) && stRule.uiScanned < strFile.size(); ++stRule.uiScanned) {
-        const auto ucByte = static_cast<uint8_t>(strFile[stRule.uiScanned]);
-        if (ucByte >= 0x80 || stScan.uiAwaited > 0) Scan_Byte(stScan, ucByte);
+    while (!Is_Enough(stRule)) {
+        if (stScan.uiAwaited == 0) stRule.uiScanned += Count_Ascii(strFile.substr(stRule.uiScanned));
+        if (stRule.uiScanned == strFile.size()) break;
+        Scan_Byte(stScan, static_cast<uint8_t>(strFile[stRule.uiScanned]));
+        ++stRule.uiScanned;
     }
     const bool bUtf8 = stRule.uiInvalid < ENOUGH_INVALID && stRule.uiCharacters > 0 &&
                        (stRule.uiInvalid == 0 || stRule.uiCharacters >= ENOUGH_CHARACTERS);

@@ -6,7 +6,12 @@
 namespace
 {
 
-// Walks over the file, one line end or one unit of other text at a step.
+bool Is_LineEndByte(char cByte)
+{
+    return cByte == '\n' || cByte == '\r';
+}
+
+// Walks over the file, line end by line end.
 struct Walk {
     std::string_view strFile;
     size_t uiUnit; // bytes
@@ -32,18 +37,40 @@ struct Walk {
                 break;
         return uiUnit;
     }
-    void Step()
+    // One line end, or the text before the next one.
+    void Step(size_t uiTarget)
     {
         const size_t uiLineEnd = Measure_LineEnd();
         uiFile += uiLineEnd > 0 ? uiLineEnd : uiUnit;
         uiPresented += uiLineEnd > 0 ? 2 * uiUnit : uiUnit;
+        size_t uiRun = 0;
+        while (uiPresented + uiRun < uiTarget && uiFile + uiRun < strFile.size() &&
+               !Is_LineEndByte(strFile[uiFile + uiRun]))
+            ++uiRun;
+        uiRun -= uiRun % uiUnit;
+        uiFile += uiRun;
+        uiPresented += uiRun;
     }
 };
+
+// Then nothing stands elsewhere in the presented text.
+bool Has_OnlyCrLf(std::string_view strFile)
+{
+    while (!strFile.empty()) {
+        const size_t uiReturn = strFile.find('\r');
+        const size_t uiFeed = strFile.find('\n');
+        if (uiReturn == std::string_view::npos) return uiFeed == std::string_view::npos;
+        if (uiFeed != uiReturn + 1) return false;
+        strFile.remove_prefix(uiFeed + 1);
+    }
+    return true;
+}
 
 } // namespace
 
 void Place_InFile(std::vector<CaptionRecord> &astRecords, std::string_view strFile)
 {
+    if (Has_OnlyCrLf(strFile)) return;
     std::vector<uint32_t> auiOrder(astRecords.size());
     std::iota(auiOrder.begin(), auiOrder.end(), 0U);
     const auto pfBefore = [&](uint32_t uiA, uint32_t uiB) {
@@ -55,7 +82,7 @@ void Place_InFile(std::vector<CaptionRecord> &astRecords, std::string_view strFi
     Walk stWalk{strFile, bBigEndian || strFile.starts_with("\xFF\xFE") ? size_t{2} : size_t{1}, bBigEndian};
     for (const uint32_t uiRecord : auiOrder) {
         uint32_t &uiSource = astRecords[uiRecord].uiSource;
-        while (stWalk.uiPresented < uiSource && stWalk.uiFile < strFile.size()) stWalk.Step();
+        while (stWalk.uiPresented < uiSource && stWalk.uiFile < strFile.size()) stWalk.Step(uiSource);
         uiSource = static_cast<uint32_t>(stWalk.uiFile);
     }
 }

@@ -88,6 +88,22 @@ bool Is_AllAscii(const uint8_t *pucBytes)
     return (ullWord & 0x8080808080808080U) == 0;
 }
 
+// Bytes from the start that are ASCII, or characters of three bytes whose lead allows any second one: of these whole
+// films are made.
+size_t Count_UsualUtf8(std::string_view strBytes)
+{
+    const auto *const pucBytes = reinterpret_cast<const uint8_t *>(strBytes.data());
+    size_t uiValid = Count_Ascii(strBytes);
+    while (uiValid + 3 <= strBytes.size()) {
+        const uint8_t *const pucAt = pucBytes + uiValid;
+        const bool bThree = pucAt[0] > 0xE0 && pucAt[0] < 0xF0 && pucAt[0] != 0xED &&
+                            (pucAt[1] & 0xC0) == 0x80 && (pucAt[2] & 0xC0) == 0x80;
+        if (!bThree && pucAt[0] >= 0x80) break;
+        uiValid += bThree ? 3 : 1;
+    }
+    return uiValid;
+}
+
 } // namespace
 
 CodePageReader::CodePageReader(const std::string &strCodePage)
@@ -170,15 +186,23 @@ bool CodePageReader::Is_SingleByte() const
     return !bLead;
 }
 
+size_t Count_Ascii(std::string_view strBytes)
+{
+    const auto *const pucBytes = reinterpret_cast<const uint8_t *>(strBytes.data());
+    size_t uiAscii = 0;
+    while (uiAscii + sizeof(uint64_t) <= strBytes.size() && Is_AllAscii(pucBytes + uiAscii))
+        uiAscii += sizeof(uint64_t);
+    while (uiAscii < strBytes.size() && pucBytes[uiAscii] < 0x80) ++uiAscii;
+    return uiAscii;
+}
+
 size_t Count_ValidUtf8(std::string_view strBytes)
 {
-    const auto *pucBytes = reinterpret_cast<const uint8_t *>(strBytes.data());
     size_t uiValid = 0;
     while (uiValid < strBytes.size()) {
-        while (uiValid + sizeof(uint64_t) <= strBytes.size() && Is_AllAscii(pucBytes + uiValid))
-            uiValid += sizeof(uint64_t);
-        if (uiValid == strBytes.size()) break;
-        const size_t uiBytes = Measure_Character(strBytes.substr(uiValid));
+        const std::string_view strLeft = strBytes.substr(uiValid);
+        const size_t uiUsual = Count_UsualUtf8(strLeft);
+        const size_t uiBytes = uiUsual > 0 ? uiUsual : Measure_Character(strLeft);
         if (uiBytes == 0) break;
         uiValid += uiBytes;
     }
@@ -262,12 +286,13 @@ EngineText::EngineText(uint32_t uiCharset, const std::string &strCodePage, bool 
 // where every byte is one; else only an entity can have made it, and it is U+0080 to U+00FF.
 uint32_t EngineText::Append_CodePage(std::span<const uint8_t> aucText, std::string &strUtf8) const
 {
-    const bool bPlain = std::all_of(aucText.begin(), aucText.end(),
-                                    [](uint8_t ucByte) { return ucByte > 0 && ucByte < 0x80; });
-    if (bPlain && m_stReader.Is_AsciiPlain()) {
-        strUtf8.append(reinterpret_cast<const char *>(aucText.data()), aucText.size());
+    const std::string_view strText(reinterpret_cast<const char *>(aucText.data()), aucText.size());
+    const bool bZero = strText.find('\0') != std::string_view::npos;
+    if (!bZero && m_stReader.Is_AsciiPlain() && Count_Ascii(strText) == strText.size()) {
+        strUtf8 += strText;
         return 0;
     }
+    if (!bZero) return m_stReader.Append(strText, strUtf8);
     uint32_t uiBad = 0;
     std::string strBytes;
     for (size_t uiByte = 0; uiByte < aucText.size(); ++uiByte) {

@@ -45,6 +45,9 @@ private:
 // UTF-8 that may hold anything, made valid. @return places that were not
 uint32_t Append_Utf8(std::string_view strBytes, std::string &strUtf8);
 
+// Bytes from the start that are ASCII.
+size_t Count_Ascii(std::string_view strBytes);
+
 // Bytes from the start that are valid UTF-8.
 size_t Count_ValidUtf8(std::string_view strBytes);
 
