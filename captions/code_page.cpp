@@ -48,10 +48,12 @@ void For_HighLines(std::string_view strFile, const LineStep &pfLine)
     }
 }
 
+// Without the times, tags and fields before their text, which speak for plain ASCII too.
 std::string Pick_HighLines(std::string_view strFile)
 {
     std::string strLines;
     For_HighLines(strFile, [&](std::string_view strLine, size_t /*uiStart*/) {
+        strLine.remove_prefix(strLine.find_last_of(",>", Count_Ascii(strLine)) + 1); // npos + 1 is 0
         strLines += strLine.substr(0, GUESS_BYTES);
         return strLines.size() < GUESS_BYTES;
     });

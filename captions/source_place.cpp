@@ -43,10 +43,10 @@ struct Walk {
         const size_t uiLineEnd = Measure_LineEnd();
         uiFile += uiLineEnd > 0 ? uiLineEnd : uiUnit;
         uiPresented += uiLineEnd > 0 ? 2 * uiUnit : uiUnit;
-        size_t uiRun = 0;
-        while (uiPresented + uiRun < uiTarget && uiFile + uiRun < strFile.size() &&
-               !Is_LineEndByte(strFile[uiFile + uiRun]))
-            ++uiRun;
+        if (uiPresented >= uiTarget || uiFile >= strFile.size()) return;
+        const std::string_view strText = strFile.substr(uiFile, uiTarget - uiPresented);
+        auto uiRun = static_cast<size_t>(std::find_if(strText.begin(), strText.end(), Is_LineEndByte) -
+                                         strText.begin());
         uiRun -= uiRun % uiUnit;
         uiFile += uiRun;
         uiPresented += uiRun;

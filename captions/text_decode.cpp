@@ -13,7 +13,9 @@ namespace
 {
 
 constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
+constexpr uint32_t REPLACEMENT_CHARACTER = 0xFFFD;
 constexpr uint32_t FIRST_ASTRAL = 0x10000;
+constexpr size_t CHARACTER_MOST = 4; // bytes of one
 
 bool Is_HighSurrogate(uint32_t uiUnit)
 {
@@ -23,6 +25,29 @@ bool Is_HighSurrogate(uint32_t uiUnit)
 bool Is_LowSurrogate(uint32_t uiUnit)
 {
     return (uiUnit & 0xFC00U) == 0xDC00U;
+}
+
+// @return bytes written, CHARACTER_MOST at most
+size_t Write_Character(uint32_t uiCharacter, char *pcTo)
+{
+    const auto pfTail = [&](uint32_t uiShift) {
+        return static_cast<char>(0x80U | (uiCharacter >> uiShift & 0x3FU));
+    };
+    if (uiCharacter < 0x80) {
+        pcTo[0] = static_cast<char>(uiCharacter);
+        return 1;
+    }
+    if (uiCharacter < 0x800) {
+        pcTo[0] = static_cast<char>(0xC0U | uiCharacter >> 6);
+        pcTo[1] = pfTail(0);
+        return 2;
+    }
+    const size_t uiTails = uiCharacter < FIRST_ASTRAL ? 2 : 3;
+    *pcTo++ = static_cast<char>(uiTails == 2 ? 0xE0U | uiCharacter >> 12 : 0xF0U | uiCharacter >> 18);
+    if (uiTails == 3) *pcTo++ = pfTail(12);
+    pcTo[0] = pfTail(6);
+    pcTo[1] = pfTail(0);
+    return uiTails + 1;
 }
 
 // Bytes of the character that leads strBytes, or 0 when it is no valid one.
@@ -226,24 +251,8 @@ uint32_t Append_Utf8(std::string_view strBytes, std::string &strUtf8)
 
 void Append_Character(uint32_t uiCharacter, std::string &strUtf8)
 {
-    const auto pfTail = [&](uint32_t uiShift) {
-        strUtf8 += static_cast<char>(0x80U | (uiCharacter >> uiShift & 0x3FU));
-    };
-    if (uiCharacter < 0x80) {
-        strUtf8 += static_cast<char>(uiCharacter);
-        return;
-    }
-    if (uiCharacter < 0x800) {
-        strUtf8 += static_cast<char>(0xC0U | uiCharacter >> 6);
-    } else if (uiCharacter < FIRST_ASTRAL) {
-        strUtf8 += static_cast<char>(0xE0U | uiCharacter >> 12);
-        pfTail(6);
-    } else {
-        strUtf8 += static_cast<char>(0xF0U | uiCharacter >> 18);
-        pfTail(12);
-        pfTail(6);
-    }
-    pfTail(0);
+    std::array<char, CHARACTER_MOST> acBytes;
+    strUtf8.append(acBytes.data(), Write_Character(uiCharacter, acBytes.data()));
 }
 
 uint32_t Take_Character(std::string_view &strUtf8)
@@ -257,22 +266,25 @@ uint32_t Take_Character(std::string_view &strUtf8)
     return uiCharacter;
 }
 
+// Into room for three bytes a unit, which is the most that one takes: two of an astral character take four.
 uint32_t Append_Utf16(std::span<const uint16_t> ausUnits, std::string &strUtf8)
 {
     uint32_t uiBad = 0;
+    size_t uiEnd = strUtf8.size();
+    strUtf8.resize(uiEnd + ausUnits.size() * 3);
     for (size_t uiUnit = 0; uiUnit < ausUnits.size(); ++uiUnit) {
-        const uint32_t uiHigh = ausUnits[uiUnit];
-        const uint32_t uiLow = uiUnit + 1 < ausUnits.size() ? ausUnits[uiUnit + 1] : 0;
-        if (Is_HighSurrogate(uiHigh) && Is_LowSurrogate(uiLow)) {
-            Append_Character(FIRST_ASTRAL + ((uiHigh & 0x3FFU) << 10 | (uiLow & 0x3FFU)), strUtf8);
-            ++uiUnit;
-        } else if (Is_HighSurrogate(uiHigh) || Is_LowSurrogate(uiHigh)) {
-            strUtf8 += REPLACEMENT;
-            ++uiBad;
-        } else {
-            Append_Character(uiHigh, strUtf8);
+        uint32_t uiCharacter = ausUnits[uiUnit];
+        if (Is_HighSurrogate(uiCharacter) || Is_LowSurrogate(uiCharacter)) {
+            const uint32_t uiLow = uiUnit + 1 < ausUnits.size() ? ausUnits[uiUnit + 1] : 0;
+            const bool bPair = Is_HighSurrogate(uiCharacter) && Is_LowSurrogate(uiLow);
+            uiCharacter = bPair ? FIRST_ASTRAL + ((uiCharacter & 0x3FFU) << 10 | (uiLow & 0x3FFU))
+                                : REPLACEMENT_CHARACTER;
+            uiUnit += bPair ? 1 : 0;
+            uiBad += bPair ? 0 : 1;
         }
+        uiEnd += Write_Character(uiCharacter, strUtf8.data() + uiEnd);
     }
+    strUtf8.resize(uiEnd);
     return uiBad;
 }
 
