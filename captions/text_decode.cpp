@@ -167,7 +167,6 @@ void CodePageReader::Convert(std::string_view strBytes, const PieceStep &pfPiece
         const size_t uiSkip = std::min(uiLeft, pfBad(strBytes.size() - uiLeft));
         pcIn += uiSkip;
         uiLeft -= uiSkip;
-        iconv(m_hIconv, nullptr, nullptr, nullptr, nullptr);
     }
 }
 
