@@ -134,6 +134,12 @@ TEST(ZyrsubConvert, EveryLossIsTold)
         const char *pszWritten;
     } astCases[] = {
         {"a.srt", Make_Entry(1, "plain"), 0, "", "plain"},
+        {"a.srt", "1\r\nno time\r\n[one]\r\n\r\n2\r\nnone\r\ntwo\r\n\r\n" + Make_Entry(1, "three"), 3,
+         "2 captions: text is no caption's", "three"},
+        {"a.sub",
+         "[INFORMATION]\r\n[END INFORMATION]\r\n[SUBTITLE]\r\n[COLF]&HFF,[SIZE]18\r\n\r\n"
+         "-00:00:01.00,00:00:01.00\r\none\r\n\r\n00:00:02.00,00:00:03.00\r\ntwo\r\n\r\n",
+         3, "1 caption: text is no caption's", "two"},
         {"a.srt", Make_Entry(1, "1\r\n2\r\n3\r\n4\r\n5\r\n6\r\nseven"), 3,
          "1 caption: what stands behind its sixth line", "6"},
         {"a.srt", Make_Entry(1, "a 🐋 whale"), 3, "1 caption: characters beyond U+FFFF", "a whale"},

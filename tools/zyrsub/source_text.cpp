@@ -44,6 +44,11 @@ static bool Is_TimeLine(std::string strLine)
     return false;
 }
 
+static bool Is_NumberLine(const std::string &strLine)
+{
+    return strLine.find_first_not_of("0123456789 \t\xEF\xBB\xBF") == std::string::npos;
+}
+
 // The end of what begins at a "<", or npos where it is no tag: a letter, "/" or "!" follows, and a ">" comes.
 static size_t Find_TagEnd(std::string_view strText, size_t uiAt)
 {
@@ -111,13 +116,30 @@ static Block Split_Block(const std::string &strRegion)
     std::string *pstrPart = &stBlock.strBefore;
     for (const std::string &strLine : Split_Lines(strRegion)) {
         const bool bTime = pstrPart == &stBlock.strBefore && Is_TimeLine(strLine);
-        const bool bNumber = pstrPart == &stBlock.strBefore &&
-                             strLine.find_first_not_of("0123456789 \t\xEF\xBB\xBF") == std::string::npos;
+        const bool bNumber = pstrPart == &stBlock.strBefore && !Is_Blank(strLine) && Is_NumberLine(strLine);
         if (pstrPart == &stBlock.strText && Is_Blank(strLine)) pstrPart = &stBlock.strRest;
         if (!bTime && !bNumber) *pstrPart += strLine + "\n";
         if (bTime) pstrPart = &stBlock.strText;
     }
     return stBlock;
+}
+
+// Entries of which no caption came, behind the lines of a header.
+static size_t Count_LostEntries(std::string_view strText)
+{
+    const size_t uiHeader = Lower_Case(std::string(strText)).rfind("[subtitle]");
+    bool bHeader = uiHeader != std::string::npos;
+    if (bHeader) strText.remove_prefix(uiHeader);
+    size_t uiLost = 0;
+    bool bText = false;
+    for (const std::string &strLine : Split_Lines(strText)) {
+        bHeader = bHeader && (Is_Blank(strLine) || strLine.starts_with('['));
+        bText = bText && !Is_Blank(strLine);
+        if (bHeader || Is_NumberLine(strLine) || Is_TimeLine(strLine)) continue;
+        uiLost += bText ? 0 : 1;
+        bText = true;
+    }
+    return uiLost;
 }
 
 static AuthorText Read_SubViewer(const std::string &strBlock)
@@ -231,9 +253,11 @@ void SourceText::Add_Region(const std::string &strBytes, size_t uiFirst, size_t 
             m_uiStray += Has_Text(Read_Ssa(strText.substr(uiAt + 1))) ? 1 : 0;
     } else if (bCaption) {
         const Block stBlock = Split_Block(strText);
-        m_uiStray += Has_Text({stBlock.strBefore}) ? 1 : 0;
+        m_uiStray += Count_LostEntries(stBlock.strBefore);
         m_uiStray += Has_Text({stBlock.strRest}) ? 1 : 0;
         uiOwn = strText.size();
+    } else {
+        m_uiStray += Count_LostEntries(strText);
     }
     if (bCaption) m_astrRegions[static_cast<uint32_t>(uiFirst)] = strText.substr(0, uiOwn);
 }
