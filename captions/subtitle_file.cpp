@@ -185,3 +185,8 @@ LoadResult Read_Subtitle(std::string &strFile, std::string &strBytes)
         if (strEnding == stRow.pszEnding) return {ZYR_CAPTIONS_NO_FORMAT, stRow.pszSentence};
     return Read_Beside(strFile, strBytes);
 }
+
+LoadResult Read_AnyFile(const std::string &strFile, std::string &strBytes)
+{
+    return Read_File(strFile, strBytes);
+}

@@ -27,3 +27,6 @@ const char *Get_FormatEnding(uint32_t uiFormat);
 
 // A subtitle file is read itself; for a movie, strFile becomes the first name beside it that opens.
 LoadResult Read_Subtitle(std::string &strFile, std::string &strBytes);
+
+// A file by its own name alone, whatever its ending.
+LoadResult Read_AnyFile(const std::string &strFile, std::string &strBytes);

@@ -30,6 +30,8 @@ FAMILIES = [
      "stream for a time and gives 1; other values are failures."),
     ("zyrCaptions", "zyr_captions.h", r"zyrCaptions_|ZyrCaption|ZYR_CAPTIONS_", "the captions of a subtitle file as a list",
      "Programs link libzyrcaptions alone."),
+    ("zyrFindings", "zyr_findings.h", r"zyrFindings_|ZyrFinding|ZYR_FINDING_", "what a box makes of a subtitle file that was not meant",
+     "Programs link libzyrcaptions alone."),
     ("zyr_display", "zyr_display.h", r"zyr_display_(?!system)", "captions on the display", ""),
     ("zyr_display_system", "zyr_display.h", r"zyr_display_system_", "output settings of the display",
      "What the display's output is, and the sizes that follow from it. zyr_display_open() reads them; a player needs "
@@ -139,7 +141,8 @@ def page(family, include, version):
             calls += [one for one in named if re.match(r"[a-zQ_CDTHFS]", one)]
     out = heading(name, 3, version, "Calls of libZYRsubtitle")
     out += ".SH NAME\n" + escape(", ".join(calls)) + " \\- " + what + "\n"
-    library = {"zyr_host.h": "zyrhost", "zyr_captions.h": "zyrcaptions"}.get(header, "zyrsubtitle")
+    library = {"zyr_host.h": "zyrhost", "zyr_captions.h": "zyrcaptions",
+               "zyr_findings.h": "zyrcaptions"}.get(header, "zyrsubtitle")
     out += ".SH SYNOPSIS\n" + literal(f"#include <zyr/{header}>\n\n"
                                       f"cc PROGRAM.c $(pkg-config --cflags --libs {library})")
     out += ".SH DESCRIPTION\n" + (paragraph(intro) + ".PP\n" if intro else "")
