@@ -1,6 +1,7 @@
 // What all parts of the finder share: the file, the two lists of captions, and the findings so far.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -8,6 +9,7 @@
 
 #include "finding_rules.h"
 #include "plain_file.h"
+#include "plain_text.h"
 #include "zyr/zyr_findings.h"
 
 struct FreeCaptions {
@@ -52,6 +54,12 @@ void Find_InSubRip(Finder &stFinder);
 void Find_InSami(Finder &stFinder);
 void Find_InSubViewer(Finder &stFinder);
 void Find_InSsa(Finder &stFinder);
+
+// A caption's text as it was meant, held against the one that is shown. pfMissing(place) says which rule explains
+// text that is missing from there on, where the text itself does not tell.
+using MissingRule = std::function<FindingRule(size_t)>;
+void Find_InText(Finder &stFinder, uint32_t uiCaption, const PlainText &stMeant,
+                 const MissingRule &pfMissing);
 
 // Order, length and speed of captions.
 void Find_InTimes(Finder &stFinder);

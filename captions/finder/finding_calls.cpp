@@ -129,13 +129,16 @@ void Take_Captions(Finder &stFinder)
     ZyrCaption stCaption;
     for (uint32_t ui = 0; zyrCaptions_get(stFinder.pstMeant, ui, &stCaption) == ZYR_CAPTIONS_OK; ++ui) {
         stFinder.astCaptions.push_back(stCaption);
-        stFinder.auiPlaces.push_back(stFinder.stFile.Find_Text(stCaption.uiSource));
+        const size_t uiText = stFinder.stFile.Find_Text(stCaption.uiSource);
+        const size_t uiFirst = stFinder.stFile.Get_Text().find_first_not_of(" \t\n", uiText);
+        stFinder.auiPlaces.push_back(uiFirst == std::string::npos ? uiText : uiFirst);
     }
 }
 
 void Find_InFormat(Finder &stFinder)
 {
     switch (stFinder.stAbout.uiFormat) {
+    case ZYR_CAPTIONS_SUBRIP: return Find_InSubRip(stFinder);
     default: return;
     }
 }
