@@ -148,6 +148,7 @@ void Find_LineEnds(Finder &stFinder)
     const std::string_view strLine = stFinder.stFile.Get_Line(stCounts.uiFirst);
     const std::string strWhat =
         "the box ends a line at CR LF alone, and the file has " + Describe_Ends(stCounts);
+    if (uiText == 0) return; // there is nothing to lose
     if (uiLost == 0)
         stFinder.Add(E_RULE_FILE_OTHER_ENDS, uiPlace + strLine.size(), 1, ZYR_CAPTIONS_NONE,
                      strWhat + ", which changes nothing here");

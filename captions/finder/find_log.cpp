@@ -8,6 +8,7 @@ namespace
 {
 
 constexpr int LOG_ERROR = 6;
+constexpr std::string_view PARSER_TAG = "ZYR_SUBTITLE_PARSER";
 
 // A message without the place in the engine's source and without its line end.
 std::string Strip_Message(std::string_view strMessage)
@@ -19,33 +20,63 @@ std::string Strip_Message(std::string_view strMessage)
     return std::string(strMessage);
 }
 
-// The end of the file is an error to the reader, and none of the file's. Classes are told of by name elsewhere.
-bool Is_Ordinary(std::string_view strMessage)
+// The end of a file is an error to the reader, and none of the file's; the end tags of a SAMI file close nothing that
+// is open in a caption. Classes are told of by name elsewhere.
+bool Is_Ordinary(std::string_view strMessage, bool bSami)
 {
-    return strMessage.find("Get_CharCode() Failed") != std::string_view::npos ||
-           strMessage.find("Failed in parsing") != std::string_view::npos ||
-           strMessage.find("Unregistered Clase Name") != std::string_view::npos;
+    for (const char *const pszOne : {"Get_CharCode() Failed", "End of Caption File",
+                                     "Unregistered Clase Name", "Too Many Language Class"})
+        if (strMessage.find(pszOne) != std::string_view::npos) return true;
+    return bSami && (strMessage.find("Tag Queue is already EMPTY") != std::string_view::npos ||
+                     strMessage.find("find the matching tag type") != std::string_view::npos);
+}
+
+// Where findings are, in order.
+std::vector<size_t> List_Places(const Finder &stFinder)
+{
+    std::vector<size_t> auiTold;
+    for (const FindingRecord &stOne : stFinder.astFindings) {
+        if (!stOne.bWholeFile) auiTold.push_back(stOne.uiText);
+        if (stOne.uiCaption < stFinder.auiPlaces.size())
+            auiTold.push_back(stFinder.auiPlaces[stOne.uiCaption]);
+    }
+    std::sort(auiTold.begin(), auiTold.end());
+    return auiTold;
+}
+
+// From the caption before, for what was passed over on the way, to the one behind.
+bool Is_Told(const Finder &stFinder, const std::vector<size_t> &auiTold, uint32_t uiCaption)
+{
+    const std::vector<size_t> &auiPlaces = stFinder.auiPlaces;
+    const size_t uiFirst = uiCaption == 0 ? 0 : auiPlaces[uiCaption - 1] + 1;
+    const size_t uiEnd = uiCaption + 1 < auiPlaces.size() ? auiPlaces[uiCaption + 1] : SIZE_MAX;
+    const auto itTold = std::lower_bound(auiTold.begin(), auiTold.end(), uiFirst);
+    return itTold != auiTold.end() && *itTold < uiEnd;
+}
+
+bool Is_Parser(const ZyrCaptionLogLine &stLine)
+{
+    return stLine.iPriority >= LOG_ERROR && stLine.pszTag != nullptr &&
+           std::string_view(stLine.pszTag) == PARSER_TAG;
 }
 
 } // namespace
 
-// A message belongs to the caption that was being read; behind the last one it belongs to what is left.
+// A message belongs to the caption that was being read; what comes behind the last one is the end's.
 void Find_InLog(Finder &stFinder)
 {
+    const bool bSami = stFinder.stAbout.uiFormat == ZYR_CAPTIONS_SAMI;
+    const std::vector<size_t> auiTold = List_Places(stFinder);
     ZyrCaptionLogLine stLine;
-    uint32_t uiTold = ZYR_CAPTIONS_NONE;
+    uint32_t uiLast = ZYR_CAPTIONS_NONE;
     for (uint32_t ui = 0; zyrCaptions_getLogLine(stFinder.pstMeant, ui, &stLine) == ZYR_CAPTIONS_OK; ++ui) {
-        if (stLine.iPriority < LOG_ERROR || stLine.uiCaption >= stFinder.astCaptions.size()) continue;
-        if (stLine.uiCaption == uiTold || Is_Ordinary(stLine.pszText)) continue;
-        const size_t uiPlace = stFinder.auiPlaces[stLine.uiCaption];
-        const bool bTold = std::any_of(
-            stFinder.astFindings.begin(), stFinder.astFindings.end(), [&](const FindingRecord &stOne) {
-                return stOne.uiCaption == stLine.uiCaption || (!stOne.bWholeFile && stOne.uiText == uiPlace);
-            });
-        if (bTold) continue;
-        uiTold = stLine.uiCaption;
-        const size_t uiFileLine = stFinder.stFile.Find_Line(uiPlace);
-        stFinder.Add(E_RULE_FILE_LOG, uiPlace, stFinder.stFile.Get_Line(uiFileLine).size(), stLine.uiCaption,
+        const uint32_t uiCaption = stLine.uiCaption;
+        if (!Is_Parser(stLine) || uiCaption >= stFinder.astCaptions.size() || uiCaption == uiLast) continue;
+        if (Is_Ordinary(stLine.pszText, bSami) || Is_Told(stFinder, auiTold, uiCaption)) continue;
+        uiLast = uiCaption;
+        const size_t uiPlace = stFinder.auiPlaces[uiCaption];
+        stFinder.Add(E_RULE_FILE_LOG, uiPlace,
+                     stFinder.stFile.Get_Line(stFinder.stFile.Find_Line(uiPlace)).size(), uiCaption,
                      "the box logs an error in this caption: " + Quote(Strip_Message(stLine.pszText)));
     }
 }

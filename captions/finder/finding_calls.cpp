@@ -139,6 +139,9 @@ void Find_InFormat(Finder &stFinder)
 {
     switch (stFinder.stAbout.uiFormat) {
     case ZYR_CAPTIONS_SUBRIP: return Find_InSubRip(stFinder);
+    case ZYR_CAPTIONS_SAMI: return Find_InSami(stFinder);
+    case ZYR_CAPTIONS_SUBVIEWER: return Find_InSubViewer(stFinder);
+    case ZYR_CAPTIONS_SSA: return Find_InSsa(stFinder);
     default: return;
     }
 }

@@ -342,6 +342,10 @@ constexpr RuleRow RULES[] = {
      "line changes nothing: with fewer fields, text is taken for them.",
      "movie.ssa", "[Script Info]\n[Events]\nDialogue: Marked=0,0:00:01.00,0:00:02.00,Default,,Hello\n"},
 
+    {E_RULE_SSA_INDENTED, "ZYR-SSA-011", LOST, "SSA", "a line that begins with a blank",
+     "The key must be the first thing of its line: a blank in front of Dialogue hides the line from the box.",
+     "movie.ssa", "[Script Info]\n[Events]\n Dialogue: Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,Hello\n"},
+
     {E_RULE_OUT_GLYPH, "ZYR-OUT-001", CHANGED, "all", "a character that the font does not have",
      "A hollow shape is drawn in its place. Only looked for with an output.", "movie.srt",
      "\xEF\xBB\xBF"
