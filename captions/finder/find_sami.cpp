@@ -262,7 +262,6 @@ void Read_Meant(const Sync &stSync, const std::set<std::string> &astrNames, Plai
     bool bOwn = true;
     for (const Paragraph &stParagraph : stSync.astParagraphs) {
         if (!stParagraph.strBoxName.empty()) bOwn = astrNames.count(stParagraph.strBoxName) > 0;
-        stMeant.Break(E_BREAK_BLANK);
         if (!bOwn) continue;
         stMeant.Read_Sami(stParagraph.stTag.uiEnd, stParagraph.uiEnd);
         apstOwn.push_back(&stParagraph);

@@ -160,7 +160,7 @@ int Find_All(Finder &stFinder, const Search &stSearch)
     Find_InFormat(stFinder);
     Find_InTimes(stFinder);
     Find_InLog(stFinder);
-    return ZYR_CAPTIONS_OK;
+    return stFinder.stOptions.pszOutput == nullptr ? ZYR_CAPTIONS_OK : Find_OnOutput(stFinder);
 }
 
 void Fail_Search(ZyrFindings &stFindings, int iError, const std::string &strText)

@@ -7,6 +7,7 @@
 #include "closest_name.h"
 #include "report_json.h"
 #include "time_text.h"
+#include "zyr/zyr_findings.h"
 
 static constexpr const char *MAIN_FOOTER = R"(Examples:
   zyrsub info movie.smi              what the file is, and its languages
@@ -15,10 +16,11 @@ static constexpr const char *MAIN_FOOTER = R"(Examples:
   zyrsub play movie.srt              the captions in real time, in a window
   zyrsub convert movie.smi -o movie.srt   the captions as a file of another format
   zyrsub find movie.avi              which subtitle a player finds for the movie, and why
+  zyrsub lint movie.srt              what the box makes of the file that was not meant
 
 "zyrsub COMMAND --help" tells more about each command.
 
-Exit codes: 0 good, 1 some inputs failed, 2 wrong use, 3 not found or not readable (convert: text was lost),
+Exit codes: 0 good, 1 some inputs failed (lint: there are findings), 2 wrong use, 3 not found or not readable (convert: text was lost),
 4 not a subtitle that can be read.)";
 
 static constexpr const char *INFO_FOOTER = R"(Examples:
@@ -31,6 +33,15 @@ static constexpr const char *INFO_FOOTER = R"(Examples:
 static constexpr const char *FIND_FOOTER = R"(Examples:
   zyrsub find movie.avi              every name that is tried, and the one that wins
   zyrsub find --json *.avi           many movies, as one JSON document)";
+
+static constexpr const char *LINT_FOOTER = R"(Examples:
+  zyrsub lint movie.srt                      what the box makes of it that was not meant
+  zyrsub lint --level lost subtitles/        every file of a tree; exit 1 when text is lost in any
+  zyrsub lint --output hdmi-720p movie.smi   also what that output makes of the captions
+  zyrsub lint --format sarif *.srt           for a code host; junit for other build services
+  zyrsub lint --explain ZYR-SRT-005          what a code means, with an example
+
+Exit codes: 0 no findings of the level, 1 some (or different failures), 2 wrong use, 3 not found or not readable.)";
 
 static constexpr const char *FRAMES_FOOTER = R"(Examples:
   zyrsub frames movie.srt                           every frame: from, until, text
@@ -206,6 +217,61 @@ static void Add_FindCommand(CLI::App &stApp, CommandLine &stLine)
     pstFind->footer(FIND_FOOTER);
 }
 
+// Line ends are what lint is about, and its log is joined with what it finds.
+static void Add_LintSource(CLI::App *pstLint, Options &stOptions)
+{
+    SourceOptions &stSource = stOptions.stSource;
+    pstLint->add_option("MOVIE", stOptions.astrMovies, "the movie, a subtitle file, or a folder of them")
+        ->expected(1, 1000000)
+        ->type_name("");
+    pstLint
+        ->add_option("--codepage", stSource.strCodePage,
+                     "code page of text without a Unicode encoding; auto: what it looks like [CP949]")
+        ->type_name("NAME");
+    pstLint->add_flag("--single-byte", stSource.bSingleByte, "every byte of such text is one character");
+    pstLint
+        ->add_option("--class", stSource.astrClasses,
+                     "language class to look at, by name or index; repeat for more")
+        ->allow_extra_args(false)
+        ->type_name("NAME|INDEX");
+}
+
+static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    LintOptions &stLint = stLine.stOptions.stLint;
+    CLI::App *pstLint =
+        Add_Command(stApp, stLine, "lint", "What the box makes of a file that was not meant", Run_Lint);
+    Add_LintSource(pstLint, stLine.stOptions);
+    pstLint->add_option("--format", stLint.strFormat, "how findings are written [text]")
+        ->check(CLI::IsMember({"text", "json", "sarif", "junit"}));
+    pstLint
+        ->add_option("--level", stLint.uiLevel, "tell findings of this severity and of worse ones [doubtful]")
+        ->transform(
+            CLI::Transformer(std::vector<std::pair<std::string, uint32_t>>{{"doubtful", ZYR_FINDING_DOUBTFUL},
+                                                                           {"changed", ZYR_FINDING_CHANGED},
+                                                                           {"lost", ZYR_FINDING_LOST}}))
+        ->type_name("doubtful|changed|lost");
+    pstLint->add_option("--cps", stLint.uiSpeed, "more characters a second are too fast to read [25]")
+        ->check(CLI::Range(1, 1000))
+        ->type_name("N");
+    pstLint
+        ->add_option_function<std::string>(
+            "--longest",
+            [&stLint](const std::string &strText) {
+                std::optional<uint32_t> uiLongest;
+                Set_Time("--longest", strText, uiLongest);
+                stLint.uiLongestMs = *uiLongest;
+            },
+            "a caption that stays longer is doubtful [15s]")
+        ->type_name("T");
+    pstLint->add_option("--output", stLint.strOutput, "try how captions fit an output (those of render)")
+        ->type_name("NAME");
+    pstLint
+        ->add_option("--explain", stLint.strExplain, "tell what a code means; all: all of them, as Markdown")
+        ->type_name("CODE");
+    pstLint->footer(LINT_FOOTER);
+}
+
 static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
 {
     RenderOptions &stRender = stLine.stOptions.stRender;
@@ -327,6 +393,7 @@ CommandLine Read_CommandLine(int iArguments, char **ppszArguments)
     stApp.footer(MAIN_FOOTER);
     Add_ReportCommands(stApp, stLine);
     Add_FindCommand(stApp, stLine);
+    Add_LintCommand(stApp, stLine);
     Add_RenderCommand(stApp, stLine);
     Add_PlayCommand(stApp, stLine);
     Add_ConvertCommand(stApp, stLine);

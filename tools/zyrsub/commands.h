@@ -10,6 +10,7 @@ ExitCode Run_Frames(const Options &stOptions);
 ExitCode Run_Convert(const Options &stOptions);
 ExitCode Run_Find(const Options &stOptions);
 ExitCode Run_Render(const Options &stOptions);
+ExitCode Run_Lint(const Options &stOptions);
 ExitCode Run_Play(const Options &stOptions);
 
 // One input, or several that fail alike, give the failure's own code.

@@ -36,6 +36,15 @@ struct PlayOptions {
     bool bTerminal = false;
 };
 
+struct LintOptions {
+    std::string strFormat = "text"; // "json", "sarif", "junit"
+    std::string strExplain;         // a code, or "all"
+    std::string strOutput;          // empty: none is tried
+    uint32_t uiLevel = 1;           // the least severity that is told
+    uint32_t uiSpeed = 0;           // characters a second; 0: the usual ones
+    uint32_t uiLongestMs = 0;       // the same
+};
+
 // The output, or one without a name; and how many there are.
 ZyrCaptionOutput Get_Output(uint32_t uiOutput);
 uint32_t Count_Outputs();
@@ -62,6 +71,7 @@ struct Options {
     ScreenOptions stScreen;
     RenderOptions stRender;
     PlayOptions stPlay;
+    LintOptions stLint;
     ConvertOptions stConvert;
     int iVerbose = 0; // 1: the library's errors, 2: all it logs
     std::vector<std::string> astrMovies;

@@ -1,0 +1,79 @@
+#include "lint_file.h"
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+
+#include "text_tools.h"
+
+static ExitCode Get_ExitCode(int iError)
+{
+    switch (iError) {
+    case ZYR_CAPTIONS_BAD_ARGUMENT:
+    case ZYR_CAPTIONS_NO_CODE_PAGE:
+    case ZYR_CAPTIONS_NO_CLASS: return E_EXIT_USAGE;
+    case ZYR_CAPTIONS_NOT_FOUND:
+    case ZYR_CAPTIONS_UNREADABLE:
+    case ZYR_CAPTIONS_FOLDER: return E_EXIT_NOT_FOUND;
+    default: return E_EXIT_SOME_FAILED;
+    }
+}
+
+Outcome LintFile::Open(const std::string &strMovie, const Options &stOptions)
+{
+    const SourceOptions &stSource = stOptions.stSource;
+    const LintOptions &stLint = stOptions.stLint;
+    std::vector<const char *> apszClasses;
+    for (const std::string &strClass : stSource.astrClasses) apszClasses.push_back(strClass.c_str());
+    ZyrCaptionsOptions stLoad = {};
+    const std::string strCodePage = stSource.strCodePage.empty() ? "CP949" : stSource.strCodePage;
+    stLoad.pszCodePage = Lower_Case(strCodePage) == AUTO_CODE_PAGE ? nullptr : strCodePage.c_str();
+    stLoad.ppszClasses = apszClasses.data();
+    stLoad.uiClasses = static_cast<uint32_t>(apszClasses.size());
+    if (stSource.bSingleByte) stLoad.uiFlags = ZYR_CAPTIONS_SINGLE_BYTE;
+    ZyrFindingsOptions stSearch = {&stLoad, stLint.uiSpeed, stLint.uiLongestMs,
+                                   stLint.strOutput.empty() ? nullptr : stLint.strOutput.c_str(), 0};
+    m_strMovie = strMovie;
+    if (strMovie == "-") {
+        const std::string strInput(std::istreambuf_iterator<char>(std::cin), {});
+        m_pstFindings.reset(zyrFindings_loadMemory(strInput.data(), strInput.size(), nullptr, &stSearch));
+    } else {
+        m_pstFindings.reset(zyrFindings_load(strMovie.c_str(), &stSearch));
+    }
+    ZyrFinding stFinding;
+    for (uint32_t ui = 0; zyrFindings_get(m_pstFindings.get(), ui, &stFinding) == ZYR_CAPTIONS_OK; ++ui)
+        if (stFinding.uiSeverity >= stLint.uiLevel) m_astFindings.push_back(stFinding);
+    const int iError = zyrFindings_getError(m_pstFindings.get());
+    if (iError == ZYR_CAPTIONS_OK) return {};
+    const std::string strLead = strMovie + ": ";
+    const std::string strText = zyrFindings_getErrorText(m_pstFindings.get());
+    return {Get_ExitCode(iError), strText.starts_with(strLead) ? strText.substr(strLead.size()) : strText};
+}
+
+uint32_t LintFile::Count(uint32_t uiSeverity) const
+{
+    return static_cast<uint32_t>(
+        std::count_if(m_astFindings.begin(), m_astFindings.end(),
+                      [&](const ZyrFinding &stFinding) { return stFinding.uiSeverity == uiSeverity; }));
+}
+
+ZyrCaptionsFile LintFile::Get_File() const
+{
+    ZyrCaptionsFile stFile;
+    zyrCaptions_getFile(zyrFindings_getCaptions(m_pstFindings.get()), &stFile);
+    return stFile;
+}
+
+ZyrCaption LintFile::Get_Caption(const ZyrFinding &stFinding) const
+{
+    ZyrCaption stCaption;
+    zyrCaptions_get(zyrFindings_getCaptions(m_pstFindings.get()), stFinding.uiCaption, &stCaption);
+    return stCaption;
+}
+
+ZyrFindingRule Get_Rule(uint32_t uiRule)
+{
+    ZyrFindingRule stRule;
+    zyrFindings_getRule(uiRule, &stRule);
+    return stRule;
+}

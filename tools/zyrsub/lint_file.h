@@ -1,0 +1,39 @@
+// The findings of one file, in the words of this tool.
+#ifndef ZYRSUB_LINT_FILE_H
+#define ZYRSUB_LINT_FILE_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "exit_code.h"
+#include "options.h"
+#include "zyr/zyr_findings.h"
+
+class LintFile
+{
+public:
+    // A movie, whose subtitle stands beside it, or a subtitle file itself; "-" is standard input.
+    Outcome Open(const std::string &strMovie, const Options &stOptions);
+
+    const std::string &Get_Movie() const { return m_strMovie; }
+    const std::vector<ZyrFinding> &Get_Findings() const { return m_astFindings; } // of the level asked for
+    uint32_t Count(uint32_t uiSeverity) const;
+    ZyrCaptionsFile Get_File() const;
+    ZyrCaption Get_Caption(const ZyrFinding &stFinding) const; // all 0 for a finding without one
+
+private:
+    std::string m_strMovie;
+    std::unique_ptr<ZyrFindings, void (*)(ZyrFindings *)> m_pstFindings{nullptr, zyrFindings_free};
+    std::vector<ZyrFinding> m_astFindings;
+};
+
+// What was looked for in a file, and how that ended.
+struct LintResult {
+    LintFile stFile;
+    Outcome stOutcome;
+};
+
+ZyrFindingRule Get_Rule(uint32_t uiRule);
+
+#endif
