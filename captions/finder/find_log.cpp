@@ -31,6 +31,37 @@ bool Is_Ordinary(std::string_view strMessage, bool bSami)
                      strMessage.find("find the matching tag type") != std::string_view::npos);
 }
 
+// The colour that a run of messages is about: in one of them, or a character in each of those behind it.
+std::string Read_Colour(const Finder &stFinder, uint32_t uiLine, std::string_view strMessage)
+{
+    static constexpr std::string_view SIGN = "DATA = ";
+    const size_t uiSign = strMessage.find(SIGN);
+    if (uiSign == std::string_view::npos) return "";
+    std::string strColour(strMessage.substr(uiSign + SIGN.size()));
+    if (strMessage.find("Failed") == std::string_view::npos) return strColour.substr(0, strColour.find(','));
+    ZyrCaptionLogLine stNext;
+    while (zyrCaptions_getLogLine(stFinder.pstMeant, ++uiLine, &stNext) == ZYR_CAPTIONS_OK &&
+           *stNext.pszText != ')')
+        strColour += stNext.pszText;
+    return strColour;
+}
+
+// Whether the message is about a colour, which is then told at its place.
+bool Find_Colour(Finder &stFinder, uint32_t uiLine, const ZyrCaptionLogLine &stLine)
+{
+    const std::string_view strMessage = stLine.pszText;
+    if (strMessage.find("Color") == std::string_view::npos) return false;
+    const std::string strColour = Read_Colour(stFinder, uiLine, strMessage);
+    const size_t uiPlace = stFinder.auiPlaces[stLine.uiCaption];
+    const size_t uiTag =
+        std::min(stFinder.stFile.Get_Lower().find("color", uiPlace), stFinder.stFile.Get_Text().size());
+    const size_t uiValue = strColour.empty() ? uiTag : stFinder.stFile.Get_Text().find(strColour, uiTag);
+    stFinder.Add(E_RULE_TEXT_COLOUR, std::min(uiValue, stFinder.stFile.Get_Text().size()),
+                 std::max<size_t>(strColour.size(), 1), stLine.uiCaption,
+                 "the box does not know the colour " + Quote(strColour) + " and leaves it out");
+    return true;
+}
+
 // Where findings are, in order.
 std::vector<size_t> List_Places(const Finder &stFinder)
 {
@@ -71,7 +102,9 @@ void Find_InLog(Finder &stFinder)
     uint32_t uiLast = ZYR_CAPTIONS_NONE;
     for (uint32_t ui = 0; zyrCaptions_getLogLine(stFinder.pstMeant, ui, &stLine) == ZYR_CAPTIONS_OK; ++ui) {
         const uint32_t uiCaption = stLine.uiCaption;
-        if (!Is_Parser(stLine) || uiCaption >= stFinder.astCaptions.size() || uiCaption == uiLast) continue;
+        if (!Is_Parser(stLine) || uiCaption >= stFinder.astCaptions.size()) continue;
+        if (Find_Colour(stFinder, ui, stLine)) uiLast = uiCaption;
+        if (uiCaption == uiLast) continue;
         if (Is_Ordinary(stLine.pszText, bSami) || Is_Told(stFinder, auiTold, uiCaption)) continue;
         uiLast = uiCaption;
         const size_t uiPlace = stFinder.auiPlaces[uiCaption];

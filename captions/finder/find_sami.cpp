@@ -214,6 +214,12 @@ void Find_NotShown(const SamiFile &stFile, const Paragraph &stParagraph)
         return Add_ForParagraph(stFile, stParagraph, E_RULE_SMI_EIGHTH_CLASS,
                                 "the box has seven classes already: " + stParagraph.strBoxName +
                                     " is never shown");
+    const std::string_view strValue = Get_Value(stFile, stParagraph.stClass);
+    if (!strValue.empty() && Is_Quote(strValue[0]))
+        return Add_ForParagraph(
+            stFile, stParagraph, E_RULE_SMI_CLASS_QUOTED,
+            "to the box the quotation marks belong to the name, and then do not: the paragraph "
+            "is in no class");
     Add_ForParagraph(stFile, stParagraph, E_RULE_SMI_NOT_SHOWN, "the box shows this paragraph in no caption");
 }
 
@@ -309,7 +315,10 @@ void Find_InCaption(const SamiFile &stFile, Sync &stSync, uint32_t uiCaption,
         return Add_ForSync(stFile, stSync, E_RULE_SMI_END_UNREADABLE,
                            "the box cannot read END, and shows the text of the next good SYNC instead");
     Find_Folded(stFile, stSync, uiCaption, apstOwn);
-    Find_InText(stFile.stFinder, uiCaption, stMeant, [](size_t) { return E_RULE_TEXT_MISSING; });
+    const size_t uiFirst =
+        stSync.astParagraphs.empty() ? stSync.uiEnd : stSync.astParagraphs[0].stTag.uiFirst;
+    Find_InText(stFile.stFinder, uiCaption, stMeant,
+                [&](size_t uiText) { return uiText < uiFirst ? E_RULE_SMI_NOT_SHOWN : E_RULE_TEXT_MISSING; });
 }
 
 // ------------------------------------------------------------------------------------------------- paragraphs
@@ -321,10 +330,6 @@ void Find_InName(SamiFile &stFile, const Paragraph &stParagraph)
         return Add_ForParagraph(stFile, stParagraph, E_RULE_SMI_CLASS_NOT_FIRST,
                                 "CLASS is not the first attribute: to the box this paragraph has no class");
     if (strValue.empty() || !stFile.astrTold.insert(Upper(strValue)).second) return;
-    if (Is_Quote(strValue[0]))
-        Add_ForParagraph(stFile, stParagraph, E_RULE_SMI_CLASS_QUOTED,
-                         "to the box the quotation marks belong to the name of the class, " +
-                             stParagraph.strBoxName);
     if (strValue.size() > NAME_MOST)
         Add_ForParagraph(stFile, stParagraph, E_RULE_SMI_CLASS_LONG,
                          "the box cuts the name of the class to " + Quote(stParagraph.strBoxName));

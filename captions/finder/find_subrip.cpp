@@ -196,8 +196,14 @@ void Find_InEntry(Finder &stFinder, const Entry &stEntry, uint32_t uiCaption)
     });
 }
 
+// Behind an empty line, the entry is seen, and then the file ends in its time line.
 void Add_Swallowed(Finder &stFinder, const Entry &stEntry, uint32_t uiCaption)
 {
+    const std::string &strText = stFinder.stFile.Get_Text();
+    if (stEntry.uiFirst > 1 && strText.compare(stEntry.uiFirst - 2, 2, "\n\n") == 0)
+        return stFinder.Add(E_RULE_SRT_NOT_SHOWN, stEntry.uiTimeLine,
+                            Get_LineLength(stFinder, stEntry.uiTimeLine), ZYR_CAPTIONS_NONE,
+                            "the box makes no caption of this entry");
     stFinder.Add(E_RULE_SRT_SWALLOWED, stEntry.uiTimeLine, Get_LineLength(stFinder, stEntry.uiTimeLine),
                  uiCaption,
                  "the box does not see that an entry begins here: no empty line stands before its number");

@@ -228,9 +228,10 @@ constexpr RuleRow RULES[] = {
      "shown.",
      "movie.smi",
      "<SYNC Start=1000><P>Hello\n<!-- <SYNC Start=1500><P>Secret -->\n<SYNC Start=2000><P>&nbsp;\n"},
-    {E_RULE_SMI_CLASS_QUOTED, "ZYR-SMI-008", CHANGED, "SAMI", "a class name in quotation marks",
-     "They belong to the name: \"ENCC\" and ENCC are two languages to the box, and neither is told to be the "
-     "other.",
+    {E_RULE_SMI_CLASS_QUOTED, "ZYR-SMI-008", LOST, "SAMI", "a class name in quotation marks",
+     "When the box looks for classes they belong to the name, and when it reads the paragraph they do not: "
+     "the name "
+     "is never found again, and the paragraph never shown. Write the name alone.",
      "movie.smi", "<SYNC Start=1000><P Class=\"ENCC\">Hello\n<SYNC Start=2000><P Class=\"ENCC\">&nbsp;\n"},
     {E_RULE_SMI_CLASS_NOT_FIRST, "ZYR-SMI-009", CHANGED, "SAMI",
      "CLASS is not the first attribute of its paragraph",
@@ -354,7 +355,10 @@ constexpr RuleRow RULES[] = {
      "It is broken into several lines on the display. Only looked for with an output.", "movie.srt",
      "1\n00:00:01,000 --> 00:00:05,000\nWWWWWWWWWWWWWWWWWWWW WWWWWWWWWWWWWWWWWWWW WWWWWWWWWWWWWWWWWWWW\n\n"},
     {E_RULE_OUT_TALL, "ZYR-OUT-003", LOST, "all", "a caption taller than the output",
-     "Its lines do not all fit on the display. Only looked for with an output.", "movie.srt",
+     "Its rows do not all fit on the display. Six lines of 64 characters, wrapped to its width, do at an "
+     "output's own font size, "
+     "but not always at a larger one. Only looked for with an output.",
+     "movie.srt",
      "1\n00:00:01,000 --> 00:00:09,000\n"
      "WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW\n"
      "WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW\n"

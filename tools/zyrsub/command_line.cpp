@@ -245,12 +245,15 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
     pstLint->add_option("--format", stLint.strFormat, "how findings are written [text]")
         ->check(CLI::IsMember({"text", "json", "sarif", "junit"}));
     pstLint
-        ->add_option("--level", stLint.uiLevel, "tell findings of this severity and of worse ones [doubtful]")
-        ->transform(
-            CLI::Transformer(std::vector<std::pair<std::string, uint32_t>>{{"doubtful", ZYR_FINDING_DOUBTFUL},
-                                                                           {"changed", ZYR_FINDING_CHANGED},
-                                                                           {"lost", ZYR_FINDING_LOST}}))
-        ->type_name("doubtful|changed|lost");
+        ->add_option_function<std::string>(
+            "--level",
+            [&stLint](const std::string &strLevel) {
+                stLint.uiLevel = strLevel == "lost"      ? ZYR_FINDING_LOST
+                                 : strLevel == "changed" ? ZYR_FINDING_CHANGED
+                                                         : ZYR_FINDING_DOUBTFUL;
+            },
+            "tell findings of this severity and of worse ones [doubtful]")
+        ->check(CLI::IsMember({"doubtful", "changed", "lost"}));
     pstLint->add_option("--cps", stLint.uiSpeed, "more characters a second are too fast to read [25]")
         ->check(CLI::Range(1, 1000))
         ->type_name("N");
@@ -264,8 +267,15 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
             },
             "a caption that stays longer is doubtful [15s]")
         ->type_name("T");
+    std::vector<std::string> astrOutputs;
+    for (uint32_t uiOutput = 0; uiOutput < Count_Outputs(); ++uiOutput)
+        astrOutputs.emplace_back(Get_Output(uiOutput).pszName);
     pstLint->add_option("--output", stLint.strOutput, "try how captions fit an output (those of render)")
+        ->check(CLI::Validator(CLI::IsMember(astrOutputs)).description(""))
         ->type_name("NAME");
+    pstLint->add_option("--font-size", stLint.uiFontSize, "with --output: as render takes it")
+        ->check(CLI::IsMember({24, 28, 32, 36, 40}))
+        ->type_name("N");
     pstLint
         ->add_option("--explain", stLint.strExplain, "tell what a code means; all: all of them, as Markdown")
         ->type_name("CODE");

@@ -32,7 +32,7 @@ Outcome LintFile::Open(const std::string &strMovie, const Options &stOptions)
     stLoad.uiClasses = static_cast<uint32_t>(apszClasses.size());
     if (stSource.bSingleByte) stLoad.uiFlags = ZYR_CAPTIONS_SINGLE_BYTE;
     ZyrFindingsOptions stSearch = {&stLoad, stLint.uiSpeed, stLint.uiLongestMs,
-                                   stLint.strOutput.empty() ? nullptr : stLint.strOutput.c_str(), 0};
+                                   stLint.strOutput.empty() ? nullptr : stLint.strOutput.c_str(), stLint.uiFontSize};
     m_strMovie = strMovie;
     if (strMovie == "-") {
         const std::string strInput(std::istreambuf_iterator<char>(std::cin), {});

@@ -43,6 +43,7 @@ struct LintOptions {
     uint32_t uiLevel = 1;           // the least severity that is told
     uint32_t uiSpeed = 0;           // characters a second; 0: the usual ones
     uint32_t uiLongestMs = 0;       // the same
+    uint32_t uiFontSize = 0;        // 0: the output's own
 };
 
 // The output, or one without a name; and how many there are.
