@@ -146,14 +146,23 @@ void Find_InFormat(Finder &stFinder)
     }
 }
 
+std::string Explain_Refusal(const Finder &stFinder, int iError)
+{
+    static const std::string LEAD = "the box does not open the file: ";
+    if (iError == ZYR_CAPTIONS_EMPTY) return LEAD + "it is empty";
+    if (stFinder.stAbout.uiFormat == ZYR_CAPTIONS_SUBVIEWER)
+        return LEAD + "there is no field [SUBTITLE] in front of its first line that begins with a digit";
+    if (iError == ZYR_CAPTIONS_NO_FORMAT) return LEAD + "it is none of SAMI, SubRip, SubViewer and SSA";
+    return LEAD + "it is not what its name says";
+}
+
 // A file that the box refuses has that one finding, and those of its bytes.
 int Find_All(Finder &stFinder, const Search &stSearch)
 {
     if (stSearch.strEnding) stFinder.Add_ForFile(E_RULE_FILE_ENDING, *stSearch.strEnding);
     const int iRefused = zyrCaptions_getError(stFinder.pstMeant);
     if (iRefused != ZYR_CAPTIONS_OK)
-        stFinder.Add_ForFile(E_RULE_FILE_REFUSED, std::string("the box does not open the file: ") +
-                                                      zyrCaptions_getErrorText(stFinder.pstMeant));
+        stFinder.Add_ForFile(E_RULE_FILE_REFUSED, Explain_Refusal(stFinder, iRefused));
     Find_InBytes(stFinder);
     if (iRefused != ZYR_CAPTIONS_OK) return ZYR_CAPTIONS_OK;
     Find_LineEnds(stFinder);

@@ -13,7 +13,7 @@ output, messages to standard error."""
 ENVIRONMENT = [
     ("ZYR_FONT", "TrueType file of the captions, instead of WenQuanYi Micro Hei."),
     ("ZYR_PROPERTIES", "File of system properties (key=value lines) that the renderer sees at start."),
-    ("NO_COLOR", "Makes no difference: nothing is coloured, with it or without."),
+    ("NO_COLOR", "Not empty: lint uses no colours on a terminal. Nothing else is ever coloured."),
 ]
 
 

@@ -23,7 +23,7 @@ static std::vector<std::string> Split_Characters(const std::string &strUtf8)
         if ((cByte & 0xC0) == 0x80 && !astrCharacters.empty())
             astrCharacters.back() += cByte;
         else
-            astrCharacters.push_back(cByte == '\t' ? " " : std::string(1, cByte));
+            astrCharacters.emplace_back(1, cByte);
     return astrCharacters;
 }
 
@@ -42,7 +42,9 @@ static bool Is_Wide(const std::string &strCharacter)
 // The line, or the part of a long one that it is about, and the caret under it.
 static std::string Show_Line(const ZyrFinding &stFinding, bool bColour)
 {
-    const std::vector<std::string> astrAll = Split_Characters(Make_Printable(stFinding.pszLine));
+    std::string strPlain = stFinding.pszLine;
+    std::replace(strPlain.begin(), strPlain.end(), '\t', ' ');
+    const std::vector<std::string> astrAll = Split_Characters(Make_Printable(strPlain));
     const size_t uiColumn = std::min<size_t>(stFinding.uiColumn - 1, astrAll.size());
     const size_t uiFirst = uiColumn > LEAD && astrAll.size() > WIDTH ? uiColumn - LEAD : 0;
     std::string strLine = uiFirst > 0 ? "..." : "";
