@@ -4,8 +4,8 @@
 
 #include "display/display_system.h"
 #include "font/font_layout.h"
+#include "font/renderer_log.h"
 #include "zyr_ccfb.h"
-#include "zyr_log.h"
 #include "zyr_pmap.h"
 
 constexpr char CAPTION_DEVICE[] = "/dev/ccfb";
@@ -39,11 +39,16 @@ static int32_t g_iPosY;
 static uint32_t g_uiPosition = 16; // pixels from the display's bottom up to the caption
 static uint32_t g_uiFontSize = 32; // pixels
 
+/* @return what a call of a step has given; one that failed is logged */
+static int32_t Report(const char *pszStep, const char *pszCall, int32_t iResult)
+{
+    if (iResult != 0) LOG_RENDERER("[%s] Error %s", pszStep, pszCall);
+    return iResult;
+}
+
 static int32_t Check_Handle(const char *pszStep)
 {
-    if (g_iCCFBHandle > 0) return 0;
-    __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error invalid handle", pszStep);
-    return -2;
+    return Report(pszStep, "invalid handle", g_iCCFBHandle > 0 ? 0 : -2);
 }
 
 int32_t zyr_display_setCCFB(uint32_t uiLcdc, int32_t iX, int32_t iY, uint32_t uiWidth, uint32_t uiHeight,
@@ -51,19 +56,9 @@ int32_t zyr_display_setCCFB(uint32_t uiLcdc, int32_t iX, int32_t iY, uint32_t ui
 {
     const int32_t iResult = Check_Handle("zyr_display_setCCFB");
     if (iResult != 0) return iResult;
-    const uint32_t auiRecord[13] = {uiLcdc,
-                                    0,
-                                    static_cast<uint32_t>(iX),
-                                    static_cast<uint32_t>(iY),
-                                    uiWidth,
-                                    uiHeight,
-                                    0,
-                                    uiSrcWidth,
-                                    uiHeight,
-                                    1,
-                                    0,
-                                    0,
-                                    0};
+    const uint32_t uiX = static_cast<uint32_t>(iX);
+    const uint32_t uiY = static_cast<uint32_t>(iY);
+    const uint32_t auiRecord[13] = {uiLcdc, 0, uiX, uiY, uiWidth, uiHeight, 0, uiSrcWidth, uiHeight, 1};
     zyr_ccfb_request(g_iCCFBHandle, ZYR_CCFB_SET, auiRecord, sizeof(auiRecord));
     return 0;
 }
@@ -107,8 +102,7 @@ static int32_t Open_Device()
     g_iCCFBHandle = zyr_ccfb_open(CAPTION_DEVICE);
     if (g_iCCFBHandle > 0) return 0;
     g_iCCFBHandle = 0;
-    __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error can't open %s", "zyr_display_openCCFB",
-                        CAPTION_DEVICE);
+    LOG_RENDERER("[%s] Error can't open %s", "zyr_display_openCCFB", CAPTION_DEVICE);
     return -7;
 }
 
@@ -132,13 +126,13 @@ static int32_t Open_Memory()
     ZyrPmapRecord stRegion = {};
     pmap_get_info(CAPTION_REGION, &stRegion);
     if (stRegion.uiBase == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error unknown region(%s)", szStep, CAPTION_REGION);
+        LOG_RENDERER("[%s] Error unknown region(%s)", szStep, CAPTION_REGION);
         return -4;
     }
     void *pvMemory = zyr_ccfb_map(g_iCCFBHandle, MAPPING_BYTES, stRegion.uiBase);
     g_pCCFBMem = pvMemory != nullptr ? pvMemory : NOT_MAPPED;
     if (g_pCCFBMem == NOT_MAPPED) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error mmap failed.(%p)\n", szStep, g_pCCFBMem);
+        LOG_RENDERER("[%s] Error mmap failed.(%p)\n", szStep, g_pCCFBMem);
         return -4;
     }
     Set_Buffers(stRegion.uiBase);
@@ -148,7 +142,7 @@ static int32_t Open_Memory()
 /* Undo what a failed open did; parts that it had not reached are closed already. */
 static int32_t Fail_Open(const char *pszFormat, int32_t iCode, int32_t iResult)
 {
-    __android_log_print(ZYR_LOG_ERROR, nullptr, pszFormat, "zyr_display_open", iCode);
+    LOG_RENDERER(pszFormat, "zyr_display_open", iCode);
     zyr_display_system_exit();
     Close_Device();
     Close_Memory();
@@ -161,8 +155,7 @@ int32_t zyr_display_open(void)
 
     int32_t iResult = zyr_display_system_init();
     if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_system_init(%d)",
-                            "zyr_display_open", iResult);
+        LOG_RENDERER("[%s] Error zyr_display_system_init(%d)", "zyr_display_open", iResult);
         return -1;
     }
     iResult = Open_Device();
@@ -183,9 +176,7 @@ int32_t zyr_display_close(void)
     Close_Memory();
     zyr_display_system_exit();
     const int32_t iResult = zyr_font_close();
-    if (iResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_font_close (%d)'", "zyr_display_close",
-                            iResult);
+    if (iResult != 0) LOG_RENDERER("[%s] Error zyr_font_close (%d)'", "zyr_display_close", iResult);
     g_iPosX = g_iPosY = 0;
     return 0;
 }
@@ -193,14 +184,8 @@ int32_t zyr_display_close(void)
 int32_t zyr_display_setOnoff(int32_t iOn)
 {
     static constexpr char szStep[] = "zyr_display_setOnoff";
-    if (g_iCCFBHandle == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error invalid handle", szStep);
-        return -7;
-    }
-    const int32_t iResult = zyr_display_enableCCFB(iOn);
-    if (iResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_enableCCFB", szStep);
-    return iResult;
+    if (g_iCCFBHandle == 0) return Report(szStep, "invalid handle", -7);
+    return Report(szStep, "zyr_display_enableCCFB", zyr_display_enableCCFB(iOn));
 }
 
 int32_t zyr_display_setFontSize(uint32_t uiSize)
@@ -218,15 +203,8 @@ int32_t zyr_display_setFontSize(uint32_t uiSize)
 
 static int32_t Check_Open(const char *pszStep)
 {
-    if (g_iCCFBHandle == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error invalid handle", pszStep);
-        return -7;
-    }
-    if (g_pCCFBMem == NOT_MAPPED) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error invalid memory", pszStep);
-        return -4;
-    }
-    return 0;
+    if (g_iCCFBHandle == 0) return Report(pszStep, "invalid handle", -7);
+    return Report(pszStep, "invalid memory", g_pCCFBMem == NOT_MAPPED ? -4 : 0);
 }
 
 struct OutputRegion {
@@ -242,31 +220,18 @@ static int32_t Read_OutputRegion(const char *pszStep, OutputRegion &stOutput)
     const int32_t iResult =
         zyr_display_system_getRegion(&stOutput.uiLcdc, &stOutput.uiDispWidth, &stOutput.uiDispHeight,
                                      &stOutput.uiSubWidth, &stOutput.uiSubHeight);
-    if (iResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_getRegion", pszStep);
-    return iResult;
+    return Report(pszStep, "zyr_display_getRegion", iResult);
 }
 
-/* Tell the device the box at the caption's place, and switch the layer on. */
-static int32_t Send_Box(const char *pszStep, uint32_t uiLcdc, uint32_t uiWidth, uint32_t uiHeight)
+/* Tell the device the box at the caption's place, switch the layer on, and show a buffer there. */
+static int32_t Send_Box(const char *pszStep, uint32_t uiLcdc, uint32_t uiWidth, uint32_t uiHeight,
+                        uint32_t uiPhysAddr)
 {
-    int32_t iResult = zyr_display_setCCFB(uiLcdc, g_iPosX, g_iPosY, uiWidth, uiHeight, uiWidth);
-    if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_setCCFB", pszStep);
-        return iResult;
-    }
-    iResult = zyr_display_enableCCFB(1);
-    if (iResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_enableCCFB", pszStep);
-    return iResult;
-}
-
-static int32_t Send_Buffer(const char *pszStep, uint32_t uiPhysAddr)
-{
-    const int32_t iResult = zyr_display_updateCCFB(uiPhysAddr);
-    if (iResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_updateCCFB", pszStep);
-    return iResult;
+    const int32_t iPlaced = zyr_display_setCCFB(uiLcdc, g_iPosX, g_iPosY, uiWidth, uiHeight, uiWidth);
+    if (Report(pszStep, "zyr_display_setCCFB", iPlaced) != 0) return iPlaced;
+    const int32_t iEnabled = zyr_display_enableCCFB(1);
+    if (Report(pszStep, "zyr_display_enableCCFB", iEnabled) != 0) return iEnabled;
+    return Report(pszStep, "zyr_display_updateCCFB", zyr_display_updateCCFB(uiPhysAddr));
 }
 
 int32_t zyr_display_clearString(void)
@@ -277,9 +242,7 @@ int32_t zyr_display_clearString(void)
     OutputRegion stOutput = {};
     iResult = Read_OutputRegion(szStep, stOutput);
     if (iResult != 0) return iResult;
-    iResult = Send_Box(szStep, stOutput.uiLcdc, CLEAR_SIDE, CLEAR_SIDE);
-    if (iResult != 0) return iResult;
-    return Send_Buffer(szStep, g_uiClearBufPhys);
+    return Send_Box(szStep, stOutput.uiLcdc, CLEAR_SIDE, CLEAR_SIDE, g_uiClearBufPhys);
 }
 
 static void Place_Caption(const OutputRegion &stOutput, uint32_t uiWidth, uint32_t uiHeight)
@@ -340,19 +303,13 @@ int32_t zyr_display_displayString(const uint16_t *pusString, int32_t iLength)
     static constexpr char szStep[] = "zyr_display_displayString";
     int32_t iResult = Check_Open(szStep);
     if (iResult != 0) return iResult;
-    if (pusString == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error Invaild param", szStep);
-        return -2;
-    }
-    __android_log_print(ZYR_LOG_DEBUG, nullptr, "zyr_display_displayString(%d)\n", iLength);
+    if (pusString == nullptr) return Report(szStep, "Invaild param", -2);
+    LOG_RENDERER_STEP("zyr_display_displayString(%d)\n", iLength);
     OutputRegion stOutput = {};
     iResult = Read_OutputRegion(szStep, stOutput);
     if (iResult != 0) return iResult;
-    iResult = zyr_display_clearString();
-    if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_display_clearString", szStep);
-        return iResult;
-    }
+    iResult = Report(szStep, "zyr_display_clearString", zyr_display_clearString());
+    if (iResult != 0) return iResult;
 
     CaptionText stText = {};
     stText.pusString = pusString;
@@ -360,9 +317,7 @@ int32_t zyr_display_displayString(const uint16_t *pusString, int32_t iLength)
     Measure_Caption(stOutput, stText);
     Draw_Caption(stText);
     Place_Caption(stOutput, stText.uiWidth, stText.uiHeight);
-    iResult = Send_Box(szStep, stOutput.uiLcdc, stText.uiWidth, stText.uiHeight);
-    if (iResult != 0) return iResult;
-    iResult = Send_Buffer(szStep, g_auiBufPhys[g_uiBufIndex]);
+    iResult = Send_Box(szStep, stOutput.uiLcdc, stText.uiWidth, stText.uiHeight, g_auiBufPhys[g_uiBufIndex]);
     g_uiBufIndex ^= 1;
     return iResult;
 }
@@ -380,13 +335,10 @@ int32_t zyr_display_setPosition(uint32_t uiPosition)
     uint32_t uiPitch = 0;
     iResult = zyr_font_getDestRegion(&uiWidth, &uiHeight, &uiPitch);
     if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error zyr_font_getDestRegion(ret:%d)", szStep,
-                            iResult);
+        LOG_RENDERER("[%s] Error zyr_font_getDestRegion(ret:%d)", szStep, iResult);
         return iResult;
     }
     g_uiPosition = uiPosition;
     Place_Caption(stOutput, uiWidth, uiHeight);
-    iResult = Send_Box(szStep, stOutput.uiLcdc, uiWidth, uiHeight);
-    if (iResult != 0) return iResult;
-    return Send_Buffer(szStep, g_auiBufPhys[g_uiBufIndex ^ 1]);
+    return Send_Box(szStep, stOutput.uiLcdc, uiWidth, uiHeight, g_auiBufPhys[g_uiBufIndex ^ 1]);
 }

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "zyr_log.h"
+#include "font/renderer_log.h"
 #include "zyr_properties.h"
 
 enum OutputMode : int32_t { E_OUTPUT_LCD, E_OUTPUT_HDMI, E_OUTPUT_COMPOSITE, E_OUTPUT_COMPONENT };
@@ -67,10 +67,9 @@ static void Read_Settings()
         stInfo.iHdmiResolution = Read_IntProperty("persist.sys.hdmi_detected_res");
     stInfo.iCompositeMode = Read_IntProperty("persist.sys.composite_mode");
     stInfo.iComponentMode = Read_IntProperty("persist.sys.component_mode");
-    __android_log_print(ZYR_LOG_DEBUG, nullptr, "[%s] arch:%d, mode(%d/%d/%d/%d/%d)\n",
-                        "zyr_display_system_init", static_cast<int32_t>(stInfo.uiArch), stInfo.iOutputStb,
-                        stInfo.iOutputMode, stInfo.iHdmiResolution, stInfo.iCompositeMode,
-                        stInfo.iComponentMode);
+    LOG_RENDERER_STEP("[%s] arch:%d, mode(%d/%d/%d/%d/%d)\n", "zyr_display_system_init",
+                      static_cast<int32_t>(stInfo.uiArch), stInfo.iOutputStb, stInfo.iOutputMode,
+                      stInfo.iHdmiResolution, stInfo.iCompositeMode, stInfo.iComponentMode);
 }
 
 /* @return false when the chip family or its output mode is unknown */
@@ -82,8 +81,8 @@ static bool Choose_Controller()
         return true;
     }
     if (stInfo.uiArch == E_ARCH_UNKNOWN) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] unknown arch(%d)\n", "zyr_display_system_init",
-                            static_cast<int32_t>(stInfo.uiArch));
+        LOG_RENDERER("[%s] unknown arch(%d)\n", "zyr_display_system_init",
+                     static_cast<int32_t>(stInfo.uiArch));
         return false;
     }
     switch (stInfo.iOutputMode) {
@@ -108,10 +107,10 @@ static void Set_Region(const char *pszStep, uint32_t uiWidth, uint32_t uiHeight,
     stInfo.dRatioX = 1.0;
     stInfo.dRatioY = static_cast<double>(uiHeight) / uiSubHeight;
     stInfo.uiDefaultFontSize = uiFontSize;
-    __android_log_print(ZYR_LOG_DEBUG, nullptr, "[%s] disp(%d,%d,%d,%d), sub(%d,%d), ratio(%f,%f), m(0x%X)\n",
-                        pszStep, stInfo.iDispX, stInfo.iDispY, static_cast<int32_t>(uiWidth),
-                        static_cast<int32_t>(uiHeight), static_cast<int32_t>(stInfo.uiSubWidth),
-                        static_cast<int32_t>(uiSubHeight), stInfo.dRatioX, stInfo.dRatioY, stInfo.uiDispMode);
+    LOG_RENDERER_STEP("[%s] disp(%d,%d,%d,%d), sub(%d,%d), ratio(%f,%f), m(0x%X)\n", pszStep, stInfo.iDispX,
+                      stInfo.iDispY, static_cast<int32_t>(uiWidth), static_cast<int32_t>(uiHeight),
+                      static_cast<int32_t>(stInfo.uiSubWidth), static_cast<int32_t>(uiSubHeight),
+                      stInfo.dRatioX, stInfo.dRatioY, stInfo.uiDispMode);
 }
 
 struct HdmiMode {
@@ -142,15 +141,14 @@ static void Get_HdmiRegion()
     static constexpr char szStep[] = "zyr_display_system_getHDMIInfo";
     const int32_t iMode = g_stDisplayInfo.iHdmiResolution;
     if (iMode < 0 || iMode >= HDMI_MODE_NUMS) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Invalid hdmi_mode found (%d)\n", szStep, iMode);
+        LOG_RENDERER("[%s] Invalid hdmi_mode found (%d)\n", szStep, iMode);
         return;
     }
     const bool bPanel = g_stDisplayInfo.uiArch == E_ARCH_71; // scales everything from its panel's size
     const uint32_t uiWidth = bPanel ? 800 : HdmiModeTable[iMode].usWidth;
     const uint32_t uiHeight = bPanel ? 480 : HdmiModeTable[iMode].usHeight;
-    __android_log_print(ZYR_LOG_DEBUG, nullptr, "[%s] mode:%d, res:%dx%d%c\n", szStep, iMode,
-                        static_cast<int32_t>(uiWidth), static_cast<int32_t>(uiHeight),
-                        HdmiModeTable[iMode].cScan);
+    LOG_RENDERER_STEP("[%s] mode:%d, res:%dx%d%c\n", szStep, iMode, static_cast<int32_t>(uiWidth),
+                      static_cast<int32_t>(uiHeight), HdmiModeTable[iMode].cScan);
     const uint32_t uiRows = CAPTION_BUFFER_PIXELS / uiWidth;
     Set_Region(szStep, uiWidth, uiHeight, uiRows < uiHeight ? uiRows : uiHeight, Get_HdmiFontSize(uiWidth));
 }
@@ -161,8 +159,7 @@ static void Get_CompositeRegion()
     static constexpr char szStep[] = "zyr_display_system_getCompositeInfo";
     const int32_t iMode = g_stDisplayInfo.iCompositeMode;
     if (iMode != 0 && iMode != 1) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Invalid composite_mode found (%d)\n", szStep,
-                            iMode);
+        LOG_RENDERER("[%s] Invalid composite_mode found (%d)\n", szStep, iMode);
         return;
     }
     const uint32_t uiLines = iMode == 0 ? 480 : 576;
@@ -176,8 +173,7 @@ static void Get_ComponentRegion()
     case 0: Set_Region(szStep, 1280, 720, 720, 28); break;
     case 1: Set_Region(szStep, 1920, 1080, CAPTION_BUFFER_PIXELS / 1920, 32); break;
     default:
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Invalid component_mode found (%d)\n", szStep,
-                            g_stDisplayInfo.iComponentMode);
+        LOG_RENDERER("[%s] Invalid component_mode found (%d)\n", szStep, g_stDisplayInfo.iComponentMode);
         break;
     }
 }
@@ -191,8 +187,8 @@ static bool Get_Region()
     case E_OUTPUT_COMPOSITE: Get_CompositeRegion(); return true;
     case E_OUTPUT_COMPONENT: Get_ComponentRegion(); return true;
     default:
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] unknown output_mode(%d)\n",
-                            "zyr_display_system_init", g_stDisplayInfo.iOutputMode);
+        LOG_RENDERER("[%s] unknown output_mode(%d)\n", "zyr_display_system_init",
+                     g_stDisplayInfo.iOutputMode);
         return false;
     }
 }
@@ -207,11 +203,11 @@ int32_t zyr_display_system_init(void)
     if (!bController || !bRegion) return -1;
 
     const DisplayInfo &stInfo = g_stDisplayInfo;
-    __android_log_print(ZYR_LOG_DEBUG, nullptr, "[%s] lcdc:%d, disp[%d:%d:%d:%d:%d], sub_buf[%d,%d]\n",
-                        "zyr_display_system_init", static_cast<int32_t>(stInfo.uiLcdc), stInfo.iDispX,
-                        stInfo.iDispY, static_cast<int32_t>(stInfo.uiDispWidth),
-                        static_cast<int32_t>(stInfo.uiDispHeight), static_cast<int32_t>(stInfo.uiDispMode),
-                        static_cast<int32_t>(stInfo.uiSubWidth), static_cast<int32_t>(stInfo.uiSubHeight));
+    LOG_RENDERER_STEP("[%s] lcdc:%d, disp[%d:%d:%d:%d:%d], sub_buf[%d,%d]\n", "zyr_display_system_init",
+                      static_cast<int32_t>(stInfo.uiLcdc), stInfo.iDispX, stInfo.iDispY,
+                      static_cast<int32_t>(stInfo.uiDispWidth), static_cast<int32_t>(stInfo.uiDispHeight),
+                      static_cast<int32_t>(stInfo.uiDispMode), static_cast<int32_t>(stInfo.uiSubWidth),
+                      static_cast<int32_t>(stInfo.uiSubHeight));
     return 0;
 }
 
@@ -221,9 +217,10 @@ int32_t zyr_display_system_exit(void)
     return 0;
 }
 
-static void Store_Value(uint32_t *puiValue, uint32_t uiValue)
+template <typename Type>
+static void Store_Value(Type *pValue, Type iValue)
 {
-    if (puiValue != nullptr) *puiValue = uiValue;
+    if (pValue != nullptr) *pValue = iValue;
 }
 
 int32_t zyr_display_system_getRegion(uint32_t *puiLcdc, uint32_t *puiDispWidth, uint32_t *puiDispHeight,
@@ -280,12 +277,11 @@ static int32_t Place_Squares(const uint16_t *pusString, uint32_t uiLength, int32
     const int32_t iDispWidth = static_cast<int32_t>(g_stDisplayInfo.uiDispWidth);
     const int32_t iDispHeight = static_cast<int32_t>(g_stDisplayInfo.uiDispHeight);
     if (pusString == nullptr || uiLength == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error Invalid Param(pusString:NULL)", szStep);
+        LOG_RENDERER("[%s] Error Invalid Param(pusString:NULL)", szStep);
         return -1;
     }
     if (iFontSize <= 0 || iDispWidth < iFontSize || iDispHeight < iFontSize) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "[%s] Error Invalid Param(iFontSize:%d)", szStep,
-                            iFontSize);
+        LOG_RENDERER("[%s] Error Invalid Param(iFontSize:%d)", szStep, iFontSize);
         return -1;
     }
     const SquareBox stBox = Measure_Squares(pusString, iFontSize, iDispWidth);
@@ -294,14 +290,9 @@ static int32_t Place_Squares(const uint16_t *pusString, uint32_t uiLength, int32
     stPlaced.iHeight = static_cast<int32_t>(stBox.uiLines < uiRoom ? stBox.uiLines : uiRoom) * iFontSize;
     stPlaced.iX = (iDispWidth - stBox.iWidest) / 2;
     stPlaced.iY = iDispHeight - stPlaced.iHeight;
-    __android_log_print(ZYR_LOG_DEBUG, nullptr, "[%s] X:%d, Y:%d, W:%d, H:%d", szStep, stPlaced.iX,
-                        stPlaced.iY, stPlaced.iWidth, stPlaced.iHeight);
+    LOG_RENDERER_STEP("[%s] X:%d, Y:%d, W:%d, H:%d", szStep, stPlaced.iX, stPlaced.iY, stPlaced.iWidth,
+                      stPlaced.iHeight);
     return 0;
-}
-
-static void Store_Signed(int32_t *piValue, int32_t iValue)
-{
-    if (piValue != nullptr) *piValue = iValue;
 }
 
 int32_t zyr_display_system_calcRegion(const uint16_t *pusString, uint32_t uiLength, int32_t iFontSize,
@@ -309,9 +300,9 @@ int32_t zyr_display_system_calcRegion(const uint16_t *pusString, uint32_t uiLeng
 {
     PlacedBox stPlaced = {};
     const int32_t iResult = Place_Squares(pusString, uiLength, iFontSize, stPlaced);
-    Store_Signed(piX, stPlaced.iX);
-    Store_Signed(piY, stPlaced.iY);
-    Store_Signed(piWidth, stPlaced.iWidth);
-    Store_Signed(piHeight, stPlaced.iHeight);
+    Store_Value(piX, stPlaced.iX);
+    Store_Value(piY, stPlaced.iY);
+    Store_Value(piWidth, stPlaced.iWidth);
+    Store_Value(piHeight, stPlaced.iHeight);
     return iResult;
 }

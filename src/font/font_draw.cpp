@@ -1,8 +1,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "font/renderer_log.h"
 #include "zyr/zyr_font.h"
-#include "zyr_log.h"
 
 /* Box lines that zyr_fontDraw_drawHighlighting() knows. */
 enum BoxLine : uint32_t { E_BOX_BOTTOM = 0x01, E_BOX_RIGHT = 0x02, E_BOX_TOP = 0x04, E_BOX_LEFT = 0x08 };
@@ -72,8 +72,8 @@ static int64_t To_Signed(uint32_t uiCoordinate)
 static int32_t Check_Rect(uint32_t uiWidth, uint32_t uiHeight)
 {
     if (uiWidth == 0 || uiHeight == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error Invalid Param(W:%d, H:%d)\n",
-                            static_cast<int32_t>(uiWidth), static_cast<int32_t>(uiHeight));
+        LOG_RENDERER("Error Invalid Param(W:%d, H:%d)\n", static_cast<int32_t>(uiWidth),
+                     static_cast<int32_t>(uiHeight));
         return -2;
     }
     return g_pusDestBuf == nullptr ? -2 : 0;
@@ -97,7 +97,7 @@ int32_t zyr_fontDraw_close(void)
 int32_t zyr_fontDraw_setDestBuf(uint16_t *pusBuf)
 {
     if (pusBuf == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error Invalid Param(pBuf:%d)\n", 0);
+        LOG_RENDERER("Error Invalid Param(pBuf:%d)\n", 0);
         return -2;
     }
     g_pusDestBuf = pusBuf;
@@ -107,9 +107,9 @@ int32_t zyr_fontDraw_setDestBuf(uint16_t *pusBuf)
 int32_t zyr_fontDraw_setDestRegion(uint32_t uiWidth, uint32_t uiHeight, uint32_t uiPitch)
 {
     if (uiWidth == 0 || uiHeight == 0 || uiPitch == 0) {
-        __android_log_print(
-            ZYR_LOG_ERROR, nullptr, "Error Invalid Param(uiWidth:%d uiHeight:%d uiPitch:%d)\n",
-            static_cast<int32_t>(uiWidth), static_cast<int32_t>(uiHeight), static_cast<int32_t>(uiPitch));
+        LOG_RENDERER("Error Invalid Param(uiWidth:%d uiHeight:%d uiPitch:%d)\n",
+                     static_cast<int32_t>(uiWidth), static_cast<int32_t>(uiHeight),
+                     static_cast<int32_t>(uiPitch));
         return -2;
     }
     g_uiDestWidth = uiWidth;
@@ -142,7 +142,7 @@ int32_t zyr_fontDraw_setFontColor(uint16_t usFontColor, uint16_t usSecondColor, 
 int32_t zyr_fontDraw_clearDestBuf(uint16_t usColor)
 {
     if (g_pusDestBuf == nullptr) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error g_pusDestBuf is NULL\n");
+        LOG_RENDERER("Error g_pusDestBuf is NULL\n");
         return -1;
     }
     Fill_Pixels(g_pusDestBuf, static_cast<size_t>(g_uiDestPitch) * g_uiDestHeight, usColor);
@@ -266,16 +266,15 @@ static void Draw_BitmapRow(const ClippedBitmap &stBitmap, uint16_t *pusRow, cons
 static int32_t Check_BitmapArea(int32_t iX, uint32_t uiWidth)
 {
     if (g_pusDestBuf == nullptr || g_uiDestWidth == 0 || g_uiDestHeight == 0 || g_uiDestPitch == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr,
-                            "Error Invalid Area(puiDestBuf:0x%08X, W:%d, H:%d, P:%d)\n",
-                            static_cast<uint32_t>(reinterpret_cast<uintptr_t>(g_pusDestBuf)),
-                            static_cast<int32_t>(g_uiDestWidth), static_cast<int32_t>(g_uiDestHeight),
-                            static_cast<int32_t>(g_uiDestPitch));
+        LOG_RENDERER("Error Invalid Area(puiDestBuf:0x%08X, W:%d, H:%d, P:%d)\n",
+                     static_cast<uint32_t>(reinterpret_cast<uintptr_t>(g_pusDestBuf)),
+                     static_cast<int32_t>(g_uiDestWidth), static_cast<int32_t>(g_uiDestHeight),
+                     static_cast<int32_t>(g_uiDestPitch));
         return -3;
     }
     if (static_cast<int64_t>(iX) + uiWidth > g_uiDestWidth) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error Invalid Area(X:%d, W:%d, DestW:%d)\n", iX,
-                            static_cast<int32_t>(uiWidth), static_cast<int32_t>(g_uiDestWidth));
+        LOG_RENDERER("Error Invalid Area(X:%d, W:%d, DestW:%d)\n", iX, static_cast<int32_t>(uiWidth),
+                     static_cast<int32_t>(g_uiDestWidth));
         return -5;
     }
     return 0;

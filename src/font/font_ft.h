@@ -1,12 +1,7 @@
 /* What the layout asks of the FreeType layer beside its public calls. */
-#ifndef ZYR_FONT_FT_H
-#define ZYR_FONT_FT_H
+#pragma once
 
 #include "zyr/zyr_font.h"
-
-#ifdef __cplusplus
-extern "C" {
-#endif
 
 /**
  * Measure a character as zyr_fontFT_drawChar() will draw it: a character that the face lacks is as wide as
@@ -15,9 +10,3 @@ extern "C" {
  * @return the advance in whole pixels, 0 for a character that cannot be loaded
  */
 uint32_t zyr_fontFT_measureChar(uint32_t uiCode);
-
-#ifdef __cplusplus
-}
-#endif
-
-#endif

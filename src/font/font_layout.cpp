@@ -1,7 +1,7 @@
 #include "font/font_layout.h"
 
 #include "font/font_ft.h"
-#include "zyr_log.h"
+#include "font/renderer_log.h"
 
 enum SizeMode : uint32_t {
     E_SIZE_NORMAL,
@@ -28,29 +28,23 @@ static uint32_t g_uiSizeMode;
 static uint32_t g_uiDirection; // 0 horizontal, else vertical
 static uint32_t g_uiAlign;     // CellAnchor; any other value: top left
 
+/* @return what a call of the layers below has given; one that failed is logged */
+static int32_t Report(const char *pszCall, int32_t iResult)
+{
+    if (iResult != 0) LOG_RENDERER("Error %s(%d)\n", pszCall, iResult);
+    return iResult;
+}
+
 int32_t zyr_font_init(void)
 {
-    int32_t iResult = zyr_fontFT_init();
-    if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontFT_init(%d)\n", iResult);
-        return -1;
-    }
-    iResult = zyr_fontDraw_init();
-    if (iResult != 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontDraw_init(%d)\n", iResult);
-        return -1;
-    }
-    return 0;
+    if (Report("zyr_fontFT_init", zyr_fontFT_init()) != 0) return -1;
+    return Report("zyr_fontDraw_init", zyr_fontDraw_init()) != 0 ? -1 : 0;
 }
 
 int32_t zyr_font_close(void)
 {
-    const int32_t iDrawResult = zyr_fontDraw_close();
-    if (iDrawResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontDraw_close(%d)\n", iDrawResult);
-    const int32_t iFaceResult = zyr_fontFT_close();
-    if (iFaceResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontFT_close(%d)\n", iFaceResult);
+    const int32_t iDrawResult = Report("zyr_fontDraw_close", zyr_fontDraw_close());
+    const int32_t iFaceResult = Report("zyr_fontFT_close", zyr_fontFT_close());
     return iDrawResult != 0 || iFaceResult != 0 ? -1 : 0;
 }
 
@@ -68,7 +62,7 @@ int32_t zyr_font_getDestRegion(uint32_t *puiWidth, uint32_t *puiHeight, uint32_t
 {
     const int32_t iResult = zyr_fontDraw_getDestRegion(puiWidth, puiHeight, puiPitch);
     if (iResult == 0) return 0;
-    __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontDraw_getDestRegion(err:%d)\n", iResult);
+    LOG_RENDERER("Error zyr_fontDraw_getDestRegion(err:%d)\n", iResult);
     return -3;
 }
 
@@ -124,13 +118,12 @@ int32_t zyr_font_setFontSize(uint32_t uiMode, uint32_t uiWidth, uint32_t uiHeigh
                              uint32_t uiSpacingY)
 {
     if (uiWidth == 0 || uiHeight == 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error Invalid Param(uiWidth:%d, uiHeight:%d)\n",
-                            static_cast<int32_t>(uiWidth), static_cast<int32_t>(uiHeight));
+        LOG_RENDERER("Error Invalid Param(uiWidth:%d, uiHeight:%d)\n", static_cast<int32_t>(uiWidth),
+                     static_cast<int32_t>(uiHeight));
         return -2;
     }
     if (uiMode >= E_SIZE_MODE_NUMS) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error Invalid Param(Size:%d)\n",
-                            static_cast<int32_t>(uiMode));
+        LOG_RENDERER("Error Invalid Param(Size:%d)\n", static_cast<int32_t>(uiMode));
         return -2;
     }
     const bool bVertical = g_uiDirection != 0;
@@ -154,9 +147,7 @@ void zyr_font_getCharPosition(uint32_t *puiX, uint32_t *puiY)
 
 static void Clear_Cell(uint32_t uiX, uint32_t uiY)
 {
-    const int32_t iResult = zyr_fontDraw_clearFontBG(uiX, uiY, g_uiCellWidth, g_uiCellHeight);
-    if (iResult != 0)
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontDraw_clearFontBG(%d)\n", iResult);
+    Report("zyr_fontDraw_clearFontBG", zyr_fontDraw_clearFontBG(uiX, uiY, g_uiCellWidth, g_uiCellHeight));
 }
 
 static int32_t Get_CellAdvance()
@@ -175,18 +166,13 @@ int32_t zyr_font_clearChar(uint32_t uiAttr, uint32_t uiX, uint32_t uiY)
 /* Box lines and underline, in that order. */
 static void Decorate_Cell(uint32_t uiAttr, uint32_t uiX, uint32_t uiY)
 {
-    if ((uiAttr & ATTR_BOX_LINES) != 0) {
-        const int32_t iResult = zyr_fontDraw_drawHighlighting(uiX, uiY + g_uiGlyphOffsetY, g_uiCellWidth,
-                                                              g_uiGlyphHeight, uiAttr);
-        if (iResult != 0)
-            __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontDraw_drawHighlighting(%d)\n", iResult);
-    }
-    if ((uiAttr & ATTR_UNDERLINE) != 0) {
-        const int32_t iResult =
-            zyr_fontDraw_drawUnderline(uiX, uiY, g_uiCellWidth, g_uiGlyphHeight + g_uiGlyphOffsetY);
-        if (iResult != 0)
-            __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontDraw_drawUnderline(%d)\n", iResult);
-    }
+    const uint32_t uiTop = uiY + g_uiGlyphOffsetY;
+    const uint32_t uiHeight = g_uiGlyphHeight + g_uiGlyphOffsetY;
+    if ((uiAttr & ATTR_BOX_LINES) != 0)
+        Report("zyr_fontDraw_drawHighlighting",
+               zyr_fontDraw_drawHighlighting(uiX, uiTop, g_uiCellWidth, g_uiGlyphHeight, uiAttr));
+    if ((uiAttr & ATTR_UNDERLINE) != 0)
+        Report("zyr_fontDraw_drawUnderline", zyr_fontDraw_drawUnderline(uiX, uiY, g_uiCellWidth, uiHeight));
 }
 
 int32_t zyr_font_displayChar(uint32_t uiAttr, uint16_t usNonSpacing, uint16_t usChar, uint32_t uiX,
@@ -198,13 +184,11 @@ int32_t zyr_font_displayChar(uint32_t uiAttr, uint16_t usNonSpacing, uint16_t us
     const uint32_t uiGlyphY = uiY + g_uiGlyphOffsetY;
     if (usNonSpacing != 0) {
         const int32_t iResult = zyr_fontFT_drawChar(uiAttr, usNonSpacing, uiGlyphX, uiGlyphY);
-        if (iResult < 0)
-            __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontFT_drawChar(non-space character %d)\n",
-                                iResult);
+        if (iResult < 0) LOG_RENDERER("Error zyr_fontFT_drawChar(non-space character %d)\n", iResult);
     }
     const int32_t iResult = zyr_fontFT_drawChar(uiAttr, usChar, uiGlyphX, uiGlyphY);
     if (iResult < 0) {
-        __android_log_print(ZYR_LOG_ERROR, nullptr, "Error zyr_fontFT_drawChar(%d)\n", iResult);
+        LOG_RENDERER("Error zyr_fontFT_drawChar(%d)\n", iResult);
         return iResult;
     }
     Decorate_Cell(uiAttr, uiX, uiY);

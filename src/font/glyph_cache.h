@@ -3,8 +3,7 @@
  * One block of memory, taken when the font opens and given back when it closes. A cache that is full starts
  * over empty: the caption on screen, its neighbours and both sizes in use fill a small part of it.
  */
-#ifndef ZYR_GLYPH_CACHE_H
-#define ZYR_GLYPH_CACHE_H
+#pragma once
 
 #include <cstdint>
 
@@ -35,5 +34,3 @@ const FontGlyph *Find_Glyph(uint64_t ullKey);
 
 /** Keep a copy of a glyph, bits included, unless it is too large for the cache. */
 void Store_Glyph(uint64_t ullKey, const FontGlyph &stGlyph);
-
-#endif

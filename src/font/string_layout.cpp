@@ -2,12 +2,12 @@
 
 #include "font/font_ft.h"
 #include "font/font_layout.h"
-#include "zyr_log.h"
+#include "font/renderer_log.h"
 
 static int32_t Check_String(const uint16_t *pusString)
 {
     if (pusString != nullptr) return 0;
-    __android_log_print(ZYR_LOG_ERROR, nullptr, "Error Invalid Param(pusString:%d)\n", 0);
+    LOG_RENDERER("Error Invalid Param(pusString:%d)\n", 0);
     return -2;
 }
 
