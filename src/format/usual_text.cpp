@@ -587,7 +587,7 @@ UsualStep Take_UsualLineEnd(UsualText &stText)
 
 const uint8_t *Get_UsualHead(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)
 {
-    if (stText.pucEnd - stText.pucByte < ptrdiff_t{uiUnits} * stText.uiUnitBytes) return nullptr;
+    if (stText.pucEnd - stText.pucByte < static_cast<ptrdiff_t>(uiUnits * stText.uiUnitBytes)) return nullptr;
     return stText.uiUnitBytes == 1 ? stText.pucByte : Narrow_Head(stText, pucTarget, uiUnits);
 }
 
