@@ -3,7 +3,7 @@
 # for this machine, with the instructions a byte that two files of 100 KB take here.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
-export ZYR_ARM_ROOT=${ZYR_ARM_ROOT:-$PWD/build/arm-root} PYTHONDONTWRITEBYTECODE=1
+export PYTHONDONTWRITEBYTECODE=1
 mapfile -t files < <(python3 bench/make_corpus.py build/bench/corpus 100k srt-utf8 smi-utf8)
 
 make_library() { # FOLDER CMAKE-OPTION...: prints text and data

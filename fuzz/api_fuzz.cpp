@@ -144,8 +144,9 @@ void Use_File(FuzzInput &stSteps)
 void Use_Memory(FuzzInput &stSteps)
 {
     void *const pvBlock = QUIBCAPTCB_Allocate_Memory(stSteps.Take_Number());
-    void *const pvAligned = QUIBCAPTCB_Allocate_Aligned_Memory(stSteps.Take_Number(), 16);
-    Demand(reinterpret_cast<uintptr_t>(pvAligned) % 16 == 0, "memory is aligned");
+    constexpr uint32_t MOST = alignof(std::max_align_t); // what the platform's memory gives
+    void *const pvAligned = QUIBCAPTCB_Allocate_Aligned_Memory(stSteps.Take_Number(), MOST);
+    Demand(reinterpret_cast<uintptr_t>(pvAligned) % MOST == 0, "memory is aligned");
     if (pvBlock != nullptr) QUIBCAPTCB_Deallocate_Memory(pvBlock);
     if (pvAligned != nullptr) QUIBCAPTCB_Deallocate_Memory(pvAligned);
 }
@@ -189,6 +190,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucData, size_t uiSize)
     const std::string strName = std::string("zyrhost:a") + ENDINGS[ucOptions % 4];
     s_stManner = {(ucOptions & 8) != 0 ? 1u + (ucOptions >> 4) : 0, {}};
     zyr_host_reset();
+    if (g_bTelling) zyr_host_setLogSink(Tell_Log, nullptr);
     zyr_host_mapMemory(strName.c_str(), stFile.Get_Rest().data(),
                        static_cast<uint32_t>(stFile.Get_Rest().size()));
     zyr_host_mapMemory("zyrhost:b.smi", OTHER_FILE, sizeof(OTHER_FILE) - 1);

@@ -33,6 +33,7 @@ void Note(const std::string &strText)
 
 void Note_Log(int, const char *pszTag, const char *pszText, void *)
 {
+    Tell_Log(0, nullptr, pszText, nullptr);
     if (s_bNoting) Note(std::string(pszTag == nullptr ? "" : pszTag) + Get_LogText(pszText));
 }
 

@@ -6,12 +6,29 @@
 
 #include "fuzz_input.h"
 #include "support/invariants.h"
+#include "zyr/quib_caption.h"
 #include "zyr/zyr_host.h"
+
+/** What every machine must see alike. */
+inline void Tell_Record(const QuibCaptionParserInfo &stInfo)
+{
+    for (const int64_t llNumber :
+         {int64_t{stInfo.uiOutStreamIndex}, int64_t{stInfo.iOutStartPTS}, int64_t{stInfo.iOutEndPTS},
+          int64_t{stInfo.uiOutLineNums}, int64_t{stInfo.uiDisplayMode}, int64_t{stInfo.usFontColor},
+          int64_t{stInfo.uiClassNums}, int64_t{stInfo.uiStreamNums}})
+        Tell_Number(llNumber);
+    Tell_Bytes(stInfo.aucOutText, stInfo.uiOutTextLength);
+    for (const CaptionStreamState &stState : stInfo.astStreamState)
+        for (const int64_t llNumber : {int64_t{stState.llCurrFilePos}, int64_t{stState.iCurrPTS},
+                                       int64_t{stState.iStartPTS}, int64_t{stState.iEndPTS}})
+            Tell_Number(llNumber);
+}
 
 inline void Check_Invariants()
 {
     const char *const pszBroken = Find_BrokenInvariant();
     Demand(pszBroken == nullptr, pszBroken);
+    if (g_bTelling && pstQuibCaptionParserInfo != nullptr) Tell_Record(*pstQuibCaptionParserInfo);
 }
 
 #include "support/checked_calls.h"
@@ -94,4 +111,11 @@ inline std::string Get_LogText(const std::string &strLine)
     const size_t uiOpen = strLine.find('[');
     const size_t uiClose = strLine.find(']', uiOpen);
     return uiClose == std::string::npos ? strLine : strLine.substr(0, uiOpen) + strLine.substr(uiClose);
+}
+
+/** A log sink. */
+inline void Tell_Log(int, const char *, const char *pszText, void *)
+{
+    const std::string strText = Get_LogText(pszText);
+    Tell_Bytes(strText.data(), strText.size());
 }

@@ -51,6 +51,22 @@ inline void Demand(bool bKept, const char *pszPromise)
     std::abort();
 }
 
+/* What a replay tells of an input: a number that stands for all that was seen of it. */
+inline bool g_bTelling;
+inline uint64_t g_ullSeen;
+
+inline void Tell_Bytes(const void *pvBytes, size_t uiSize)
+{
+    if (!g_bTelling) return;
+    for (const uint8_t ucByte : std::span(static_cast<const uint8_t *>(pvBytes), uiSize))
+        g_ullSeen = (g_ullSeen ^ ucByte) * 0x100000001B3u;
+}
+
+inline void Tell_Number(int64_t llNumber)
+{
+    Tell_Bytes(&llNumber, sizeof(llNumber));
+}
+
 /** Bytes at the end of a target's inputs that steer it: repeated tokens go before them. */
 extern const size_t g_uiSteeringBytes;
 

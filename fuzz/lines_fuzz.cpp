@@ -130,6 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pucData, size_t uiSize)
     const bool bUtf16 = (ucOptions & 3) == 2;
     if (bUtf16) strFile = To_Utf16(strFile);
     zyr_host_reset();
+    if (g_bTelling) zyr_host_setLogSink(Tell_Log, nullptr);
     zyr_host_mapMemory("zyrhost:lines.smi", strFile.data(), static_cast<uint32_t>(strFile.size()));
     if (zyrSubtitle_open("zyrhost:lines.avi", 0) == 0 && pstQuibCaptionParserInfo->uiClassNums == uiClasses) {
         const std::vector<std::string> vecTexts = Read_Alone(uiClasses);

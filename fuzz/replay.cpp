@@ -1,6 +1,9 @@
-/* Run a target over the files of its corpus: replay FOLDER. A file that breaks a promise ends the run, named. */
+/* Run a target over files: replay [--tell] FOLDER... A file that breaks a promise ends the run, named. With --tell each
+ * name comes with a number that stands for all that was seen of the file, so that machines can be compared. */
 
 #include <algorithm>
+#include <cinttypes>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,31 +14,34 @@
 namespace
 {
 
-std::vector<std::filesystem::path> List_Files(const char *pszFolder)
+void Add_Files(std::vector<std::filesystem::path> &vecFiles, const char *pszFolder)
 {
-    std::vector<std::filesystem::path> vecFiles;
     for (const auto &stEntry : std::filesystem::directory_iterator(pszFolder))
         if (stEntry.is_regular_file()) vecFiles.push_back(stEntry.path());
-    std::sort(vecFiles.begin(), vecFiles.end());
-    return vecFiles;
+}
+
+void Replay(const std::filesystem::path &stPath)
+{
+    std::ifstream stFile(stPath, std::ios::binary);
+    const std::vector<char> vecBytes((std::istreambuf_iterator<char>(stFile)), {});
+    std::printf("%s", stPath.filename().c_str());
+    std::fflush(stdout); // the last name is the one that broke
+    g_ullSeen = 0xCBF29CE484222325u;
+    LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(vecBytes.data()), vecBytes.size());
+    if (g_bTelling) std::printf(" %016" PRIx64, g_ullSeen);
+    std::printf("\n");
 }
 
 } // namespace
 
 int main(int iArguments, char **ppszArguments)
 {
-    if (iArguments != 2 || !std::filesystem::is_directory(ppszArguments[1])) {
-        std::fprintf(stderr, "replay: one folder of inputs\n");
-        return 2;
-    }
-    const std::vector<std::filesystem::path> vecFiles = List_Files(ppszArguments[1]);
-    for (const std::filesystem::path &stPath : vecFiles) {
-        std::ifstream stFile(stPath, std::ios::binary);
-        const std::vector<char> vecBytes((std::istreambuf_iterator<char>(stFile)), {});
-        std::printf("%s\n", stPath.filename().c_str());
-        std::fflush(stdout); // the last name is the one that broke
-        LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t *>(vecBytes.data()), vecBytes.size());
-    }
+    g_bTelling = iArguments > 1 && std::strcmp(ppszArguments[1], "--tell") == 0;
+    std::vector<std::filesystem::path> vecFiles;
+    for (int iFolder = g_bTelling ? 2 : 1; iFolder < iArguments; ++iFolder)
+        Add_Files(vecFiles, ppszArguments[iFolder]);
+    std::sort(vecFiles.begin(), vecFiles.end());
+    for (const std::filesystem::path &stPath : vecFiles) Replay(stPath);
     std::printf("%zu inputs\n", vecFiles.size());
     return vecFiles.empty() ? 1 : 0;
 }
