@@ -136,7 +136,8 @@ void Use_File(FuzzInput &stSteps)
 {
     void *const hFile = TRACK_GetFileHandleOfSubtitleData();
     uint8_t aucBytes[16];
-    QUIBCAPTCB_FileSeek(hFile, stSteps.Take_Number(), stSteps.Take_Byte() % 4);
+    const uint32_t uiOffset = stSteps.Take_Number();
+    QUIBCAPTCB_FileSeek(hFile, uiOffset, stSteps.Take_Byte() % 4);
     QUIBCAPTCB_FileRead(hFile, aucBytes, stSteps.Take_Byte() % 17u);
     QUIBCAPTCB_FileTell(hFile);
 }
@@ -159,7 +160,10 @@ constexpr ApiCall CALLS[] = {
     [](FuzzInput &) { QUIB_CAPTION_ParsingProcessEx(); },
     [](FuzzInput &stSteps) { QUIB_CAPTION_PreParsingProcessEx(static_cast<int32_t>(Take_Long(stSteps))); },
     Select_Classes,
-    [](FuzzInput &stSteps) { QUIBCAPT_Set_ClassType(stSteps.Take_Byte() % 9u, stSteps.Take_Byte() % 9u); },
+    [](FuzzInput &stSteps) {
+        const uint32_t uiFirst = stSteps.Take_Byte() % 9u;
+        QUIBCAPT_Set_ClassType(uiFirst, stSteps.Take_Byte() % 9u);
+    },
     Get_Classes,
     Call_Parser,
     Call_Seek,
@@ -171,9 +175,13 @@ constexpr ApiCall CALLS[] = {
     Use_Memory,
     [](FuzzInput &) { QuibCaptionParser_Init_CaptionStreamVariables(QUIBCAPTCB_GetFileHandleOfSubtitle()); },
     [](FuzzInput &stSteps) {
-        zyrSubtitleHandler_searchExternalSubtitle(Take_Movie(stSteps), stSteps.Take_Byte() & 1);
+        const char *const pszMovie = Take_Movie(stSteps);
+        zyrSubtitleHandler_searchExternalSubtitle(pszMovie, stSteps.Take_Byte() & 1);
     },
-    [](FuzzInput &stSteps) { zyrSubtitle_open(Take_Movie(stSteps), stSteps.Take_Byte() & 1); },
+    [](FuzzInput &stSteps) {
+        const char *const pszMovie = Take_Movie(stSteps);
+        zyrSubtitle_open(pszMovie, stSteps.Take_Byte() & 1);
+    },
     [](FuzzInput &) { zyrSubtitle_close(); },
     Break_Host,
     [](FuzzInput &stSteps) { s_stManner.stLie = Take_Lie(stSteps); },

@@ -86,6 +86,12 @@ void Select_Classes(FuzzInput &stSteps)
     Note("select " + std::to_string(zyrSubtitle_selectClass(1 + stSteps.Take_Byte() % 6, auiClasses)));
 }
 
+void Set_ClassType(FuzzInput &stSteps)
+{
+    const uint32_t uiFirst = stSteps.Take_Byte() % 8u;
+    QUIBCAPT_Set_ClassType(uiFirst, stSteps.Take_Byte() % 8u);
+}
+
 void Take_Step(FuzzInput &stSteps, bool bFaults, ReadManner &stManner)
 {
     switch (stSteps.Take_Byte() % 9) {
@@ -98,7 +104,7 @@ void Take_Step(FuzzInput &stSteps, bool bFaults, ReadManner &stManner)
         Note_Output();
         break;
     case 5: Select_Classes(stSteps); break;
-    case 6: QUIBCAPT_Set_ClassType(stSteps.Take_Byte() % 8u, stSteps.Take_Byte() % 8u); break;
+    case 6: Set_ClassType(stSteps); break;
     case 7:
         if (bFaults) Break_Host(stSteps);
         break;

@@ -14,7 +14,8 @@ public:
 
     bool IsEmpty() const { return m_aucLeft.empty(); }
 
-    /* Taken from the end, 0 when nothing is left, so that a whole file is an input as it stands. */
+    /* Taken from the end, 0 when nothing is left, so that a whole file is an input as it stands. One call takes at most
+     * one: which argument would be the first is the compiler's choice. */
     uint8_t Take_Byte()
     {
         if (m_aucLeft.empty()) return 0;

@@ -173,9 +173,11 @@ void Draw_InBuffer(FuzzInput stInput)
     zyr_font_setDestBuf(ausPixels.data());
     zyr_font_setDestRegion(uiWidth, uiHeight, uiPitch);
     zyr_font_clearDestBuf(stInput.Take_Byte());
-    zyr_font_setDirection(stInput.Take_Byte() % 2, stInput.Take_Byte() % 3);
-    zyr_font_setFontSize(stInput.Take_Byte() % 6, stInput.Take_Byte() % 64, stInput.Take_Byte() % 64,
-                         stInput.Take_Byte() % 16, stInput.Take_Byte() % 16);
+    uint8_t aucSteps[7];
+    for (uint8_t &ucStep : aucSteps) ucStep = stInput.Take_Byte();
+    zyr_font_setDirection(aucSteps[0] % 2, aucSteps[1] % 3);
+    zyr_font_setFontSize(aucSteps[2] % 6, aucSteps[3] % 64, aucSteps[4] % 64, aucSteps[5] % 16,
+                         aucSteps[6] % 16);
     Draw_Boxes(stInput);
     Draw_Bits(stInput);
     const uint8_t ucAttribute = stInput.Take_Byte();
