@@ -11,7 +11,7 @@ namespace
 {
 
 struct ColourRow {
-    const char *pszName;
+    char szName[21];   // in the row itself, which then needs no relocation
     uint16_t usColour; // RGB565
 };
 

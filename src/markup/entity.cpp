@@ -7,7 +7,7 @@ namespace
 {
 
 struct EntityRow {
-    const char *pszName;
+    char szName[10]; // in the row itself, which then needs no relocation
     uint16_t usCode;
 };
 
@@ -67,7 +67,7 @@ constexpr EntityRow EntityTable[] = {
 };
 // clang-format on
 
-constexpr NameIndex<1024, false> s_stEntityIndex(EntityTable);
+constexpr NameIndex<512, false> s_stEntityIndex(EntityTable);
 
 constexpr int32_t SHORTEST_ENTITY = 3;
 constexpr int32_t SHORTEST_NUMBER = 4; // "&#", a digit and ";"

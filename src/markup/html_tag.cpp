@@ -13,7 +13,7 @@ namespace
 
 /** A tag; its id is its place in the table, the first one's 1. */
 struct HtmlTagRow {
-    const char *pszName;
+    char szName[11];
     bool bSingle = false;   // the tag has no closing form
     uint32_t uiModeBit = 0; // display mode that it sets; 0 = none
 };
@@ -37,7 +37,7 @@ constexpr HtmlTagRow HtmlTagTable[] = {
 
 consteval bool Is_TagId(HtmlTag eTag, std::string_view strName)
 {
-    return HtmlTagTable[eTag - 1].pszName == strName;
+    return HtmlTagTable[eTag - 1].szName == strName;
 }
 static_assert(std::size(HtmlTagTable) + 1 == E_HTML_TAG_NUMS && Is_TagId(E_HTML_TAG_BR, "BR") &&
               Is_TagId(E_HTML_TAG_FONT, "FONT") && Is_TagId(E_HTML_TAG_P, "P") &&

@@ -30,7 +30,7 @@ struct NameIndex {
     {
         static_assert(SLOTS >= 2 * ROWS && ROWS < 256 && (SLOTS & (SLOTS - 1)) == 0);
         for (size_t uiRow = 0; uiRow < ROWS; ++uiRow) {
-            const std::string_view strName = astRow[uiRow].pszName;
+            const std::string_view strName = astRow[uiRow].szName;
             uint32_t uiSlot = Get_NameHash(strName.data(), static_cast<uint32_t>(strName.size()), FOLD);
             while (aucSlot[uiSlot % SLOTS] != 0) ++uiSlot;
             aucSlot[uiSlot % SLOTS] = static_cast<uint8_t>(uiRow + 1);
@@ -43,7 +43,7 @@ struct NameIndex {
     {
         for (uint32_t uiSlot = Get_NameHash(pName, uiLen, FOLD); aucSlot[uiSlot % SLOTS] != 0; ++uiSlot) {
             const Row &stRow = astRow[aucSlot[uiSlot % SLOTS] - 1];
-            if (Is_Name(stRow.pszName, pName, uiLen)) return &stRow;
+            if (Is_Name(stRow.szName, pName, uiLen)) return &stRow;
         }
         return nullptr;
     }
