@@ -31,7 +31,6 @@ enum SamiFrameState : uint32_t {
     E_FRAME_OTHER_TAG,
 };
 
-constexpr uint32_t SYNC_NAME_UNITS = 5; // "<SYNC"
 
 /** A tag before the text, as far as its name tells. */
 enum HeadTag : uint32_t {
