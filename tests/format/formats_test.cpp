@@ -41,7 +41,7 @@ const Format FORMATS[] = {
     {".ssa", "x",
      "[v4 Styles]\r\n" + Repeat(STYLE, 40) + "[Events]\r\n" +
          Repeat(Ssa("0:00:05.00", "x") + Ssa("0:00:01.00", "y"), 200) + PADDING,
-     3},
+     4},
     // Frames that lead far, and more of them than the index begins with.
     {".smi", "<SYNC Start=1>",
      Repeat(Smi("5", "K>k<SYNC <P Class=E>e"), 40) + Smi("9", "E>e") + Repeat(Smi("7", "K>k"), 1100) +

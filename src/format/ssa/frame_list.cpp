@@ -1,9 +1,7 @@
 #include "format/ssa/frame_list.h"
 
-#include <cstring>
-
 #include "format/stable_sort.h"
-#include "zyr/quib_caption.h"
+#include "record/host_callbacks.h"
 
 namespace
 {
@@ -26,22 +24,12 @@ uint32_t Get_NextCapacity(uint32_t uiCapacity)
     return uiCapacity > MOST_NODES / 2 ? MOST_NODES : uiCapacity * 2;
 }
 
-CaptionFrameNode *Allocate_Nodes(uint32_t uiNums)
-{
-    return static_cast<CaptionFrameNode *>(
-        QUIBCAPTCB_Allocate_Memory(static_cast<uint32_t>(uiNums * sizeof(CaptionFrameNode))));
-}
-
 bool Grow_List()
 {
     CaptionFrameList &stList = s_stCaptionFrameList;
     const uint32_t uiCapacity = Get_NextCapacity(stList.uiCapacity);
-    if (uiCapacity == stList.uiCapacity) return false;
-    CaptionFrameNode *const pastNode = Allocate_Nodes(uiCapacity);
-    if (pastNode == nullptr) return false;
-    std::memcpy(pastNode, stList.pastNode, stList.uiCapacity * sizeof(CaptionFrameNode));
-    QUIBCAPTCB_Deallocate_Memory(stList.pastNode);
-    stList.pastNode = pastNode;
+    if (uiCapacity == stList.uiCapacity || !Grow_Array(stList.pastNode, stList.uiCapacity, uiCapacity))
+        return false;
     stList.uiCapacity = uiCapacity;
     return true;
 }
@@ -51,15 +39,14 @@ bool Grow_List()
 int32_t Create_CaptionFrameList()
 {
     Destroy_CaptionFrameList();
-    s_stCaptionFrameList.pastNode = Allocate_Nodes(FIRST_NODES);
-    if (s_stCaptionFrameList.pastNode == nullptr) return -1;
+    if (!Grow_Array(s_stCaptionFrameList.pastNode, 0, FIRST_NODES)) return -1;
     s_stCaptionFrameList.uiCapacity = FIRST_NODES;
     return Clear_CaptionFrameList();
 }
 
 void Destroy_CaptionFrameList()
 {
-    if (s_stCaptionFrameList.pastNode != nullptr) QUIBCAPTCB_Deallocate_Memory(s_stCaptionFrameList.pastNode);
+    Free_And_Clear(s_stCaptionFrameList.pastNode);
     s_stCaptionFrameList = NO_LIST;
 }
 
@@ -93,13 +80,13 @@ int32_t Sort_CaptionFrames()
     const auto fnKeyOf = [](const CaptionFrameNode &stNode) { return stNode.uiPTS; };
     if (stList.pastNode == nullptr || Is_Sorted(stList.pastNode + 1, stList.uiNodeNum, fnKeyOf)) return 1;
 
-    CaptionFrameNode *const pastNode = Allocate_Nodes(stList.uiCapacity);
-    if (pastNode == nullptr) return -1;
+    CaptionFrameNode *pastNode = nullptr;
+    if (!Grow_Array(pastNode, 0, stList.uiCapacity)) return -1;
     const CaptionFrameNode stCurr = stList.pastNode[stList.uiCurrNode];
     pastNode[0] = stList.pastNode[0];
     pastNode[Get_TailNode()] = stList.pastNode[Get_TailNode()];
     Sort_Stable(stList.pastNode + 1, pastNode + 1, stList.uiNodeNum, fnKeyOf);
-    QUIBCAPTCB_Deallocate_Memory(stList.pastNode);
+    Free_And_Clear(stList.pastNode);
     stList.pastNode = pastNode;
     // A line's place in the file names it: no two frames share one.
     for (uint32_t uiNode = 1; uiNode < Get_TailNode(); ++uiNode)

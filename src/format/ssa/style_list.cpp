@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "format/ssa/ssa_usual.h"
-#include "record/parser_state.h"
+#include "record/host_callbacks.h"
 
 namespace
 {
@@ -12,165 +12,105 @@ namespace
 constexpr uint32_t FIRST_STYLES = 16; // more than most files have
 constexpr uint32_t STYLES_MAX = 4096; // a megabyte: no film needs more
 constexpr uint32_t WALKED_STYLES = 8; // so few are walked faster than looked up
-constexpr size_t UNIT_BYTES = sizeof(uint16_t);
 
-/** A node of the record's list and its place there. */
-struct StyleEntry {
-    SSAStyleNode stNode; // first, so that a node is its entry
-    uint32_t uiPlace;    // 0 = first of the file
-};
-
-/** A block: this, then uiStyles entries. */
-struct alignas(StyleEntry) StyleBlock {
-    StyleBlock *pstOlder;
-    uint32_t uiStyles; // room
-    uint32_t uiUsed;
-};
+SSAStyleNode *s_pastStyle = nullptr; // the record's list, in file order
+uint32_t s_uiStyleRoom = 0;
+uint32_t s_uiStyles = 0;
 
 /**
- * The index is a tree in one array of 2 x uiIndexed entries. The upper half holds all entries in the order of
- * their names; entry k below it is the one of 2 k and 2 k + 1 that comes first in the file. So a range of
- * names has its first style in log n steps.
+ * The index is a tree in one array of twice as many numbers of styles. The upper half holds all in the order of
+ * their names; entry k below it is the lower one of 2 k and 2 k + 1. So a range of names has its first style in
+ * log n steps.
  */
-struct StyleStore {
-    StyleBlock *pstBlock; // the newest one
-    StyleEntry *pstLast;  // end of the record's list
-    uint32_t uiStyles;
-    StyleEntry **papstIndex; // NULL = none
-    uint32_t uiIndexed;      // styles in it
-};
-
-StyleStore s_stStyles = {};
-
-StyleEntry *Get_Entries(StyleBlock *pstBlock)
-{
-    return reinterpret_cast<StyleEntry *>(pstBlock + 1);
-}
-
-bool Add_Block()
-{
-    const uint32_t uiLeft = STYLES_MAX - s_stStyles.uiStyles;
-    uint32_t uiStyles = FIRST_STYLES;
-    if (s_stStyles.pstBlock != nullptr) uiStyles = s_stStyles.pstBlock->uiStyles * 2;
-    if (uiStyles > uiLeft) uiStyles = uiLeft;
-    const uint32_t uiBytes = static_cast<uint32_t>(sizeof(StyleBlock) + uiStyles * sizeof(StyleEntry));
-    StyleBlock *const pstBlock = static_cast<StyleBlock *>(QUIBCAPTCB_Allocate_Memory(uiBytes));
-    if (pstBlock == nullptr) return false;
-    *pstBlock = {s_stStyles.pstBlock, uiStyles, 0};
-    s_stStyles.pstBlock = pstBlock;
-    return true;
-}
+uint32_t *s_puiIndex = nullptr; // NULL = none; else of all styles
 
 /** What has been looked up is no longer sure. */
 void Drop_Index()
 {
     Forget_UsualFields();
-    if (s_stStyles.papstIndex != nullptr) QUIBCAPTCB_Deallocate_Memory(s_stStyles.papstIndex);
-    s_stStyles.papstIndex = nullptr;
-    s_stStyles.uiIndexed = 0;
+    Free_And_Clear(s_puiIndex);
 }
 
-const uint16_t *Get_Name(const StyleEntry *pstEntry)
+/** Make room for twice as many styles. */
+bool Grow_Styles()
 {
-    return pstEntry->stNode.stStyle.ausStyleName;
+    const uint32_t uiRoom = s_uiStyleRoom == 0 ? FIRST_STYLES : 2 * s_uiStyleRoom;
+    if (uiRoom > STYLES_MAX || !Grow_Array(s_pastStyle, s_uiStyles, uiRoom)) return false;
+    for (uint32_t uiStyle = 1; uiStyle < s_uiStyles; ++uiStyle)
+        s_pastStyle[uiStyle - 1].pstNext = s_pastStyle + uiStyle;
+    pstQuibCaptionParserInfo->pstSSAStyleList = s_pastStyle;
+    s_uiStyleRoom = uiRoom;
+    return true;
 }
 
 /** Order by bytes: any order will do that keeps names with the same beginning together. */
-int Compare_Names(const StyleEntry *pstA, const uint16_t *pusB, uint32_t uiUnits)
+int Compare_Names(uint32_t uiStyle, const uint16_t *pusText, uint32_t uiUnits)
 {
-    return std::memcmp(Get_Name(pstA), pusB, uiUnits * UNIT_BYTES);
+    return std::memcmp(s_pastStyle[uiStyle].stStyle.ausStyleName, pusText, uiUnits * sizeof(uint16_t));
 }
 
-bool Is_Before(const StyleEntry *pstA, const StyleEntry *pstB)
+/** @return the first style of a range of names, or the number of styles. */
+uint32_t Find_InIndex(const uint16_t *pusText, uint32_t uiUnits)
 {
-    return Compare_Names(pstA, Get_Name(pstB), ZYR_SSA_NAME_UNITS) < 0;
-}
-
-StyleEntry *Get_Earlier(StyleEntry *pstA, StyleEntry *pstB)
-{
-    if (pstA == nullptr) return pstB;
-    return pstA->uiPlace < pstB->uiPlace ? pstA : pstB;
-}
-
-const SSAStyleInfo *Find_InIndex(const uint16_t *pusText, uint32_t uiUnits)
-{
-    StyleEntry **const papstIndex = s_stStyles.papstIndex;
-    StyleEntry **const papstSorted = papstIndex + s_stStyles.uiIndexed;
-    StyleEntry **const papstEnd = papstSorted + s_stStyles.uiIndexed;
-    const auto fnIsBefore = [=](const StyleEntry *pst) { return Compare_Names(pst, pusText, uiUnits) < 0; };
-    const auto fnIsNotBehind = [=](const StyleEntry *pst) {
-        return Compare_Names(pst, pusText, uiUnits) <= 0;
+    const uint32_t *const puiNames = s_puiIndex + s_uiStyles;
+    const auto fnCount = [=](int iLimit) { // of the names before the range, or of those up to its end
+        const auto fnBefore = [=](uint32_t uiStyle) {
+            return Compare_Names(uiStyle, pusText, uiUnits) < iLimit;
+        };
+        return static_cast<uint32_t>(std::partition_point(puiNames, puiNames + s_uiStyles, fnBefore) -
+                                     puiNames);
     };
-    StyleEntry **const papstFrom = std::partition_point(papstSorted, papstEnd, fnIsBefore);
-    StyleEntry **const papstTo = std::partition_point(papstFrom, papstEnd, fnIsNotBehind);
-    size_t uiFrom = static_cast<size_t>(papstFrom - papstIndex);
-    size_t uiTo = static_cast<size_t>(papstTo - papstIndex);
-    StyleEntry *pstFirst = nullptr;
+    uint32_t uiFirst = s_uiStyles;
+    uint32_t uiFrom = s_uiStyles + fnCount(0);
+    uint32_t uiTo = s_uiStyles + fnCount(1);
     for (; uiFrom < uiTo; uiFrom /= 2, uiTo /= 2) {
-        if (uiFrom % 2 != 0) pstFirst = Get_Earlier(pstFirst, papstIndex[uiFrom++]);
-        if (uiTo % 2 != 0) pstFirst = Get_Earlier(pstFirst, papstIndex[--uiTo]);
+        if (uiFrom % 2 != 0) uiFirst = std::min(uiFirst, s_puiIndex[uiFrom++]);
+        if (uiTo % 2 != 0) uiFirst = std::min(uiFirst, s_puiIndex[--uiTo]);
     }
-    return pstFirst == nullptr ? nullptr : &pstFirst->stNode.stStyle;
+    return uiFirst;
 }
 
 } // namespace
 
 int32_t Add_SSAStyleInfo(const SSAStyleInfo *pstStyle)
 {
-    if (pstQuibCaptionParserInfo == nullptr || s_stStyles.uiStyles == STYLES_MAX) return -1;
-    const StyleBlock *const pstNewest = s_stStyles.pstBlock;
-    if ((pstNewest == nullptr || pstNewest->uiUsed == pstNewest->uiStyles) && !Add_Block()) return -1;
+    if (pstQuibCaptionParserInfo == nullptr || (s_uiStyles == s_uiStyleRoom && !Grow_Styles())) return -1;
     Drop_Index();
-    StyleEntry *const pstEntry = Get_Entries(s_stStyles.pstBlock) + s_stStyles.pstBlock->uiUsed++;
-    *pstEntry = {{*pstStyle, nullptr}, s_stStyles.uiStyles++};
-    if (s_stStyles.pstLast == nullptr)
-        pstQuibCaptionParserInfo->pstSSAStyleList = &pstEntry->stNode;
-    else
-        s_stStyles.pstLast->stNode.pstNext = &pstEntry->stNode;
-    s_stStyles.pstLast = pstEntry;
+    if (s_uiStyles > 0) s_pastStyle[s_uiStyles - 1].pstNext = s_pastStyle + s_uiStyles;
+    s_pastStyle[s_uiStyles++] = {*pstStyle, nullptr};
     return 1;
 }
 
 void Index_Styles()
 {
     Drop_Index();
-    const uint32_t uiNums = s_stStyles.uiStyles;
-    if (uiNums <= WALKED_STYLES) return;
-    StyleEntry **const papstIndex = static_cast<StyleEntry **>(
-        QUIBCAPTCB_Allocate_Memory(2 * uiNums * static_cast<uint32_t>(sizeof(void *))));
-    if (papstIndex == nullptr) return;
-    uint32_t uiEntry = 2 * uiNums;
-    for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr; pstBlock = pstBlock->pstOlder)
-        for (uint32_t uiPos = pstBlock->uiUsed; uiPos-- > 0;)
-            papstIndex[--uiEntry] = Get_Entries(pstBlock) + uiPos;
-    std::sort(papstIndex + uiNums, papstIndex + size_t{2} * uiNums, Is_Before);
-    for (uint32_t uiPos = uiNums; --uiPos > 0;)
-        papstIndex[uiPos] = Get_Earlier(papstIndex[size_t{2} * uiPos], papstIndex[size_t{2} * uiPos + 1]);
-    s_stStyles.papstIndex = papstIndex;
-    s_stStyles.uiIndexed = uiNums;
+    if (s_uiStyles <= WALKED_STYLES || !Grow_Array(s_puiIndex, 0, 2 * s_uiStyles)) return;
+    uint32_t *const puiNames = s_puiIndex + s_uiStyles;
+    for (uint32_t uiStyle = 0; uiStyle < s_uiStyles; ++uiStyle) puiNames[uiStyle] = uiStyle;
+    std::sort(puiNames, puiNames + s_uiStyles, [](uint32_t uiA, uint32_t uiB) {
+        return Compare_Names(uiA, s_pastStyle[uiB].stStyle.ausStyleName, ZYR_SSA_NAME_UNITS) < 0;
+    });
+    for (uint32_t uiPos = s_uiStyles; --uiPos > 0;)
+        s_puiIndex[uiPos] = std::min(s_puiIndex[2 * uiPos], s_puiIndex[2 * uiPos + 1]);
 }
 
 const SSAStyleInfo *Find_Style(const uint16_t *pusText, uint32_t uiLen)
 {
-    if (pstQuibCaptionParserInfo == nullptr) return nullptr;
-    const uint32_t uiUnits = uiLen < ZYR_SSA_NAME_UNITS ? uiLen : static_cast<uint32_t>(ZYR_SSA_NAME_UNITS);
-    if (s_stStyles.papstIndex != nullptr) return Find_InIndex(pusText, uiUnits);
-    for (const SSAStyleNode *pstNode = pstQuibCaptionParserInfo->pstSSAStyleList; pstNode != nullptr;
-         pstNode = pstNode->pstNext)
-        if (std::memcmp(pstNode->stStyle.ausStyleName, pusText, uiUnits * UNIT_BYTES) == 0)
-            return &pstNode->stStyle;
-    return nullptr;
+    const uint32_t uiUnits = std::min(uiLen, static_cast<uint32_t>(ZYR_SSA_NAME_UNITS));
+    uint32_t uiStyle = 0;
+    if (s_puiIndex != nullptr)
+        uiStyle = Find_InIndex(pusText, uiUnits);
+    else
+        while (uiStyle < s_uiStyles && Compare_Names(uiStyle, pusText, uiUnits) != 0) ++uiStyle;
+    return uiStyle == s_uiStyles ? nullptr : &s_pastStyle[uiStyle].stStyle;
 }
 
 void QuibCaptionParser_Destroy_SSA_MemoryBuffers(void)
 {
     Drop_Index();
-    for (StyleBlock *pstBlock = s_stStyles.pstBlock; pstBlock != nullptr;) {
-        StyleBlock *const pstOlder = pstBlock->pstOlder;
-        QUIBCAPTCB_Deallocate_Memory(pstBlock);
-        pstBlock = pstOlder;
-    }
-    s_stStyles = {};
+    Free_And_Clear(s_pastStyle);
+    s_uiStyleRoom = 0;
+    s_uiStyles = 0;
     if (pstQuibCaptionParserInfo == nullptr) return;
     pstQuibCaptionParserInfo->pstSSAStyleList = nullptr;
     pstQuibCaptionParserInfo->stSSAFrameInfo.pstStyle = nullptr;

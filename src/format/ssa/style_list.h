@@ -1,8 +1,8 @@
 /*
  * The SSA styles: the list that the record heads, in file order, and a look-up by the beginning of a name.
  *
- * The nodes stand in a few blocks of growing size. The look-up halves an index that is made once, when the
- * header has been read; without an index, or without memory for one, it walks the list.
+ * The nodes stand in one array, which moves as it grows: nobody keeps a style while some are added. The look-up
+ * halves an index that is made once, when the header has been read; without one it walks the list.
  * QuibCaptionParser_Destroy_SSA_MemoryBuffers() frees all of it.
  */
 #pragma once
