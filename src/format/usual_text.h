@@ -68,10 +68,17 @@ struct UsualText {
         pucFileLine = pucByte;
     }
     bool Is_LineEmpty() const { return pucOut == pucLine; }
+    /** Only for a text whose end is known: where it ends. */
+    inline const uint8_t *Get_TextEnd() const;
 };
 
 /** Bytes from the next one on that can be looked at wherever a stop is met. */
 constexpr int32_t USUAL_AHEAD = 32;
+
+inline const uint8_t *UsualText::Get_TextEnd() const
+{
+    return pucEnd - USUAL_AHEAD;
+}
 
 struct UsualForm {
     uint8_t aucStop[2]; // where a run of characters ends, beside units below 0x20 and a second blank in a row

@@ -75,12 +75,13 @@ struct TagControlInfo {
     bool bLogged;                 // the last SYNC or P tag has led to a log line
 };
 
-/** One SYNC tag of a SAMI file. The array is in time order once the header is read. */
+/** A class's frame of a SAMI file. The array is in time order once the header is read. */
 struct SamiFrameInfo {
     uint32_t uiClassIndex; // class of the frame; ZYR_CLASS_MAX while it has none
     int32_t iPTS;          // ms
-    uint32_t uiTextBytes;  // from there to the text, where nothing else needs to be read; 0 = not known
-    int64_t llFilePos;     // where the "<" of the SYNC tag stands
+    uint16_t usTextBytes;  // bytes from its place to the text
+    uint16_t usTextEnd;    // and to behind the text, if nothing else needs to be read; 0 = that is not known
+    int64_t llFilePos;     // its place: where the "<" of the SYNC tag stands
 };
 
 extern uint32_t s_uiFontColor;     // font colour that every frame starts with

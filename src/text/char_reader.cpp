@@ -222,6 +222,12 @@ int64_t Tell_ReadPosition(void *hFile, int64_t *pllPos)
     return llTold;
 }
 
+bool Get_KnownPosition(const void *hFile, int64_t *pllPos)
+{
+    *pllPos = s_llReaderPos - Get_HeldBytes(Get_StreamInfo());
+    return s_llReaderPos >= 0 && hFile == s_hReaderFile;
+}
+
 int64_t Get_ReadPosition(void *hFile)
 {
     int64_t llPos = 0;

@@ -41,6 +41,9 @@ int64_t Tell_ReadPosition(void *hFile, int64_t *pllPos);
 /** The same, whatever the reader knows: a host may have moved the file. */
 int64_t Ask_ReadPosition(void *hFile, int64_t *pllPos);
 
+/** The same without asking the file. @return whether it is known */
+bool Get_KnownPosition(const void *hFile, int64_t *pllPos);
+
 /**
  * Ask the file, which a host may have moved, whether the next character stands at a position.
  *

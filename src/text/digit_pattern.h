@@ -75,6 +75,17 @@ inline uint32_t Read_Pair(const uint8_t *pucDigit)
     return pucDigit[0] * 10u + pucDigit[1] - '0' * 11u;
 }
 
+/** @return the number of 1 to 8 digits, which stand there; 8 bytes can be looked at. */
+inline uint32_t Read_Number(const uint8_t *pucDigits, uint32_t uiDigits)
+{
+    uint64_t ullText;
+    std::memcpy(&ullText, pucDigits, sizeof(ullText));
+    const uint64_t ullDigits = ullText << (64 - 8 * uiDigits) & 0x0F0F0F0F0F0F0F0Fu; // zeros in front
+    const uint64_t ullPairs = (ullDigits * 10 + (ullDigits >> 8)) & 0x00FF00FF00FF00FFu;
+    const uint64_t ullFours = (ullPairs * 100 + (ullPairs >> 16)) & 0x0000FFFF0000FFFFu;
+    return static_cast<uint32_t>(ullFours * 10000 + (ullFours >> 32));
+}
+
 /** @return digits that stand there, up to 8 of them. */
 inline uint32_t Count_Digits(const uint8_t *pucDigits)
 {

@@ -9,8 +9,6 @@
 namespace
 {
 
-constexpr uint32_t BLOCK_BITS = (1u << BLOCK_BYTES) - 1;
-
 /** What a search looks for. */
 struct UnitSearch {
     uint8_t ucFirst;
@@ -33,6 +31,15 @@ struct BlockHits {
     uint32_t uiUnsure;
 };
 
+/** @return a bit for each byte that can begin an overlong form of another character. */
+inline uint32_t Find_Overlong(const TextBlock &stBlock, const uint8_t *pucByte)
+{
+    const auto stTwo = stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1);
+    const auto stThree = stBlock.Find_Equal(0xE0);
+    if (TextBlock::Get_Bits(stTwo | stThree) == 0) return 0;
+    return TextBlock::Get_Bits(stTwo | stThree.Without(TextBlock::Load(pucByte + 1).Find_AtLeast(0xA0)));
+}
+
 /** @param[in,out] uiCarry  the bits that one block leaves for the next one; 0 at first */
 template <TextKind KIND>
 inline BlockHits Look_AtBlock(const uint8_t *pucByte, const UnitSearch &stSearch, uint32_t &uiCarry)
@@ -46,23 +53,36 @@ inline BlockHits Look_AtBlock(const uint8_t *pucByte, const UnitSearch &stSearch
     }
     BlockHits stHits = {
         TextBlock::Get_Bits(stBlock.Find_Equal(stSearch.ucFirst) | stBlock.Find_Equal(stSearch.ucSecond)), 0};
-    if (KIND == E_TEXT_UTF8 && stBlock.Get_HighBits() != 0)
-        stHits.uiUnsure = TextBlock::Get_Bits(Find_OverlongLeads(stBlock, TextBlock::Load(pucByte + 1)));
+    if (KIND == E_TEXT_UTF8 && stBlock.Get_HighBits() != 0) stHits.uiUnsure = Find_Overlong(stBlock, pucByte);
     if constexpr (KIND == E_TEXT_DOUBLE) stHits.uiHit &= ~Find_SecondBytes(stBlock.Get_HighBits(), uiCarry);
     return stHits;
 }
 
 template <TextKind KIND>
-const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
+inline const uint8_t *Search(const uint8_t *pucByte, const uint8_t *pucEnd, UnitSearch stSearch)
 {
+    const uint8_t *const pucLast = pucEnd - (FOUND_AHEAD + static_cast<ptrdiff_t>(BLOCK_BYTES));
     uint32_t uiCarry = 0;
-    for (; pucEnd - pucByte >= FOUND_AHEAD + static_cast<int32_t>(BLOCK_BYTES); pucByte += BLOCK_BYTES) {
+    for (; pucByte <= pucLast; pucByte += BLOCK_BYTES) {
         const BlockHits stHits = Look_AtBlock<KIND>(pucByte, stSearch, uiCarry);
-        const uint32_t uiBefore = stHits.uiHit == 0 ? BLOCK_BITS : (stHits.uiHit - 1) & ~stHits.uiHit;
-        if ((stHits.uiUnsure & uiBefore) != 0) return nullptr;
-        if (stHits.uiHit != 0) return pucByte + std::countr_zero(stHits.uiHit);
+        if ((stHits.uiHit | stHits.uiUnsure) == 0) continue;
+        const uint32_t uiPos = static_cast<uint32_t>(std::countr_zero(stHits.uiHit | 1u << BLOCK_BYTES));
+        if (stHits.uiUnsure != 0 && (stHits.uiUnsure & ((1u << uiPos) - 1)) != 0) return nullptr;
+        if (stHits.uiHit != 0) return pucByte + uiPos;
     }
     return nullptr;
+}
+
+/** Find_Unit(), made once more where the characters are constants. */
+inline const uint8_t *Find(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, UnitSearch stSearch)
+{
+    switch (eKind) {
+    case E_TEXT_UTF8: return Search<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
+    case E_TEXT_DOUBLE: return Search<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_SINGLE: return Search<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_UTF16: return Search<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
+    default: return nullptr;
+    }
 }
 
 template <TextKind KIND>
@@ -97,28 +117,25 @@ const uint8_t *Search_EmptyLine(const uint8_t *pucByte, const uint8_t *pucEnd, c
     return nullptr;
 }
 
-/** @return whether a UTF-8 character of several bytes ends right before a place. */
-bool Ends_Utf8(const uint8_t *pucStart, const uint8_t *pucEnd)
-{
-    const ptrdiff_t iHeld = pucEnd - pucStart;
-    if (iHeld < 2 || (pucEnd[-1] & 0xC0) != 0x80) return false;
-    if ((pucEnd[-2] & 0xE0) == 0xC0) return true;
-    return iHeld >= 3 && (pucEnd[-2] & 0xC0) == 0x80 && (pucEnd[-3] & 0xF0) == 0xE0;
-}
-
 } // namespace
 
 const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucFirst,
                          uint8_t ucSecond)
 {
-    const UnitSearch stSearch = {ucFirst, ucSecond, Is_BigEndianText()};
-    switch (eKind) {
-    case E_TEXT_UTF8: return Search<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
-    case E_TEXT_DOUBLE: return Search<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
-    case E_TEXT_SINGLE: return Search<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch);
-    case E_TEXT_UTF16: return Search<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
-    default: return nullptr;
-    }
+    return Find(eKind, pucByte, pucEnd, {ucFirst, ucSecond, Is_BigEndianText()});
+}
+
+const uint8_t *Find_TagOpen(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd)
+{
+    return Find(eKind, pucByte, pucEnd, {'<', '<', Is_BigEndianText()});
+}
+
+bool Ends_Utf8(const uint8_t *pucFrom, const uint8_t *pucEnd)
+{
+    const ptrdiff_t iHeld = pucEnd - pucFrom;
+    if (iHeld < 2 || (pucEnd[-1] & 0xC0) != 0x80) return false;
+    if ((pucEnd[-2] & 0xE0) == 0xC0) return true;
+    return iHeld >= 3 && (pucEnd[-2] & 0xC0) == 0x80 && (pucEnd[-3] & 0xF0) == 0xE0;
 }
 
 uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
@@ -128,9 +145,7 @@ uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
     const TextKind eKind = Get_TextKind();
     const uint8_t *pucFound = Find_Unit(eKind, stHeld.pucBegin, stHeld.pucEnd, ucFirst, ucSecond);
     if (pucFound == nullptr) return 0;
-    if (eKind == E_TEXT_UTF8)
-        while (pucFound > stHeld.pucBegin && pucFound[-1] >= 0x80 && !Ends_Utf8(stHeld.pucBegin, pucFound))
-            --pucFound;
+    while (!Is_CountedAlone(eKind, stHeld.pucBegin, pucFound)) --pucFound;
     const uint32_t uiBytes = static_cast<uint32_t>(pucFound - stHeld.pucBegin);
     Take_HeldBytes(uiBytes);
     return uiBytes;

@@ -19,6 +19,24 @@ constexpr int32_t FOUND_AHEAD = 32;
 const uint8_t *Find_Unit(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucFirst,
                          uint8_t ucSecond);
 
+/** The same for "<" alone. */
+const uint8_t *Find_TagOpen(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd);
+
+/** @return whether a UTF-8 character of several bytes, which may begin at pucFrom at the earliest, ends right before a
+ *          place. */
+bool Ends_Utf8(const uint8_t *pucFrom, const uint8_t *pucEnd);
+
+/**
+ * Bytes right before a character that decode to none are counted to it by the reader.
+ *
+ * @param[in] pucFrom  where a character begins
+ * @return whether there are none before a character found behind it
+ */
+inline bool Is_CountedAlone(TextKind eKind, const uint8_t *pucFrom, const uint8_t *pucFound)
+{
+    return eKind != E_TEXT_UTF8 || pucFound == pucFrom || pucFound[-1] < 0x80 || Ends_Utf8(pucFrom, pucFound);
+}
+
 /**
  * Find the first CR, which must be that of a CR LF, in the current stream's read buffer.
  *

@@ -280,14 +280,3 @@ inline uint32_t Find_SecondBytes(uint32_t uiHigh, uint32_t &uiCarry)
     uiCarry = uiOddRows >> BLOCK_BYTES & 1;
     return (EVEN ^ uiOddRows << 1) & uiBehind & 0xFFFF;
 }
-
-/**
- * Tell the UTF-8 bytes that can begin an overlong form of another character, a bit for each.
- *
- * @param[in] stNext  the block one byte further
- */
-inline TextBlock::Hits Find_OverlongLeads(const TextBlock &stBlock, const TextBlock &stNext)
-{
-    return stBlock.Find_Equal(0xC0) | stBlock.Find_Equal(0xC1) |
-           stBlock.Find_Equal(0xE0).Without(stNext.Find_AtLeast(0xA0));
-}

@@ -18,6 +18,7 @@ struct FileKind {
     const char *pszEnding;
     std::string strHead;
     std::vector<std::string> vecEntries;
+    std::string strMore = {}; // what some of the files begin with
 };
 
 const FileKind KINDS[] = {
@@ -63,7 +64,8 @@ const FileKind KINDS[] = {
       "<SYNC Start=9000><P Class=KRCC>A line that is so long that it must be wrapped at one of its blanks, "
       "perhaps even "
       "at two of them or at three of them<br>1<br>2<br>3<br>4<br>\r\n",
-      "<SYNC Start=9500><P Class=KRCC>1<br>2<br>3<br>4<br>5<br>6<br>7\r\n", "</BODY></SAMI>\r\n"}},
+      "<SYNC Start=9500><P Class=KRCC>1<br>2<br>3<br>4<br>5<br>6<br>7\r\n", "</BODY></SAMI>\r\n"},
+     Repeat("<SYNC Start=20000><P Class=KRCC>A class into which the others are folded\r\n", 31)},
     {".ssa",
      "[Script Info]\r\nTitle: x\r\n[v4 Styles]\r\n"
      "Style: Default,Arial,20,16777215,65535,65535,0,-1,0,1,2,2,2,30,30,10,0,0\r\n"
@@ -169,6 +171,7 @@ void Bend(std::string &strText, Random &stRandom, size_t uiTimes)
 std::string Make_File(const FileKind &stKind, Random &stRandom)
 {
     std::string strFile = stKind.strHead;
+    if (Choose(stRandom, 4) == 0) strFile += stKind.strMore;
     const size_t uiEntries = 3 + Choose(stRandom, 12);
     for (size_t uiEntry = 0; uiEntry < uiEntries; ++uiEntry) {
         std::string strEntry = stKind.vecEntries[Choose(stRandom, stKind.vecEntries.size())];

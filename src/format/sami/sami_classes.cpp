@@ -45,18 +45,30 @@ void Combine_Frames(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
 
 void Note_ChangedClasses()
 {
-    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame) // other P tags select a class now
-        s_pstFrameInfoArray[uiFrame].uiTextBytes = 0;
     Order_FramesByClass();
     Forget_PassedPlaces();
 }
 
-void Add_AltName(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
+/** Let a class be known by another one's names, too. @return whether there was room for it */
+bool Add_AltName(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
 {
-    if (stFrom.uiNameLength == 0 || stTo.uiAltNameNums >= ZYR_CLASS_MAX) return;
+    if (stFrom.uiNameLength == 0) return true;
+    if (stTo.uiAltNameNums >= ZYR_CLASS_MAX) return false;
     std::copy_n(stFrom.ausName, ZYR_CLASS_NAME_UNITS, stTo.ausAltName[stTo.uiAltNameNums]);
     stTo.auiAltNameLength[stTo.uiAltNameNums] = stFrom.uiNameLength;
     ++stTo.uiAltNameNums;
+    return true;
+}
+
+/** Two classes have become one: a text that begins or ends at a tag of another class may go on there. */
+void Forget_SharedTexts(bool bAll)
+{
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame) {
+        SamiFrameInfo *const pstFrame = s_pstFrameInfoArray + uiFrame;
+        const bool bBefore = uiFrame > 0 && pstFrame[-1].llFilePos == pstFrame->llFilePos;
+        const bool bBehind = uiFrame + 1 < s_uiFrameInfoNums && pstFrame[1].llFilePos == pstFrame->llFilePos;
+        if (bAll || bBefore || bBehind) pstFrame->usTextEnd = 0;
+    }
 }
 
 /** @return first class from uiFirst on that can take others in, or the number of classes. */
@@ -185,9 +197,9 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
         else if (uiClass > uiFrom && uiClass < uiNums)
             --uiClass;
     }
+    Forget_SharedTexts(!Add_AltName(Get_Class(uiTo), Get_Class(uiFrom)));
     Drop_TwinFrames();
     Note_ChangedClasses();
-    Add_AltName(Get_Class(uiTo), Get_Class(uiFrom));
     Combine_Frames(Get_Class(uiTo), Get_Class(uiFrom));
     for (uint32_t uiClass = uiFrom; uiClass + 1 < uiNums; ++uiClass)
         Get_Class(uiClass) = Get_Class(uiClass + 1);

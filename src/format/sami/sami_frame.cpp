@@ -228,7 +228,7 @@ bool Step_HeadTag(SamiFrame &stFrame, uint16_t usChar)
         Start_HeadTag(stFrame);
         return true;
     }
-    if (Is_TagSpace(usChar) && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
+    if (Is_Space(usChar) && stFrame.eTag == E_HEAD_NAME) Note_TagName(stFrame);
     if (stFrame.eState != E_FRAME_HEAD_TAG) return true; // reading goes on elsewhere
     Collect_TagUnit(usChar, TAG_TEXT_UNITS);
     if (usChar == '>') Finish_HeadTag(stFrame);
@@ -288,7 +288,7 @@ bool Step_Other(SamiFrame &stFrame, uint16_t usChar)
 bool Is_ParagraphTag()
 {
     const TagControlInfo &stTag = *s_pstTagControlInfo;
-    return stTag.uiTagLength > 2 && To_Upper(stTag.ausTagBuf[1]) == 'P' && Is_TagSpace(stTag.ausTagBuf[2]);
+    return stTag.uiTagLength > 2 && To_Upper(stTag.ausTagBuf[1]) == 'P' && Is_Space(stTag.ausTagBuf[2]);
 }
 
 /** Only a P tag whose CLASS selects the frame's class leads back to its text. */

@@ -42,15 +42,22 @@ constexpr SamiTagRow SamiTagTable[] = {
 
 constexpr const SamiTagRow *SYNC_TAG = &SamiTagTable[0];
 
+constexpr uint16_t TEXT_BYTES_MAX = 0x7FFF; // from a SYNC tag to a text that may be usual
+
 constexpr int32_t NO_MIN_PTS = 0x0FFFFFFF; // smallest time of no frames
 
-/** Places and times of some frames. */
+/** Times of some frames, and where the last one stands. */
+struct FrameExtent {
+    int32_t iMinPTS;
+    int32_t iMaxPTS;
+    int64_t llLastPos;
+};
+
+/** Some frames. */
 struct FrameStatistics {
     uint32_t uiNums;
     int64_t llFirstPos;
-    int32_t iMinPTS;
-    int64_t llLastPos;
-    int32_t iMaxPTS;
+    FrameExtent stExtent;
 };
 
 /** The SYNC tag last recorded. */
@@ -65,7 +72,7 @@ struct CurrentFrame {
 enum SamiHead : uint32_t {
     E_SAMI_HEAD_ODD,  // something that the frame parser has to look at
     E_SAMI_HEAD_SYNC, // nothing but characters
-    E_SAMI_HEAD_P,    // P tags of known classes, and whatever their text holds
+    E_SAMI_HEAD_P,    // P tags of known classes, each of another, and whatever their text holds
 };
 
 struct SamiScan {
@@ -74,6 +81,7 @@ struct SamiScan {
     const SamiTagRow *pstTag;
     uint32_t uiMatched;                      // units of the name being matched
     int64_t llBytes;                         // bytes read since the scan began
+    int64_t llOffset;                        // file position where it began; only for usual tags
     int64_t llTagBytes;                      // bytes read before the tag's "<"
     int64_t llSyncBytes;                     // the same of the SYNC tag last recorded
     uint32_t uiDigits;                       // digits of the START value
@@ -83,10 +91,12 @@ struct SamiScan {
     bool bSyncOpen;                          // the ">" of a SYNC tag is still to come
     bool bSkip;                              // what follows may be passed over up to the next tag
     SamiHead eHead;                          // what the frame parser will find before a P tag
+    uint16_t ausTextEnd[ZYR_CLASS_MAX];      // of the current frame's entries, while eHead is E_SAMI_HEAD_P
+    SamiClassForm astForm[ZYR_CLASS_MAX];    // of each class
     bool bOffStart;                          // the scan did not begin at the file's start
     CurrentFrame stFrame;
-    FrameStatistics stPending;    // frames without a class so far
-    FrameStatistics stPendingOld; // the same before the current frame
+    FrameStatistics stPending; // frames without a class so far
+    FrameExtent stExtentOld;   // of the same before the current frame
 };
 
 /** What a unit led to. */
@@ -109,26 +119,23 @@ void Count_Unclassified(SamiScan &stScan)
     FrameStatistics &stPending = stScan.stPending;
     if (stPending.uiNums == 0) stPending.llFirstPos = stFrame.llPos;
     ++stPending.uiNums;
-    stScan.stPendingOld = stPending;
-    stPending.iMinPTS = std::min(stPending.iMinPTS, stFrame.iPTS);
-    stPending.iMaxPTS = std::max(stPending.iMaxPTS, stFrame.iPTS);
-    stPending.llLastPos = stFrame.llPos;
+    stScan.stExtentOld = stPending.stExtent;
+    stPending.stExtent = {std::min(stPending.stExtent.iMinPTS, stFrame.iPTS),
+                          std::max(stPending.stExtent.iMaxPTS, stFrame.iPTS), stFrame.llPos};
 }
 
 /** The current frame has a class: take it out of those that have none. */
 void Uncount_Unclassified(SamiScan &stScan)
 {
     if (stScan.stPending.uiNums > 0) --stScan.stPending.uiNums;
-    stScan.stPending.iMinPTS = stScan.stPendingOld.iMinPTS;
-    stScan.stPending.iMaxPTS = stScan.stPendingOld.iMaxPTS;
-    stScan.stPending.llLastPos = stScan.stPendingOld.llLastPos;
+    stScan.stPending.stExtent = stScan.stExtentOld;
 }
 
-/** @return bytes from the current frame's SYNC tag to behind the P tag that has just been read, if nothing stands in
- *          between that the frame parser has to look at; else 0. */
-uint32_t Get_TextBytes(const SamiScan &stScan)
+/** @return bytes from the current frame's SYNC tag to behind the P tag that has just been read; TEXT_BYTES_MAX stands for
+ *          more. */
+inline uint16_t Get_TextBytes(const SamiScan &stScan)
 {
-    return stScan.eHead == E_SAMI_HEAD_P ? static_cast<uint32_t>(stScan.llBytes - stScan.llSyncBytes) : 0;
+    return static_cast<uint16_t>(std::min<int64_t>(stScan.llBytes - stScan.llSyncBytes, TEXT_BYTES_MAX));
 }
 
 /** Give the current frame one more entry while there is room. */
@@ -137,9 +144,10 @@ ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
     CurrentFrame &stFrame = stScan.stFrame;
     if (s_uiFrameInfoNums < s_uiFrameInfoMax) {
         ++stFrame.uiEntries;
-        return Append_Frame({uiClass, stFrame.iPTS, Get_TextBytes(stScan), stFrame.llPos}) ? E_SCAN_ON
-                                                                                           : E_SCAN_FAILED;
+        const bool bDone = Append_Frame({uiClass, stFrame.iPTS, Get_TextBytes(stScan), 0, stFrame.llPos});
+        return bDone ? E_SCAN_ON : E_SCAN_FAILED;
     }
+    stScan.eHead = E_SAMI_HEAD_ODD;
     LOG_PARSER("Too Many Frame Information! [%d]\n", s_uiFrameInfoMax);
     return E_SCAN_ON;
 }
@@ -152,12 +160,14 @@ ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
     if (pstFirst == pstEnd) return E_SCAN_ON;
     if (pstFirst->uiClassIndex == ZYR_CLASS_MAX) {
         pstFirst->uiClassIndex = uiClass;
-        pstFirst->uiTextBytes = Get_TextBytes(stScan);
+        pstFirst->usTextBytes = Get_TextBytes(stScan);
         return E_SCAN_ON;
     }
     const bool bEntered = std::any_of(
         pstFirst, pstEnd, [=](const SamiFrameInfo &stEntry) { return stEntry.uiClassIndex == uiClass; });
-    return bEntered ? E_SCAN_ON : Add_Entry(stScan, uiClass);
+    if (!bEntered) return Add_Entry(stScan, uiClass);
+    stScan.eHead = E_SAMI_HEAD_ODD;
+    return E_SCAN_ON;
 }
 
 /** Record the SYNC tag whose START value has just ended. */
@@ -185,39 +195,43 @@ void Log_TooManyClasses()
                pstQuibCaptionParserInfo->uiClassNums);
 }
 
-/** @return the class of this name, which is added when it is new, or NULL (logged) when there is no room. */
-CaptionClassInfo *Find_Class(const uint16_t *pusName, uint32_t uiUnits)
+/** @return the class of this name, which is added when it is new; ZYR_CLASS_MAX (logged) when there is no room. */
+uint32_t Find_Class(const uint16_t *pusName, uint32_t uiUnits)
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     for (uint32_t uiClass = 0; uiClass < stInfo.uiClassNums; ++uiClass) {
-        CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
+        const CaptionClassInfo &stClass = stInfo.astClassInfo[uiClass];
         if (stClass.uiNameLength == uiUnits && std::equal(pusName, pusName + uiUnits, stClass.ausName))
-            return &stClass;
+            return uiClass;
     }
     if (stInfo.uiClassNums == ZYR_CLASS_MAX) {
         Log_TooManyClasses();
-        return nullptr;
+        return ZYR_CLASS_MAX;
     }
-    CaptionClassInfo &stClass = stInfo.astClassInfo[stInfo.uiClassNums++];
+    CaptionClassInfo &stClass = stInfo.astClassInfo[stInfo.uiClassNums];
     std::copy(pusName, pusName + uiUnits, stClass.ausName);
     stClass.uiNameLength = uiUnits;
-    return &stClass;
+    return stInfo.uiClassNums++;
 }
 
-/** Count the current frame for the class of the P tag whose CLASS value has just ended. */
-ScanResult Assign_Class(SamiScan &stScan)
+/** Count the current frame for a class. */
+inline void Count_ForClass(const CurrentFrame &stFrame, uint32_t uiClass)
 {
-    const uint32_t uiUnits = std::min(stScan.uiClassUnits, static_cast<uint32_t>(ZYR_CLASS_NAME_UNITS));
-    CaptionClassInfo *const pstClass = Find_Class(stScan.ausClass, uiUnits);
-    const CurrentFrame &stFrame = stScan.stFrame;
-    if (pstClass == nullptr) stScan.eHead = E_SAMI_HEAD_ODD;
-    if (pstClass == nullptr || !stFrame.bKnown) return E_SCAN_ON;
-    (pstClass->uiFrameNums > 0 ? pstClass->llLastFramePos : pstClass->llFirstFramePos) = stFrame.llPos;
-    pstClass->iMinPTS = std::min(pstClass->iMinPTS, stFrame.iPTS);
-    pstClass->iMaxPTS = std::max(pstClass->iMaxPTS, stFrame.iPTS);
-    ++pstClass->uiFrameNums;
+    CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
+    (stClass.uiFrameNums > 0 ? stClass.llLastFramePos : stClass.llFirstFramePos) = stFrame.llPos;
+    stClass.iMinPTS = std::min(stClass.iMinPTS, stFrame.iPTS);
+    stClass.iMaxPTS = std::max(stClass.iMaxPTS, stFrame.iPTS);
+    ++stClass.uiFrameNums;
+}
+
+/** The current frame has a P tag of a class; ZYR_CLASS_MAX = one without room. */
+ScanResult Assign_Class(SamiScan &stScan, uint32_t uiClass)
+{
+    if (uiClass == ZYR_CLASS_MAX) stScan.eHead = E_SAMI_HEAD_ODD;
+    if (uiClass == ZYR_CLASS_MAX || !stScan.stFrame.bKnown) return E_SCAN_ON;
+    Count_ForClass(stScan.stFrame, uiClass);
     Uncount_Unclassified(stScan);
-    return Enter_Class(stScan, static_cast<uint32_t>(pstClass - pstQuibCaptionParserInfo->astClassInfo));
+    return Enter_Class(stScan, uiClass);
 }
 
 /** Make the frames that have no class a class without a name. */
@@ -234,9 +248,9 @@ void Add_UnnamedClass(const FrameStatistics &stPending)
     CaptionClassInfo &stClass = stInfo.astClassInfo[stInfo.uiClassNums++];
     stClass.uiNameLength = 0;
     stClass.llFirstFramePos = stPending.llFirstPos;
-    stClass.iMinPTS = stPending.iMinPTS;
-    stClass.llLastFramePos = stPending.llLastPos;
-    stClass.iMaxPTS = stPending.iMaxPTS;
+    stClass.iMinPTS = stPending.stExtent.iMinPTS;
+    stClass.llLastFramePos = stPending.stExtent.llLastPos;
+    stClass.iMaxPTS = stPending.stExtent.iMaxPTS;
     stClass.uiFrameNums = stPending.uiNums;
 }
 
@@ -286,7 +300,7 @@ ScanResult Step_Name(SamiScan &stScan, uint32_t uiUnit)
     stScan.eState = E_SAMI_OUTSIDE;
     if (stScan.pstTag->pszName[stScan.uiMatched] != '\0') return E_SCAN_ON;
     if (stScan.pstTag->pszAttribute == nullptr) return uiUnit == '>' ? E_SCAN_END : E_SCAN_ON;
-    if (!Is_TagSpace(uiUnit)) return E_SCAN_ON;
+    if (!Is_Space(uiUnit)) return E_SCAN_ON;
     stScan.eState = E_SAMI_ATTRIBUTE;
     stScan.uiMatched = 0;
     stScan.bSyncOpen = stScan.pstTag == SYNC_TAG;
@@ -328,14 +342,16 @@ ScanResult Step_StartValue(SamiScan &stScan, uint32_t uiUnit)
 
 ScanResult Step_ClassValue(SamiScan &stScan, uint32_t uiUnit)
 {
-    if (!Is_TagSpace(uiUnit) && uiUnit != '>') {
+    if (!Is_Space(uiUnit) && uiUnit != '>') {
         if (stScan.uiClassUnits < ZYR_CLASS_NAME_UNITS)
             stScan.ausClass[stScan.uiClassUnits] = static_cast<uint16_t>(uiUnit);
         ++stScan.uiClassUnits;
         return E_SCAN_ON;
     }
     stScan.eState = E_SAMI_OUTSIDE;
-    return stScan.uiClassUnits > 0 ? Assign_Class(stScan) : E_SCAN_ON;
+    if (stScan.uiClassUnits == 0) return E_SCAN_ON;
+    const uint32_t uiUnits = std::min(stScan.uiClassUnits, static_cast<uint32_t>(ZYR_CLASS_NAME_UNITS));
+    return Assign_Class(stScan, Find_Class(stScan.ausClass, uiUnits));
 }
 
 ScanResult Step_Scan(SamiScan &stScan, uint32_t uiUnit)
@@ -361,36 +377,91 @@ bool Close_SyncTag(SamiScan &stScan)
 
 // ---- The usual tags at once ----
 
-/** Take the tag at the read position if it is a usual one. @return whether it was taken. */
-bool Take_UsualTag(SamiScan &stScan, ScanResult *peResult)
+/** A tag ends the text of the current frame's last entry. */
+inline void Note_TextEnd(SamiScan &stScan, const SamiTag &stTag)
 {
-    SamiTag stTag;
-    if (!Match_SamiTag(&stTag)) return false;
-    if (stTag.eKind == E_SAMI_TAG_SYNC) stScan.llTagBytes = stScan.llBytes;
-    stScan.llBytes += stTag.uiBytes;
-    Take_HeldBytes(stTag.uiBytes);
-    stScan.bSyncOpen = false;
-    if (stTag.eKind == E_SAMI_TAG_SYNC) {
-        stScan.uiStart = stTag.uiStart;
-        stScan.eHead = E_SAMI_HEAD_SYNC;
-        *peResult = Append_SyncPlace(stScan.llTagBytes) ? Record_Frame(stScan) : E_SCAN_FAILED;
-    } else if (stTag.eKind == E_SAMI_TAG_P) {
-        stScan.uiClassUnits = stTag.uiNameUnits;
-        std::copy(stTag.ausName, stTag.ausName + stTag.uiNameUnits, stScan.ausClass);
-        if (stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_P;
-        *peResult = Assign_Class(stScan);
-    } else if (stScan.eHead == E_SAMI_HEAD_SYNC) {
-        stScan.eHead = E_SAMI_HEAD_ODD;
+    SamiFrameInfo *const pstEnd = s_pstFrameInfoArray + s_uiFrameInfoNums;
+    const uint32_t uiEntries = stScan.stFrame.uiEntries;
+    const int64_t llBytes = stScan.llBytes - stScan.llSyncBytes - stTag.uiLineEndBytes;
+    const int64_t llEnd = std::max<int64_t>(llBytes, pstEnd[-1].usTextBytes);
+    const uint16_t usEnd = static_cast<uint16_t>(llEnd < TEXT_BYTES_MAX ? llEnd : 0);
+    if (uiEntries == 1 && stTag.bSync) {
+        pstEnd[-1].usTextEnd = usEnd;
+        return;
     }
-    return true;
+    stScan.ausTextEnd[uiEntries - 1] = usEnd;
+    if (!stTag.bSync) return; // a later tag may still make other texts of them
+    for (uint32_t uiEntry = 0; uiEntry < uiEntries; ++uiEntry)
+        (pstEnd - uiEntries)[uiEntry].usTextEnd = stScan.ausTextEnd[uiEntry];
+}
+
+/** Record a SYNC tag with the P tag right behind it, whose class is known; there is room. */
+inline ScanResult Record_UsualFrame(SamiScan &stScan, const SamiTag &stTag)
+{
+    stScan.eHead = E_SAMI_HEAD_P;
+    stScan.llSyncBytes = stScan.llTagBytes;
+    stScan.stFrame = {true, 1, static_cast<int32_t>(stTag.uiStart), stScan.llOffset + stScan.llTagBytes};
+    stScan.stExtentOld = stScan.stPending.stExtent; // counted as one without a class, and taken out again
+    Count_ForClass(stScan.stFrame, stTag.uiClass);
+    const bool bDone =
+        Append_Frame({stTag.uiClass, stScan.stFrame.iPTS, Get_TextBytes(stScan), 0, stScan.stFrame.llPos});
+    return bDone ? E_SCAN_ON : E_SCAN_FAILED;
+}
+
+ScanResult Take_UsualParagraph(SamiScan &stScan, const SamiTag &stTag)
+{
+    if (stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_P;
+    if (stTag.uiClass < ZYR_CLASS_MAX) return Assign_Class(stScan, stTag.uiClass);
+    const uint32_t uiClass = Find_Class(stTag.ausName, stTag.uiNameUnits);
+    if (uiClass < ZYR_CLASS_MAX) Note_ClassForm(stTag, &stScan.astForm[uiClass]);
+    return Assign_Class(stScan, uiClass);
+}
+
+ScanResult Take_UsualSync(SamiScan &stScan, const SamiTag &stTag)
+{
+    if (!Append_SyncPlace(stScan.llTagBytes)) return E_SCAN_FAILED;
+    if (stTag.uiClass < ZYR_CLASS_MAX && s_uiFrameInfoNums < s_uiFrameInfoMax)
+        return Record_UsualFrame(stScan, stTag);
+    stScan.eHead = E_SAMI_HEAD_SYNC;
+    stScan.uiStart = stTag.uiStart;
+    const ScanResult eResult = Record_Frame(stScan);
+    return stTag.bParagraph && eResult == E_SCAN_ON ? Take_UsualParagraph(stScan, stTag) : eResult;
+}
+
+/** Take what stands there up to behind a usual tag. */
+inline ScanResult Take_UsualTag(SamiScan &stScan, const SamiTag &stTag)
+{
+    stScan.llBytes += stTag.uiBytesBefore;
+    if (stTag.bOthersBefore && stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_ODD;
+    if (stTag.uiBytes == 0) return E_SCAN_ON;
+    if (stScan.eHead == E_SAMI_HEAD_P) Note_TextEnd(stScan, stTag);
+    if (stTag.bSync) stScan.llTagBytes = stScan.llBytes;
+    stScan.llBytes += stTag.uiBytes;
+    return stTag.bSync ? Take_UsualSync(stScan, stTag) : Take_UsualParagraph(stScan, stTag);
+}
+
+ScanResult Take_UsualTags(SamiScan &stScan)
+{
+    SamiTagFinder stFinder;
+    SamiTag stTag;
+    ScanResult eResult = E_SCAN_ON;
+    if (!Get_KnownPosition(stScan.hFile, &stScan.llOffset) || !Begin_SamiTags(&stFinder, stScan.astForm))
+        return E_SCAN_ON;
+    stScan.llOffset -= stScan.llBytes;
+    stScan.bOffStart = stScan.bOffStart || stScan.llOffset != 0;
+    while (eResult == E_SCAN_ON) {
+        const bool bFound = Find_SamiTag(stFinder, &stTag);
+        eResult = Take_UsualTag(stScan, stTag);
+        if (!bFound) break;
+    }
+    return eResult;
 }
 
 /** Pass over what says nothing to the scan, and take the usual tags in between. */
 ScanResult Scan_Outside(SamiScan &stScan)
 {
-    ScanResult eResult = E_SCAN_ON;
-    do stScan.llBytes += Skip_To('<', stScan.bSyncOpen ? '>' : '<');
-    while (s_bUsualReading && Take_UsualTag(stScan, &eResult) && eResult == E_SCAN_ON);
+    const ScanResult eResult = stScan.bSyncOpen ? E_SCAN_ON : Take_UsualTags(stScan);
+    if (eResult == E_SCAN_ON) stScan.llBytes += Skip_To('<', stScan.bSyncOpen ? '>' : '<');
     return eResult;
 }
 
@@ -437,7 +508,7 @@ int32_t HeaderParser_SAMI(void *hFile)
     SamiScan stScan = {};
     stScan.hFile = hFile;
     stScan.bSkip = true;
-    stScan.stPending.iMinPTS = NO_MIN_PTS;
+    stScan.stPending.stExtent.iMinPTS = NO_MIN_PTS;
     const ScanEnd eEnd = Scan_File(stScan);
     if (eEnd != E_END_FAILED && Finish_Scan(stScan, eEnd)) return 1;
     Drop_FrameIndex();

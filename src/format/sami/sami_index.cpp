@@ -13,16 +13,23 @@ namespace
 constexpr uint32_t BYTES_PER_FRAME = 40; // no reasonable file has more SYNC tags than one in so many bytes
 constexpr uint32_t SPARE_FRAMES = 100;   // and these
 constexpr uint32_t FIRST_FRAMES = 1024;  // entries to begin with
+constexpr uint32_t FRAME_GROWTH = 4;     // and so many times as many whenever they do not do
 constexpr uint32_t NEAR_FRAMES = 4;      // entries to look at before the class's own list is searched
 
 uint32_t s_uiIndexedOption = 0;                   // how bytes were taken for characters
 uint32_t s_uiFrameRoom = 0;                       // entries that the array has room for
 uint32_t s_auiClassStart[ZYR_CLASS_MAX + 2] = {}; // where each class's entries begin in the class order
 
-/** The entries' numbers, class after class and ascending in each; they stand behind the entries. */
+/** The entries' numbers, class after class and ascending in each; they stand behind the room for entries. */
 uint32_t *Get_ClassOrder()
 {
-    return reinterpret_cast<uint32_t *>(s_pstFrameInfoArray + s_uiFrameInfoNums);
+    return reinterpret_cast<uint32_t *>(s_pstFrameInfoArray + s_uiFrameRoom);
+}
+
+SamiFrameInfo *Allocate_Frames(uint32_t uiRoom)
+{
+    return static_cast<SamiFrameInfo *>(
+        Allocate_FrameMemory(uiRoom * static_cast<uint32_t>(sizeof(SamiFrameInfo) + sizeof(uint32_t))));
 }
 
 /** The numbers of one class's entries. */
@@ -36,22 +43,22 @@ ClassFrames Get_ClassFrames(uint32_t uiClass)
     return {Get_ClassOrder() + s_auiClassStart[uiClass], Get_ClassOrder() + s_auiClassStart[uiClass + 1]};
 }
 
-void Replace_Frames(SamiFrameInfo *pastFrame)
+void Replace_Frames(SamiFrameInfo *pastFrame, uint32_t uiRoom)
 {
     if (s_pstFrameInfoArray != nullptr) QUIBCAPTCB_Deallocate_Memory(s_pstFrameInfoArray);
     s_pstFrameInfoArray = pastFrame;
+    s_uiFrameRoom = uiRoom;
 }
 
 bool Grow_Frames()
 {
-    const uint32_t uiRoom = std::min(s_uiFrameInfoMax, s_uiFrameRoom == 0 ? FIRST_FRAMES : 2 * s_uiFrameRoom);
-    auto *const pastFrame =
-        static_cast<SamiFrameInfo *>(Allocate_FrameMemory(uiRoom * sizeof(SamiFrameInfo)));
+    const uint32_t uiRoom =
+        std::min(s_uiFrameInfoMax, s_uiFrameRoom == 0 ? FIRST_FRAMES : FRAME_GROWTH * s_uiFrameRoom);
+    SamiFrameInfo *const pastFrame = Allocate_Frames(uiRoom);
     if (pastFrame == nullptr) return false;
     if (s_uiFrameInfoNums > 0)
         std::memcpy(pastFrame, s_pstFrameInfoArray, s_uiFrameInfoNums * sizeof(SamiFrameInfo));
-    Replace_Frames(pastFrame);
-    s_uiFrameRoom = uiRoom;
+    Replace_Frames(pastFrame, uiRoom);
     return true;
 }
 
@@ -88,9 +95,8 @@ void *Allocate_FrameMemory(uint32_t uiBytes)
 
 bool Begin_FrameIndex()
 {
-    Replace_Frames(nullptr);
+    Replace_Frames(nullptr, 0);
     Drop_FrameIndex();
-    s_uiFrameRoom = 0;
     s_uiIndexedOption = s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE;
     s_uiFrameInfoMax = static_cast<uint32_t>(s_llCaptionFileSize / BYTES_PER_FRAME) + SPARE_FRAMES;
     return Grow_Frames();
@@ -111,15 +117,12 @@ bool Append_Frame(const SamiFrameInfo &stFrame)
 bool Finish_FrameIndex()
 {
     const uint32_t uiNums = s_uiFrameInfoNums;
-    if (uiNums == 0) return true;
-    auto *const pastFrame = static_cast<SamiFrameInfo *>(
-        Allocate_FrameMemory(uiNums * (sizeof(SamiFrameInfo) + sizeof(uint32_t))));
-    if (pastFrame == nullptr) return false;
-    if (Is_Sorted(s_pstFrameInfoArray, uiNums, Get_TimeKey))
-        std::memcpy(pastFrame, s_pstFrameInfoArray, uiNums * sizeof(SamiFrameInfo));
-    else
+    if (!Is_Sorted(s_pstFrameInfoArray, uiNums, Get_TimeKey)) {
+        SamiFrameInfo *const pastFrame = Allocate_Frames(uiNums);
+        if (pastFrame == nullptr) return false;
         Sort_Stable(s_pstFrameInfoArray, pastFrame, uiNums, Get_TimeKey);
-    Replace_Frames(pastFrame);
+        Replace_Frames(pastFrame, uiNums);
+    }
     Order_FramesByClass();
     return true;
 }

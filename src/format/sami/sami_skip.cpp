@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr uint32_t FIRST_PLACES = 1024; // places to begin with
+constexpr uint32_t PLACE_GROWTH = 4;    // and so many times as many whenever they do not do
 constexpr uint32_t WORD_BITS = 32;
 constexpr uint32_t LEVELS_MAX = 7; // 32^7 bits are more than there can be places
 
@@ -105,7 +106,7 @@ void Begin_SyncPlaces()
 bool Append_SyncPlace(int64_t llFilePos)
 {
     if (s_uiPlaceNums == s_uiPlaceRoom) {
-        const uint32_t uiRoom = std::max(FIRST_PLACES, 2 * s_uiPlaceRoom);
+        const uint32_t uiRoom = std::max(FIRST_PLACES, PLACE_GROWTH * s_uiPlaceRoom);
         if (!Move_Places(uiRoom)) return false;
         s_uiPlaceRoom = uiRoom;
     }

@@ -1,20 +1,23 @@
 #include "format/sami/sami_usual.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "format/sami/sami_index.h"
 #include "markup/caption_text.h"
 #include "markup/html_tag.h"
+#include "text/char_reader.h"
+#include "text/digit_pattern.h"
 #include "text/find_unit.h"
 #include "text/text_helpers.h"
 
 namespace
 {
 
-constexpr uint32_t TAG_UNITS = 32; // more than a usual tag has
-constexpr uint32_t DIGITS_MAX = 9; // of a time: no overflow
+constexpr uint32_t HEAD_UNITS = sizeof(SamiTagFinder::aucNarrow); // more than two usual tags have
+constexpr uint32_t DIGITS_MAX = 8;                                // of a time
 
-/** A text in upper case of up to 16 units, and the bits of its bytes that count: of a letter all but the case. */
+/** A text in upper case of up to 16 bytes, and the bits of them that count: of a letter all but the case. */
 struct CaselessText {
     uint32_t uiUnits;
     uint64_t aullText[2];
@@ -36,172 +39,140 @@ struct CaselessText {
 constexpr CaselessText SYNC_START("<SYNC START=");
 constexpr CaselessText PARAGRAPH_CLASS("<P CLASS=");
 
-/** The units at a place of the read buffer. */
-struct TagUnits {
-    const uint8_t *pucByte;
-    uint32_t uiUnitBytes;
-    uint32_t uiLow; // byte of a unit that holds its low half
+static_assert(12 + DIGITS_MAX + 1 + 2 + 9 + 16 <= HEAD_UNITS);
 
-    uint32_t operator[](uint32_t uiPos) const
-    {
-        if (uiUnitBytes == 1) return pucByte[uiPos];
-        return pucByte[2 * uiPos + uiLow] | static_cast<uint32_t>(pucByte[2 * uiPos + 1 - uiLow]) << 8;
-    }
-    bool Begin_With(const CaselessText &stText) const
-    {
-        if (uiUnitBytes == 1) {
-            uint64_t aullBytes[2];
-            std::memcpy(aullBytes, pucByte, sizeof(aullBytes));
-            return ((aullBytes[0] ^ stText.aullText[0]) & stText.aullBits[0]) == 0 &&
-                   ((aullBytes[1] ^ stText.aullText[1]) & stText.aullBits[1]) == 0;
-        }
-        for (uint32_t uiPos = 0; uiPos < stText.uiUnits; ++uiPos)
-            if (To_Upper((*this)[uiPos]) != (stText.aullText[uiPos / 8] >> uiPos % 8 * 8 & 0xFF))
-                return false;
-        return true;
-    }
-};
-
-TagUnits Get_TagUnits(const uint8_t *pucByte)
+/** @return whether sixteen bytes begin with a text. */
+inline bool Begins_With(const uint8_t *pucBytes, const CaselessText &stText)
 {
-    return {pucByte, Get_UnitBytes(), s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE ? 1u : 0u};
+    uint64_t aullBytes[2];
+    std::memcpy(aullBytes, pucBytes, sizeof(aullBytes));
+    return (((aullBytes[0] ^ stText.aullText[0]) & stText.aullBits[0]) |
+            ((aullBytes[1] ^ stText.aullText[1]) & stText.aullBits[1])) == 0;
 }
 
-/** @return units of "<SYNC Start=1000>", or 0 */
-uint32_t Match_SyncTag(const TagUnits &stUnits, SamiTag *pstTag)
+inline bool Begins_With(const uint8_t *pucBytes, const SamiClassForm &stForm)
 {
-    if (!stUnits.Begin_With(SYNC_START)) return 0;
-    uint32_t uiPos = SYNC_START.uiUnits;
-    pstTag->uiStart = 0;
-    for (; uiPos < SYNC_START.uiUnits + DIGITS_MAX && Is_Digit(stUnits[uiPos]); ++uiPos)
-        pstTag->uiStart = pstTag->uiStart * 10 + (stUnits[uiPos] - '0');
-    return uiPos > SYNC_START.uiUnits && stUnits[uiPos] == '>' ? uiPos + 1 : 0;
+    uint64_t aullBytes[2];
+    std::memcpy(aullBytes, pucBytes, sizeof(aullBytes));
+    return (((aullBytes[0] | stForm.aullAny[0]) ^ stForm.aullText[0]) |
+            ((aullBytes[1] | stForm.aullAny[1]) ^ stForm.aullText[1])) == 0;
 }
 
-/** @return units of "<P Class=KRCC>", or 0 */
-uint32_t Match_ParagraphTag(const TagUnits &stUnits, SamiTag *pstTag)
+bool Is_LetterByte(uint32_t uiByte)
 {
-    if (!stUnits.Begin_With(PARAGRAPH_CLASS)) return 0;
-    uint32_t uiNums = 0;
-    for (; uiNums < ZYR_CLASS_NAME_UNITS; ++uiNums) {
-        const uint32_t uiUnit = To_Upper(stUnits[PARAGRAPH_CLASS.uiUnits + uiNums]);
-        if (!Is_Digit(uiUnit) && uiUnit - 'A' >= 26) break;
-        pstTag->ausName[uiNums] = static_cast<uint16_t>(uiUnit);
-    }
-    pstTag->uiNameUnits = uiNums;
-    return uiNums > 0 && stUnits[PARAGRAPH_CLASS.uiUnits + uiNums] == '>'
-               ? PARAGRAPH_CLASS.uiUnits + uiNums + 1
-               : 0;
+    return To_Upper(uiByte) - 'A' < 26;
 }
 
-/** @return whether a tag says nothing to the header's scan. */
-bool Is_OtherTag(const TagUnits &stUnits)
+/** @return whether a tag says nothing to the header's scan, and leads no frame to or from its text. */
+bool Is_OtherTag(const uint8_t *pucTag)
 {
     // From 0x80 on a byte may be one that is dropped, and the name be any.
-    const uint32_t uiFirst = To_Upper(stUnits[1]);
-    if (uiFirst != '/') return uiFirst != 'S' && uiFirst != 'P' && uiFirst < 0x80;
-    const uint32_t uiSecond = To_Upper(stUnits[2]);
-    return uiSecond != 'B' && uiSecond != 'S' && uiSecond < 0x80;
+    switch (To_Upper(pucTag[1])) {
+    case 'S': return Is_LetterByte(pucTag[2]) && To_Upper(pucTag[2]) != 'Y';
+    case 'P': return Is_LetterByte(pucTag[2]);
+    case '/': break;
+    default: return pucTag[1] < 0x80;
+    }
+    switch (To_Upper(pucTag[2])) {
+    case 'B': return pucTag[3] < 0x80 && To_Upper(pucTag[3]) != 'O';
+    case 'S': return pucTag[3] < 0x80 && To_Upper(pucTag[3]) != 'A';
+    default: return pucTag[2] < 0x80;
+    }
 }
 
-bool Match_Tag(const TagUnits &stUnits, SamiTag *pstTag)
+/** Match "1000>". @return its units, or 0 */
+inline uint32_t Match_Start(const uint8_t *pucDigits, uint32_t *puiStart)
 {
-    uint32_t uiUnits = 1;
-    if (stUnits[0] != '<') return false;
-    if (Is_OtherTag(stUnits))
-        pstTag->eKind = E_SAMI_TAG_OTHER;
-    else if (uiUnits = Match_SyncTag(stUnits, pstTag); uiUnits > 0)
-        pstTag->eKind = E_SAMI_TAG_SYNC;
-    else if (uiUnits = Match_ParagraphTag(stUnits, pstTag); uiUnits > 0)
-        pstTag->eKind = E_SAMI_TAG_P;
-    else
-        return false;
-    pstTag->uiBytes = uiUnits * stUnits.uiUnitBytes;
-    return true;
+    const uint32_t uiDigits = Count_Digits(pucDigits);
+    if (uiDigits == 0 || pucDigits[uiDigits] != '>') return 0;
+    *puiStart = Read_Number(pucDigits, uiDigits);
+    return uiDigits + 1;
+}
+
+/** Match "KRCC>". @return its units, or 0 */
+uint32_t Match_NewName(const uint8_t *pucName, SamiTag *pstTag)
+{
+    uint32_t uiUnits = 0;
+    for (; uiUnits < ZYR_CLASS_NAME_UNITS; ++uiUnits) {
+        const uint32_t uiUnit = To_Upper(pucName[uiUnits]);
+        if (!Is_Digit(uiUnit) && uiUnit - 'A' >= 26) break;
+        pstTag->ausName[uiUnits] = static_cast<uint16_t>(uiUnit);
+    }
+    pstTag->uiNameUnits = uiUnits;
+    return uiUnits > 0 && pucName[uiUnits] == '>' ? uiUnits + 1 : 0;
+}
+
+/** The same of a name that has been seen. */
+inline uint32_t Match_SeenName(const SamiTagFinder &stFinder, SamiTag *pstTag)
+{
+    const uint32_t uiNums = pstQuibCaptionParserInfo->uiClassNums;
+    for (uint32_t uiClass = 0; uiClass < uiNums; ++uiClass) {
+        const SamiClassForm &stForm = stFinder.pastForm[uiClass];
+        if (!Begins_With(pstTag->pucName, stForm)) continue;
+        pstTag->uiClass = uiClass;
+        return stForm.uiUnits;
+    }
+    return 0;
+}
+
+/** @return the place behind a line end, if there is one. */
+inline uint32_t Pass_LineEnd(const uint8_t *pucTag, uint32_t uiUnit)
+{
+    return pucTag[uiUnit] == '\r' && pucTag[uiUnit + 1] == '\n' ? uiUnit + 2 : uiUnit;
+}
+
+/** Match a P tag and the line end behind it. @return its units, or 0 */
+inline uint32_t Match_Paragraph(const SamiTagFinder &stFinder, const uint8_t *pucTag, SamiTag *pstTag)
+{
+    if (!Begins_With(pucTag, PARAGRAPH_CLASS)) return 0;
+    pstTag->pucName = pucTag + PARAGRAPH_CLASS.uiUnits;
+    uint32_t uiName = Match_SeenName(stFinder, pstTag);
+    if (uiName == 0) uiName = Match_NewName(pstTag->pucName, pstTag);
+    if (uiName == 0) return 0;
+    return Pass_LineEnd(pucTag, PARAGRAPH_CLASS.uiUnits + uiName);
+}
+
+/** @return the units of a usual tag, or 0 */
+inline uint32_t Match_Tag(const SamiTagFinder &stFinder, const uint8_t *pucTag, SamiTag *pstTag)
+{
+    pstTag->bSync = Begins_With(pucTag, SYNC_START);
+    pstTag->bParagraph = true;
+    pstTag->uiClass = ZYR_CLASS_MAX;
+    if (!pstTag->bSync) return Match_Paragraph(stFinder, pucTag, pstTag);
+    const uint32_t uiStart = Match_Start(pucTag + SYNC_START.uiUnits, &pstTag->uiStart);
+    if (uiStart == 0) return 0;
+    const uint32_t uiSync = SYNC_START.uiUnits + uiStart;
+    const uint32_t uiBehind = Pass_LineEnd(pucTag, uiSync);
+    const uint32_t uiParagraph = Match_Paragraph(stFinder, pucTag + uiBehind, pstTag);
+    pstTag->bParagraph = uiParagraph > 0;
+    return pstTag->bParagraph ? uiBehind + uiParagraph : uiSync;
+}
+
+/** @return bytes of a line end right before a tag that has been found. */
+inline uint32_t Get_LineEndBefore(const UsualText &stText, const uint8_t *pucFrom)
+{
+    const uint32_t uiBytes = 2 * stText.uiUnitBytes;
+    const uint8_t *const pucEnd = stText.pucByte - uiBytes;
+    if (pucEnd < pucFrom) return 0;
+    if (uiBytes == 2) return pucEnd[0] == '\r' && pucEnd[1] == '\n' ? 2 : 0;
+    return stText.Get_UnitAt(pucEnd) == '\r' && stText.Get_UnitAt(pucEnd + 2) == '\n' ? 4 : 0;
 }
 
 // ---- Text ----
 
-bool Is_OwnClass(uint32_t uiClass)
-{
-    return uiClass == pstQuibCaptionParserInfo->uiCurrClass;
-}
-
-/** Take the P tag at the next byte. @return its class, or ZYR_CLASS_MAX when it is not usual */
-uint32_t Take_Paragraph(UsualText &stText)
-{
-    SamiTag stTag;
-    const bool bHeld = stText.pucEnd - stText.pucByte >= static_cast<int32_t>(TAG_UNITS * stText.uiUnitBytes);
-    if (!bHeld || !Match_Tag(Get_TagUnits(stText.pucByte), &stTag) || stTag.eKind != E_SAMI_TAG_P)
-        return ZYR_CLASS_MAX;
-    stText.pucByte += stTag.uiBytes;
-    return Find_NamedClass(stTag.ausName, stTag.uiNameUnits);
-}
-
-bool Is_ParagraphAhead(const UsualText &stText)
-{
-    return Is_UsualAhead(stText, "<p") && Is_TagSpace(stText.Get_Unit(2));
-}
-
-/** @return whether no byte that may be dropped stands in the tag's name, or ends it. */
-bool Is_NameSure(const UsualText &stText)
-{
-    uint32_t uiUnit = 1;
-    while (uiUnit < USUAL_AHEAD / 4 && To_Upper(stText.Get_Unit(uiUnit)) - 'A' < 26) ++uiUnit;
-    return stText.Get_Unit(uiUnit) < 0x80;
-}
-
-/**
- * Pass over paragraphs of other classes, to behind a P tag of the frame's own or to before a SYNC tag.
- *
- * @return E_USUAL_ON or E_USUAL_END; E_USUAL_ODD when neither is there or something else is not usual
- */
-UsualStep Pass_Paragraphs(UsualText &stText)
-{
-    for (;;) {
-        const uint8_t *const pucFound = Find_Unit(stText.eKind, stText.pucByte, stText.pucEnd, '<', '<');
-        if (pucFound == nullptr) return E_USUAL_ODD;
-        stText.pucByte = pucFound;
-        if (Is_UsualAhead(stText, "<sync")) return E_USUAL_END;
-        if (!Is_NameSure(stText) || Is_UsualAhead(stText, "</body>") || Is_UsualAhead(stText, "</sami>"))
-            return E_USUAL_ODD;
-        if (!Is_ParagraphAhead(stText)) {
-            stText.Take_Units(1);
-            continue;
-        }
-        const uint32_t uiClass = Take_Paragraph(stText);
-        if (uiClass == ZYR_CLASS_MAX) return E_USUAL_ODD;
-        if (Is_OwnClass(uiClass)) return E_USUAL_ON;
-    }
-}
-
-UsualStep Take_TextTag(UsualText &stText)
-{
-    if (Is_UsualAhead(stText, "<sync")) return E_USUAL_END;
-    if (!Is_ParagraphAhead(stText)) return Take_UsualHtmlTag(stText);
-    stText.bPrevBlank = false;
-    const uint32_t uiClass = Take_Paragraph(stText);
-    if (uiClass == ZYR_CLASS_MAX) return E_USUAL_ODD;
-    return Is_OwnClass(uiClass) ? E_USUAL_ON : Pass_Paragraphs(stText);
-}
-
-/** Line ends of the file are none of the caption. */
-UsualStep Pass_LineEnds(UsualText &stText)
-{
-    while (stText.pucEnd - stText.pucByte >= USUAL_AHEAD && Is_LineEnd(stText.Get_Unit(0)))
-        stText.Take_Units(1);
-    stText.bPrevBlank = false;
-    return E_USUAL_ON;
-}
-
 UsualStep Take_SamiStop(UsualText &stText, uint32_t uiUnit)
 {
+    if (stText.pucByte >= stText.Get_TextEnd())
+        return stText.pucByte == stText.Get_TextEnd() ? E_USUAL_END : E_USUAL_ODD;
     switch (uiUnit) {
-    case '<': return Take_TextTag(stText);
+    case '<': return Take_UsualHtmlTag(stText);
     case '&': return Take_UsualEntity(stText);
     case '\t': return Take_UsualTab(stText);
     case '\r':
-    case '\n': return Pass_LineEnds(stText);
+    case '\n': // line ends of the file are none of the caption
+        stText.Take_Units(1);
+        stText.bPrevBlank = false;
+        return E_USUAL_ON;
     default: return E_USUAL_ODD;
     }
 }
@@ -213,41 +184,66 @@ void Apply_SamiTag(uint32_t /*uiUnits*/)
 
 constexpr UsualForm SAMI_FORM = {{'<', '&'}, Take_SamiStop, Apply_SamiTag};
 
-/** Take the SYNC tag and the P tags before the text. @return whether they lead to the text of the frame's class */
-bool Take_Head(UsualText &stText)
-{
-    SamiTag stTag;
-    const bool bHeld = stText.pucEnd - stText.pucByte >= static_cast<int32_t>(TAG_UNITS * stText.uiUnitBytes);
-    if (!bHeld || !Match_Tag(Get_TagUnits(stText.pucByte), &stTag) || stTag.eKind != E_SAMI_TAG_SYNC)
-        return false;
-    const uint8_t *const pucFound =
-        Find_Unit(stText.eKind, stText.pucByte + stTag.uiBytes, stText.pucEnd, '<', '<');
-    if (pucFound == nullptr) return false;
-    stText.pucByte = pucFound;
-    const uint32_t uiClass = Is_ParagraphAhead(stText) ? Take_Paragraph(stText) : uint32_t{ZYR_CLASS_MAX};
-    if (uiClass == ZYR_CLASS_MAX) return false;
-    return Is_OwnClass(uiClass) || Pass_Paragraphs(stText) == E_USUAL_ON;
-}
-
 } // namespace
 
-bool Match_SamiTag(SamiTag *pstTag)
+bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForm *pastForm)
 {
-    const CaptionStreamInfo &stStream = Get_StreamInfo();
-    if (Get_HeldBytes(stStream) < static_cast<int32_t>(TAG_UNITS * Get_UnitBytes())) return false;
-    return Match_Tag(Get_TagUnits(stStream.pucStreamBuf + stStream.iStreamBufIndex), pstTag);
+    UsualText &stText = pstFinder->stText;
+    if (!Point_UsualText(&stText)) return false;
+    const ptrdiff_t iHeadBytes = static_cast<ptrdiff_t>(HEAD_UNITS * stText.uiUnitBytes);
+    stText.pucEnd = Look_Ahead().pucEnd;
+    if (stText.pucEnd - stText.pucByte < iHeadBytes) return false;
+    pstFinder->pucLast = stText.pucEnd - iHeadBytes;
+    pstFinder->pastForm = pastForm;
+    return true;
+}
+
+bool Find_SamiTag(SamiTagFinder &stFinder, SamiTag *pstTag)
+{
+    UsualText &stText = stFinder.stText;
+    const uint8_t *const pucFrom = stText.pucByte;
+    uint32_t uiUnits = 0;
+    pstTag->bOthersBefore = false;
+    for (;;) {
+        const uint8_t *const pucFound = Find_TagOpen(stText.eKind, stText.pucByte, stText.pucEnd);
+        if (pucFound == nullptr || !Is_CountedAlone(stText.eKind, stText.pucByte, pucFound)) break;
+        stText.pucByte = pucFound;
+        if (pucFound > stFinder.pucLast) break;
+        const uint8_t *const pucTag =
+            stText.uiUnitBytes == 1 ? pucFound : Get_UsualHead(stText, stFinder.aucNarrow, HEAD_UNITS);
+        uiUnits = Match_Tag(stFinder, pucTag, pstTag);
+        if (uiUnits > 0 || !Is_OtherTag(pucTag)) break;
+        pstTag->bOthersBefore = true;
+        stText.Take_Units(1);
+    }
+    pstTag->uiBytesBefore = static_cast<uint32_t>(stText.pucByte - pucFrom);
+    pstTag->uiLineEndBytes = Get_LineEndBefore(stText, pucFrom);
+    pstTag->uiBytes = uiUnits * stText.uiUnitBytes;
+    stText.pucByte += pstTag->uiBytes;
+    Take_HeldBytes(pstTag->uiBytesBefore + pstTag->uiBytes);
+    return uiUnits > 0;
+}
+
+void Note_ClassForm(const SamiTag &stTag, SamiClassForm *pstForm)
+{
+    uint8_t aucAny[16];
+    uint8_t aucName[16];
+    pstForm->uiUnits = stTag.uiNameUnits + 1;
+    std::fill_n(std::fill_n(aucAny, pstForm->uiUnits, uint8_t{0}), 16 - pstForm->uiUnits, uint8_t{0xFF});
+    std::transform(aucAny, aucAny + 16, stTag.pucName, aucName,
+                   [](uint8_t ucAny, uint8_t ucByte) { return static_cast<uint8_t>(ucAny | ucByte); });
+    std::memcpy(pstForm->aullText, aucName, sizeof(aucName));
+    std::memcpy(pstForm->aullAny, aucAny, sizeof(aucAny));
 }
 
 bool Take_UsualSami(const SamiFrameInfo &stEntry)
 {
     UsualText stText;
-    if (!Begin_UsualText(&stText, 0)) return false;
-    const bool bKnown = stEntry.uiTextBytes != 0 && Is_IndexedOption() &&
-                        stText.pucEnd - stText.pucByte >= static_cast<int64_t>(stEntry.uiTextBytes);
-    if (bKnown)
-        stText.pucByte += stEntry.uiTextBytes;
-    else if (!Take_Head(stText))
-        return false;
+    if (stEntry.usTextEnd == 0 || !Is_IndexedOption() || !Begin_UsualText(&stText, 0)) return false;
+    const uint8_t *const pucEnd = stText.pucByte + stEntry.usTextEnd + USUAL_AHEAD;
+    if (stText.pucEnd < pucEnd) return false;
+    stText.pucEnd = pucEnd;
+    stText.pucByte += stEntry.usTextBytes;
     if (!Take_UsualText(stText, SAMI_FORM)) return false;
     Commit_UsualText(stText, SAMI_FORM);
     return true;

@@ -1,6 +1,8 @@
 /*
- * The usual parts of a SAMI file: "<SYNC Start=1000>", "<P Class=KRCC>", and the text behind them up to the next SYNC
- * tag, with paragraphs of other classes before and behind.
+ * The usual parts of a SAMI file: "<SYNC Start=1000>", "<P Class=KRCC>", and the text behind them.
+ *
+ * The header's scan finds the two tags, and with them where each text begins and ends, so that a frame of the usual
+ * kind is nothing but its text.
  */
 #pragma once
 
@@ -9,30 +11,47 @@
 #include "format/usual_text.h"
 #include "record/parser_state.h"
 
-/** @return whether a unit ends a tag's name. */
-constexpr bool Is_TagSpace(uint32_t uiUnit)
-{
-    return uiUnit == ' ' || uiUnit == '\t' || uiUnit == '\r' || uiUnit == '\n';
-}
-
-enum SamiTagKind : uint32_t {
-    E_SAMI_TAG_SYNC,
-    E_SAMI_TAG_P,
-    E_SAMI_TAG_OTHER, // one that says nothing to the header's scan; its "<" alone
+/** A class's name and the ">" behind it as a P tag had them last, all bits set where the bytes may be any; zero: none
+ * had them. */
+struct SamiClassForm {
+    uint64_t aullText[2];
+    uint64_t aullAny[2]; // bits of the bytes that may be any
+    uint32_t uiUnits;
 };
 
-/** A tag in its usual form. */
+/** A SYNC tag, a P tag, or a P tag right behind a SYNC tag, in usual form. */
 struct SamiTag {
-    SamiTagKind eKind;
-    uint32_t uiBytes;
-    uint32_t uiStart; // of a SYNC tag, ms
-    uint32_t uiNameUnits;
-    uint16_t ausName[ZYR_CLASS_NAME_UNITS]; // of a P tag's class, in upper case
+    uint32_t uiBytesBefore;  // passed over since the last one
+    uint32_t uiLineEndBytes; // the last ones of them are a line end
+    bool bOthersBefore;      // among them are other tags
+    bool bSync;
+    bool bParagraph;
+    uint32_t uiBytes;                       // with a line end behind a P tag
+    uint32_t uiStart;                       // of a SYNC tag, ms
+    uint32_t uiClass;                       // of a P tag; ZYR_CLASS_MAX: none, or not seen like that before
+    uint32_t uiNameUnits;                   // of a name that has not been seen
+    uint16_t ausName[ZYR_CLASS_NAME_UNITS]; // in upper case
+    const uint8_t *pucName;                 // as it stands in the tag; until the next tag is looked for
 };
 
-/** Look at the tag at the read position. @return whether it is a usual one */
-bool Match_SamiTag(SamiTag *pstTag);
+/** Looks for tags in the current stream's read buffer. */
+struct SamiTagFinder {
+    UsualText stText;
+    const uint8_t *pucLast;        // last place where the buffer holds a whole tag
+    const SamiClassForm *pastForm; // of each class
+    uint8_t aucNarrow[64];         // UTF-16 units as bytes
+};
 
-/** Take the frame whose SYNC tag stands at the read position, if all of it is usual, as the current stream's frame; the
- * times are left to the caller. @return whether it was */
+/** Begin at the read position. @return false where nothing is usual */
+bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForm *pastForm);
+
+/** Take the next tag off the read buffer, and what stands before it. @return false when only the literal reading can
+ *          tell what comes there: nothing but other tags and characters is taken */
+bool Find_SamiTag(SamiTagFinder &stFinder, SamiTag *pstTag);
+
+/** Remember how a tag has named a class. */
+void Note_ClassForm(const SamiTag &stTag, SamiClassForm *pstForm);
+
+/** Take the frame whose SYNC tag stands at the read position, if its text is known and usual, as the current stream's
+ * frame; the times are left to the caller. @return whether it was */
 bool Take_UsualSami(const SamiFrameInfo &stEntry);

@@ -204,7 +204,7 @@ TEST_F(SamiTest, EveryBlockOfTheIndexThatCannotBeHadIsTold)
         uint32_t uiResult = 1;
         for (uint32_t uiNth = 1; uiResult != 0 && uiNth < 50; ++uiNth) {
             zyr_host_failAllocation(uiNth, 0);
-            uiResult = Open(".smi", strFile);
+            uiResult = Open(".smi", strFile + "<SYNC START=0>");
             const size_t uiLines = Count_Log(" Frame Information Array Memory Allocation Failed!");
             EXPECT_TRUE(uiLines == 0 || (uiLines == 1 && uiResult == 1)) << uiNth;
             uiTold += uiLines;
