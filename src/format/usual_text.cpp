@@ -139,7 +139,7 @@ inline bool Take_Characters(UsualText &stText, RunStops stStops)
     const uint8_t *pucByte = stText.pucByte;
     const uint8_t *const pucLast = stText.pucEnd - USUAL_AHEAD;
     uint8_t *pucOut = stText.pucOut;
-    uint32_t uiPrevBlank = stText.bPrevBlank || stText.Is_LineEmpty() ? UNIT_BITS : 0;
+    uint32_t uiPrevBlank = stText.bPrevBlank ? UNIT_BITS : 0;
     uint32_t uiCarry = 0;
     uint32_t uiStop = 0;
     do {
@@ -289,7 +289,7 @@ inline bool Close_Line(UsualText &stText)
     }
     stText.pucOut = stText.pucLine;
     stText.uiTrails = 0;
-    stText.bPrevBlank = false;
+    stText.bPrevBlank = true;
     return bGood;
 }
 
@@ -413,6 +413,16 @@ uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *
 
 } // namespace
 
+uint64_t UsualText::Narrow_Eight() const
+{
+    uint8_t aucBytes[BLOCK_BYTES];
+    const TextBlock stUnits = Load_Block<E_TEXT_UTF16>(pucByte, {0, 0, bBigEndian});
+    TextBlock::Narrow_Units(stUnits, stUnits).Store(aucBytes);
+    uint64_t ullBytes;
+    std::memcpy(&ullBytes, aucBytes, sizeof(ullBytes));
+    return ullBytes;
+}
+
 bool Point_UsualText(UsualText *pstText)
 {
     return Point_Text(*pstText);
@@ -432,7 +442,7 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
     stText.pucLine = stText.pucStore;
     stText.pucOut = stText.pucStore;
     stText.uiTrails = 0;
-    stText.bPrevBlank = false;
+    stText.bPrevBlank = true;
     stText.uiLines = 0;
     stText.uiTags = 0;
     stText.pstLines = stTable.astLine;
@@ -490,8 +500,8 @@ UsualStep Break_UsualLine(UsualText &stText)
 
 UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit)
 {
-    stText.bPrevBlank = false;
     if (uiUnit == BLANK && stText.Is_LineEmpty()) return E_USUAL_ON;
+    stText.bPrevBlank = false;
     if (uiUnit < CONTROLS || Is_Surrogate(uiUnit)) return E_USUAL_ODD;
     if (stText.eKind == E_TEXT_UTF16) return Put_Bytes(stText, {uiUnit, uiUnit >> 8});
     if (uiUnit < 0x80) return Put_Bytes(stText, {uiUnit});
@@ -506,7 +516,7 @@ UsualStep Take_UsualTab(UsualText &stText)
     stText.Take_Units(1);
     if (stText.bPrevBlank) return E_USUAL_ON;
     const UsualStep eStep = Put_UsualUnit(stText, BLANK);
-    stText.bPrevBlank = !stText.Is_LineEmpty();
+    stText.bPrevBlank = true;
     return eStep;
 }
 
@@ -528,36 +538,32 @@ UsualStep Note_UsualTag(UsualText &stText, uint32_t uiOpen, uint32_t uiClose)
     const uint32_t uiBytes = static_cast<uint32_t>(pucByte - stText.pucByte);
     stText.astTag[stText.uiTags++] = {stText.pucByte, uiBytes >> (stText.uiUnitBytes - 1)};
     stText.pucByte = pucByte;
-    stText.bPrevBlank = false;
+    stText.bPrevBlank = stText.Is_LineEmpty();
     return E_USUAL_ON;
-}
-
-bool Is_UsualAhead(const UsualText &stText, const char *psz)
-{
-    for (uint32_t uiPos = 0; psz[uiPos] != '\0'; ++uiPos) {
-        const uint32_t uiUnit = stText.Get_Unit(uiPos);
-        if (uiUnit != static_cast<uint8_t>(psz[uiPos]) &&
-            uiUnit != To_Upper(static_cast<uint8_t>(psz[uiPos])))
-            return false;
-    }
-    return true;
 }
 
 UsualStep Take_UsualHtmlTag(UsualText &stText)
 {
-    const uint32_t uiNext = stText.Get_Unit(1);
-    if (To_Upper(uiNext) != 'B' && uiNext != '/') return Note_UsualTag(stText, '<', '>');
-    if (Is_UsualAhead(stText, "<br>")) {
+    static constexpr UsualWord BREAK("<br>", true);
+    static constexpr UsualWord BREAK_OPEN("<br", true);
+    static constexpr UsualWord BREAK_CLOSE("</br", true);
+    const uint64_t ullEight = stText.Get_Eight();
+    if (BREAK.Begins(ullEight)) {
         stText.Take_Units(4);
-        return Break_UsualLine(stText);
+        return Break_Line(stText);
     }
-    if (Is_UsualAhead(stText, "<br") || Is_UsualAhead(stText, "</br"))
+    if (BREAK_OPEN.Begins(ullEight) || BREAK_CLOSE.Begins(ullEight))
         return E_USUAL_ODD; // may break a line as well
     return Note_UsualTag(stText, '<', '>');
 }
 
 UsualStep Take_UsualEntity(UsualText &stText)
 {
+    static constexpr UsualWord NO_BREAK_SPACE("&nbsp;", false); // most of them by far
+    if (NO_BREAK_SPACE.Begins(stText.Get_Eight())) {
+        stText.Take_Units(6);
+        return Put_UsualUnit(stText, BLANK);
+    }
     uint16_t ausEntity[ENTITY_UNITS_MAX];
     uint32_t uiUnits = 0;
     do {

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "record/parser_state.h"
 #include "text/text_kind.h"
@@ -43,7 +44,7 @@ struct UsualText {
     uint8_t *pucLine;           // in it: where the current line begins
     uint8_t *pucOut;            // and where its next byte goes
     uint32_t uiTrails;          // bytes of the current line that begin no unit
-    bool bPrevBlank;            // the last unit was a blank of the text: more of them are folded into it
+    bool bPrevBlank; // a blank is none of the line: it would be its first unit, or the second of a run
     TextKind eKind;
     uint32_t uiUnitBytes;
     bool bBigEndian;
@@ -60,6 +61,15 @@ struct UsualText {
         return bBigEndian ? static_cast<uint32_t>(puc[0] << 8 | puc[1])
                           : static_cast<uint32_t>(puc[1] << 8 | puc[0]);
     }
+    /** @return the next eight units as bytes, the first one lowest; those beyond a byte as 0xFF or 0. */
+    uint64_t Get_Eight() const
+    {
+        uint64_t ullBytes;
+        if (uiUnitBytes != 1) return Narrow_Eight();
+        std::memcpy(&ullBytes, pucByte, sizeof(ullBytes));
+        return ullBytes;
+    }
+    uint64_t Narrow_Eight() const;
     void Take_Units(uint32_t uiUnits) { pucByte += size_t{uiUnits} * uiUnitBytes; }
     /** Pass over a head of the entry, behind which its text begins. */
     void Take_Head(uint32_t uiUnits)
@@ -79,6 +89,26 @@ inline const uint8_t *UsualText::Get_TextEnd() const
 {
     return pucEnd - USUAL_AHEAD;
 }
+
+/** Up to eight ASCII characters, and the bits of them that count: of a letter all but the case, if it may be any. */
+struct UsualWord {
+    uint64_t ullText;
+    uint64_t ullBits;
+
+    template <uint32_t BYTES>
+    consteval UsualWord(const char (&szText)[BYTES], bool bAnyCase) : ullText(0), ullBits(0)
+    {
+        static_assert(BYTES - 1 <= 8);
+        for (uint32_t uiPos = 0; uiPos < BYTES - 1; ++uiPos) {
+            const bool bLetter = szText[uiPos] >= 'a' && szText[uiPos] <= 'z';
+            const uint64_t ullCounts = bAnyCase && bLetter ? 0xDF : 0xFF;
+            ullText |= (static_cast<uint8_t>(szText[uiPos]) & ullCounts) << uiPos * 8;
+            ullBits |= ullCounts << uiPos * 8;
+        }
+    }
+    /** @param[in] ullEight  as UsualText::Get_Eight() */
+    constexpr bool Begins(uint64_t ullEight) const { return ((ullEight ^ ullText) & ullBits) == 0; }
+};
 
 struct UsualForm {
     uint8_t aucStop[2]; // where a run of characters ends, beside units below 0x20 and a second blank in a row
@@ -138,10 +168,6 @@ bool Take_UsualEmptyLine(UsualText &stText);
 
 /** CR LF, or CR LF CR LF, which ends the entry. */
 UsualStep Take_UsualLineEnd(UsualText &stText);
-
-/** @return whether the next units are these ASCII characters; letters of psz are lower-case, those of the text of
- *          any case. */
-bool Is_UsualAhead(const UsualText &stText, const char *psz);
 
 /**
  * The beginning of an entry as bytes: UTF-16 units narrowed, those beyond a byte as 0xFF or 0.

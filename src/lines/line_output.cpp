@@ -278,12 +278,11 @@ AppendResult Append_Line(const CaptionLineTable &stTable, uint32_t uiLine, bool 
 // A whole frame of such lines needs no tests of the room: a unit is three bytes at most.
 static_assert(ZYR_LINE_MAX * (LINE_UNITS * 3 + 2) + COPY_BYTES <= TEXT_BYTES);
 
-/** Fill the output text with a frame that stands as it goes out. */
-void Copy_OutText(QuibCaptionParserInfo &stInfo, CaptionLineTable &stTable)
+/** Fill the output text with a frame that stands as it goes out, in so many bytes. */
+void Copy_OutText(QuibCaptionParserInfo &stInfo, CaptionLineTable &stTable, uint32_t uiBytes)
 {
     const uint8_t *const pucStore = reinterpret_cast<const uint8_t *>(stTable.pusTextBuf);
     uint8_t *const pucOut = stInfo.aucOutText;
-    const uint32_t uiBytes = stTable.uiOutBytes;
     const uint32_t uiLastBytes = std::min(stInfo.uiOutTextLength, TEXT_BYTES);
     uint32_t uiByte = 0;
     for (; uiByte < uiBytes; uiByte += COPY_BYTES)
@@ -435,8 +434,9 @@ void Show_StreamLines()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     CaptionLineTable &stTable = s_astLineTable[stInfo.uiCurrStream];
-    if (stTable.uiOutBytes != 0 && stInfo.uiLineIndex != 0)
-        Copy_OutText(stInfo, stTable);
+    const uint32_t uiBytes = stInfo.uiLineIndex == 0 ? 0 : stTable.uiOutBytes;
+    if (uiBytes != 0 || stInfo.uiLineIndex == 0)
+        Copy_OutText(stInfo, stTable, uiBytes);
     else
         Append_Lines(stInfo.uiCurrStream);
     stInfo.uiOutStreamIndex = stInfo.uiCurrStream;

@@ -153,8 +153,10 @@ void Clean_SamiClasses()
 uint32_t Find_NextFrame(uint32_t uiClass)
 {
     if (uiClass >= ZYR_CLASS_MAX) return s_uiFrameInfoNums;
-    s_auiClassFrameCursor[uiClass] = Find_ClassFrame(uiClass, s_auiClassFrameCursor[uiClass]);
-    return s_auiClassFrameCursor[uiClass];
+    uint32_t &uiCursor = s_auiClassFrameCursor[uiClass];
+    const bool bThere = uiCursor < s_uiFrameInfoNums && s_pstFrameInfoArray[uiCursor].uiClassIndex == uiClass;
+    if (!bThere) uiCursor = Find_ClassFrame(uiClass, uiCursor);
+    return uiCursor;
 }
 
 void Rewind_ClassCursor(uint32_t uiClass)

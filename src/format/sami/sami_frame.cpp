@@ -328,15 +328,12 @@ bool Step_Frame(SamiFrame &stFrame, uint16_t usChar)
     }
 }
 
-/** @return 1; a frame ends where the next one of its class begins, if there is one. */
-int32_t Complete_Frame(const SamiFrame &stFrame)
+/** A frame ends where the next one of its class begins, if there is one. @return 1 */
+int32_t Set_Times(int32_t iStart, int32_t iEnd)
 {
-    QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    Complete_FrameText();
-    const uint32_t uiNext = Find_NextFrame(stInfo.uiCurrClass);
-    stInfo.iStartPTS = stFrame.iStart;
-    stInfo.iCurrPTS = stFrame.iStart;
-    stInfo.iEndPTS = uiNext < s_uiFrameInfoNums ? s_pstFrameInfoArray[uiNext].iPTS : stFrame.iEnd;
+    const uint32_t uiNext = Find_NextFrame(pstQuibCaptionParserInfo->uiCurrClass);
+    const int32_t iNext = uiNext < s_uiFrameInfoNums ? s_pstFrameInfoArray[uiNext].iPTS : iEnd;
+    Set_FrameTimes(static_cast<uint32_t>(iStart), static_cast<uint32_t>(iNext));
     return 1;
 }
 
@@ -404,12 +401,12 @@ int32_t FrameParser_SAMI(void)
     }
     s_auiClassFrameCursor[uiClass] = uiFrame + 1;
     Start_Frame(stFrame, s_pstFrameInfoArray[uiFrame].llFilePos);
-    if (!stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(s_pstFrameInfoArray[uiFrame])) {
-        stFrame.iStart = s_pstFrameInfoArray[uiFrame].iPTS;
-        return Complete_Frame(stFrame);
-    }
+    if (!stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(s_pstFrameInfoArray[uiFrame]))
+        return Set_Times(s_pstFrameInfoArray[uiFrame].iPTS, OPEN_END_PTS);
     while (!stFrame.bDone) Read_Unit(stFrame);
-    return stFrame.iResult == 1 ? Complete_Frame(stFrame) : stFrame.iResult;
+    if (stFrame.iResult != 1) return stFrame.iResult;
+    Complete_FrameText();
+    return Set_Times(stFrame.iStart, stFrame.iEnd);
 }
 
 int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPTS*/,

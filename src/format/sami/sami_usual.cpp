@@ -171,7 +171,7 @@ UsualStep Take_SamiStop(UsualText &stText, uint32_t uiUnit)
     case '\r':
     case '\n': // line ends of the file are none of the caption
         stText.Take_Units(1);
-        stText.bPrevBlank = false;
+        stText.bPrevBlank = stText.Is_LineEmpty();
         return E_USUAL_ON;
     default: return E_USUAL_ODD;
     }

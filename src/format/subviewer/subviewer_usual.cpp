@@ -26,8 +26,9 @@ inline const uint8_t *Match_Head(const UsualText &stText, uint8_t *pucHead)
 /** "[BR]" breaks a line; what cannot become one is text, and so is any bracket that begins a line of the file. */
 UsualStep Take_Bracket(UsualText &stText)
 {
+    static constexpr UsualWord BREAK("[br]", true);
     const bool bFirst = stText.pucByte == stText.pucFileLine;
-    if (!bFirst && Is_UsualAhead(stText, "[br]")) {
+    if (!bFirst && BREAK.Begins(stText.Get_Eight())) {
         stText.Take_Units(4);
         return Break_UsualLine(stText);
     }
