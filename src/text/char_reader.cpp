@@ -168,6 +168,29 @@ int32_t Take_BufferedChar(uint16_t *pusChar)
     return static_cast<int32_t>(uiBytes);
 }
 
+/** Move the file to a position, or behind what the buffer holds of it. @return as Move_ReadPosition() */
+int64_t Move_File(void *hFile, int64_t llPos, ReadAhead eReadAhead)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    StreamWindow &stWindow = Get_Window();
+    const int64_t llEnd = stWindow.llStart + stWindow.iBytes;
+    const bool bKnown = stWindow.iBytes > 0 && s_llReaderPos >= 0 && hFile == s_hReaderFile;
+    const bool bHeld = bKnown && llPos >= stWindow.llStart && llPos < llEnd;
+    s_bAskFirst = false;
+    s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, bHeld ? llEnd : llPos, 0);
+    if (s_llReaderPos < 0) return s_llReaderPos;
+    const bool bReadingOn = bKnown && (llPos < stWindow.llStart ? stWindow.llStart - llPos < LOOK_AHEAD_BYTES
+                                                                : llPos - llEnd < NEAR_BYTES);
+    if (eReadAhead == E_READ_AHEAD_FULL)
+        stWindow.uiFillBytes = 0;
+    else if (!bReadingOn) // else reads go on growing
+        stWindow.uiFillBytes = SHORT_FILL_BYTES;
+    s_hReaderFile = hFile;
+    stInfo.iStreamDataSize = bHeld ? stWindow.iBytes : 0;
+    stInfo.iStreamBufIndex = bHeld ? static_cast<int32_t>(llPos - stWindow.llStart) : 0;
+    return bHeld ? llPos : s_llReaderPos;
+}
+
 /** Bring the file back to where the reader left it, if a host has moved it. @return false when that fails */
 bool Is_FileInPlace(void *hFile)
 {
@@ -285,34 +308,18 @@ int32_t Fill_StreamBuffer(void *hFile)
 
 int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
 {
-    CaptionStreamInfo &stInfo = Get_StreamInfo();
     StreamWindow &stWindow = Get_Window();
-    const int64_t llEnd = stWindow.llStart + stWindow.iBytes;
-    const bool bKnown = stWindow.iBytes > 0 && s_llReaderPos >= 0 && hFile == s_hReaderFile;
-    if (bKnown && llPos >= stWindow.llStart && llPos < llEnd) {
-        s_bAskFirst = true;
-        if (s_llReaderPos != llEnd) { // another stream has read since
-            s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llEnd, 0);
-            if (s_llReaderPos < 0) return s_llReaderPos;
-        }
-        stInfo.iStreamDataSize = stWindow.iBytes;
-        stInfo.iStreamBufIndex = static_cast<int32_t>(llPos - stWindow.llStart);
-        if (eReadAhead == E_READ_AHEAD_FULL) stWindow.uiFillBytes = 0;
-        return llPos;
-    }
-    s_bAskFirst = false;
-    s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llPos, 0);
-    s_hReaderFile = hFile;
-    if (s_llReaderPos < 0) return s_llReaderPos;
-    const bool bReadingOn = bKnown && (llPos < stWindow.llStart ? stWindow.llStart - llPos < LOOK_AHEAD_BYTES
-                                                                : llPos - llEnd < NEAR_BYTES);
-    if (eReadAhead == E_READ_AHEAD_FULL)
-        stWindow.uiFillBytes = 0;
-    else if (!bReadingOn) // else reads go on growing
-        stWindow.uiFillBytes = SHORT_FILL_BYTES;
-    stInfo.iStreamDataSize = 0;
-    stInfo.iStreamBufIndex = 0;
-    return s_llReaderPos;
+    const uint64_t ullOffset = static_cast<uint64_t>(llPos - stWindow.llStart); // huge before its start
+    const bool bHeld = ullOffset < static_cast<uint32_t>(stWindow.iBytes);
+    // Another stream may have read since.
+    if (!bHeld || s_llReaderPos != stWindow.llStart + stWindow.iBytes || hFile != s_hReaderFile)
+        return Move_File(hFile, llPos, eReadAhead);
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    stInfo.iStreamDataSize = stWindow.iBytes;
+    stInfo.iStreamBufIndex = static_cast<int32_t>(ullOffset);
+    if (eReadAhead == E_READ_AHEAD_FULL) stWindow.uiFillBytes = 0;
+    s_bAskFirst = true;
+    return llPos;
 }
 
 uint32_t Get_ReaderRound()

@@ -45,7 +45,7 @@ void Combine_Frames(CaptionClassInfo &stTo, const CaptionClassInfo &stFrom)
 
 void Note_ChangedClasses()
 {
-    Order_FramesByClass();
+    Forget_ClassOrder();
     Forget_PassedPlaces();
 }
 
@@ -148,15 +148,6 @@ void Clean_SamiClasses()
 {
     Merge_UndefinedLanguage();
     Merge_SparseLanguages();
-}
-
-uint32_t Find_NextFrame(uint32_t uiClass)
-{
-    if (uiClass >= ZYR_CLASS_MAX) return s_uiFrameInfoNums;
-    uint32_t &uiCursor = s_auiClassFrameCursor[uiClass];
-    const bool bThere = uiCursor < s_uiFrameInfoNums && s_pstFrameInfoArray[uiCursor].uiClassIndex == uiClass;
-    if (!bThere) uiCursor = Find_ClassFrame(uiClass, uiCursor);
-    return uiCursor;
 }
 
 void Rewind_ClassCursor(uint32_t uiClass)

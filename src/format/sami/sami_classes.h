@@ -6,13 +6,23 @@
 
 #include <cstdint>
 
+#include "format/sami/sami_index.h"
+
 /**
  * Find the next frame of a class and move the class's cursor to it, so that entries of other classes are
  * passed over only once.
  *
  * @return index into s_pstFrameInfoArray; s_uiFrameInfoNums when there is none, or no such class
  */
-uint32_t Find_NextFrame(uint32_t uiClass);
+inline uint32_t Find_NextFrame(uint32_t uiClass)
+{
+    if (uiClass >= ZYR_CLASS_MAX) return s_uiFrameInfoNums;
+    uint32_t &uiCursor = s_auiClassFrameCursor[uiClass];
+    const bool bThere =
+        uiCursor < s_uiFrameInfoNums && s_pstFrameInfoArray[uiCursor].uiClassIndex == uiClass;
+    if (!bThere) uiCursor = Find_ClassFrame(uiClass, uiCursor);
+    return uiCursor;
+}
 
 /** Put the cursor of a class before all frames. */
 void Rewind_ClassCursor(uint32_t uiClass);

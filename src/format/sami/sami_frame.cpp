@@ -384,15 +384,20 @@ void Read_Unit(SamiFrame &stFrame)
     }
 }
 
+[[gnu::noinline]] int32_t Read_Literally(SamiFrame &stFrame)
+{
+    while (!stFrame.bDone) Read_Unit(stFrame);
+    if (stFrame.iResult != 1) return stFrame.iResult;
+    Complete_FrameText();
+    return Set_Times(stFrame.iStart, stFrame.iEnd);
+}
+
 } // namespace
 
 int32_t FrameParser_SAMI(void)
 {
     if (!Is_StreamReady()) return -1;
     Clear_TagQueue();
-    SamiFrame stFrame = {};
-    stFrame.hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
-    stFrame.iEnd = OPEN_END_PTS;
     const uint32_t uiClass = pstQuibCaptionParserInfo->uiCurrClass;
     const uint32_t uiFrame = Find_NextFrame(uiClass);
     if (uiFrame >= s_uiFrameInfoNums) {
@@ -400,13 +405,14 @@ int32_t FrameParser_SAMI(void)
         return NO_CAPTION_DATA;
     }
     s_auiClassFrameCursor[uiClass] = uiFrame + 1;
-    Start_Frame(stFrame, s_pstFrameInfoArray[uiFrame].llFilePos);
-    if (!stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(s_pstFrameInfoArray[uiFrame]))
-        return Set_Times(s_pstFrameInfoArray[uiFrame].iPTS, OPEN_END_PTS);
-    while (!stFrame.bDone) Read_Unit(stFrame);
-    if (stFrame.iResult != 1) return stFrame.iResult;
-    Complete_FrameText();
-    return Set_Times(stFrame.iStart, stFrame.iEnd);
+    const SamiFrameInfo &stEntry = s_pstFrameInfoArray[uiFrame];
+    SamiFrame stFrame = {};
+    stFrame.hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
+    stFrame.iEnd = OPEN_END_PTS;
+    Start_Frame(stFrame, stEntry.llFilePos);
+    if (!stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(stEntry))
+        return Set_Times(stEntry.iPTS, OPEN_END_PTS);
+    return Read_Literally(stFrame);
 }
 
 int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPTS*/,

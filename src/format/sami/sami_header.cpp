@@ -81,7 +81,6 @@ struct SamiScan {
     const SamiTagRow *pstTag;
     uint32_t uiMatched;                      // units of the name being matched
     int64_t llBytes;                         // bytes read since the scan began
-    int64_t llOffset;                        // file position where it began; only for usual tags
     int64_t llTagBytes;                      // bytes read before the tag's "<"
     int64_t llSyncBytes;                     // the same of the SYNC tag last recorded
     uint32_t uiDigits;                       // digits of the START value
@@ -92,7 +91,7 @@ struct SamiScan {
     bool bSkip;                              // what follows may be passed over up to the next tag
     SamiHead eHead;                          // what the frame parser will find before a P tag
     uint16_t ausTextEnd[ZYR_CLASS_MAX];      // of the current frame's entries, while eHead is E_SAMI_HEAD_P
-    SamiClassForm astForm[ZYR_CLASS_MAX];    // of each class
+    SamiClassForms stForms;
     bool bOffStart;                          // the scan did not begin at the file's start
     CurrentFrame stFrame;
     FrameStatistics stPending; // frames without a class so far
@@ -170,21 +169,24 @@ ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
     return E_SCAN_ON;
 }
 
-/** Record the SYNC tag whose START value has just ended. */
-ScanResult Record_Frame(SamiScan &stScan)
+/** Record the SYNC tag that stands at a file position. */
+ScanResult Record_Frame(SamiScan &stScan, int64_t llPos)
 {
-    int64_t llPos = 0;
-    const int64_t llTell = Tell_ReadPosition(stScan.hFile, &llPos);
-    if (llTell < 0) {
-        LOG_PARSER("HeaderParser_SAMI() - File Tell Failed! (ERROR = %d)\n", static_cast<int32_t>(llTell));
-        return E_SCAN_FAILED;
-    }
-    llPos -= stScan.llBytes - stScan.llTagBytes;
     stScan.bOffStart = stScan.bOffStart || llPos != stScan.llTagBytes;
     stScan.llSyncBytes = stScan.llTagBytes;
     stScan.stFrame = {true, 0, static_cast<int32_t>(stScan.uiStart), llPos};
     Count_Unclassified(stScan);
     return Add_Entry(stScan, ZYR_CLASS_MAX);
+}
+
+/** Record the SYNC tag whose START value has just ended. */
+ScanResult End_StartValue(SamiScan &stScan)
+{
+    int64_t llPos = 0;
+    const int64_t llTell = Tell_ReadPosition(stScan.hFile, &llPos);
+    if (llTell >= 0) return Record_Frame(stScan, llPos - (stScan.llBytes - stScan.llTagBytes));
+    LOG_PARSER("HeaderParser_SAMI() - File Tell Failed! (ERROR = %d)\n", static_cast<int32_t>(llTell));
+    return E_SCAN_FAILED;
 }
 
 // ---- Classes ----
@@ -218,10 +220,13 @@ uint32_t Find_Class(const uint16_t *pusName, uint32_t uiUnits)
 inline void Count_ForClass(const CurrentFrame &stFrame, uint32_t uiClass)
 {
     CaptionClassInfo &stClass = pstQuibCaptionParserInfo->astClassInfo[uiClass];
-    (stClass.uiFrameNums > 0 ? stClass.llLastFramePos : stClass.llFirstFramePos) = stFrame.llPos;
-    stClass.iMinPTS = std::min(stClass.iMinPTS, stFrame.iPTS);
-    stClass.iMaxPTS = std::max(stClass.iMaxPTS, stFrame.iPTS);
-    ++stClass.uiFrameNums;
+    if (stClass.uiFrameNums++ > 0) [[likely]]
+        stClass.llLastFramePos = stFrame.llPos;
+    else
+        stClass.llFirstFramePos = stFrame.llPos;
+    if (stFrame.iPTS < stClass.iMinPTS) [[unlikely]]
+        stClass.iMinPTS = stFrame.iPTS;
+    if (stFrame.iPTS > stClass.iMaxPTS) stClass.iMaxPTS = stFrame.iPTS;
 }
 
 /** The current frame has a P tag of a class; ZYR_CLASS_MAX = one without room. */
@@ -337,7 +342,7 @@ ScanResult Step_StartValue(SamiScan &stScan, uint32_t uiUnit)
     }
     stScan.eState = E_SAMI_OUTSIDE;
     const bool bGood = stScan.uiDigits > 0 && (uiUnit == ' ' || uiUnit == '>');
-    return bGood ? Record_Frame(stScan) : E_SCAN_ON;
+    return bGood ? End_StartValue(stScan) : E_SCAN_ON;
 }
 
 ScanResult Step_ClassValue(SamiScan &stScan, uint32_t uiUnit)
@@ -378,11 +383,11 @@ bool Close_SyncTag(SamiScan &stScan)
 // ---- The usual tags at once ----
 
 /** A tag ends the text of the current frame's last entry. */
-inline void Note_TextEnd(SamiScan &stScan, const SamiTag &stTag)
+inline void Note_TextEnd(SamiScan &stScan, const SamiTag &stTag, int64_t llTagBytes)
 {
     SamiFrameInfo *const pstEnd = s_pstFrameInfoArray + s_uiFrameInfoNums;
     const uint32_t uiEntries = stScan.stFrame.uiEntries;
-    const int64_t llBytes = stScan.llBytes - stScan.llSyncBytes - stTag.uiLineEndBytes;
+    const int64_t llBytes = llTagBytes - stScan.llSyncBytes - stTag.uiLineEndBytes;
     const int64_t llEnd = std::max<int64_t>(llBytes, pstEnd[-1].usTextBytes);
     const uint16_t usEnd = static_cast<uint16_t>(llEnd < TEXT_BYTES_MAX ? llEnd : 0);
     if (uiEntries == 1 && stTag.bSync) {
@@ -396,71 +401,76 @@ inline void Note_TextEnd(SamiScan &stScan, const SamiTag &stTag)
 }
 
 /** Record a SYNC tag with the P tag right behind it, whose class is known; there is room. */
-inline ScanResult Record_UsualFrame(SamiScan &stScan, const SamiTag &stTag)
+inline ScanResult Record_UsualFrame(SamiScan &stScan, const SamiTag &stTag, int64_t llPos)
 {
     stScan.eHead = E_SAMI_HEAD_P;
     stScan.llSyncBytes = stScan.llTagBytes;
-    stScan.stFrame = {true, 1, static_cast<int32_t>(stTag.uiStart), stScan.llOffset + stScan.llTagBytes};
+    stScan.stFrame = {true, 1, static_cast<int32_t>(stTag.uiStart), llPos};
     stScan.stExtentOld = stScan.stPending.stExtent; // counted as one without a class, and taken out again
     Count_ForClass(stScan.stFrame, stTag.uiClass);
-    const bool bDone =
-        Append_Frame({stTag.uiClass, stScan.stFrame.iPTS, Get_TextBytes(stScan), 0, stScan.stFrame.llPos});
+    const uint16_t usTextBytes = static_cast<uint16_t>(stTag.pucBehind - stTag.pucTag);
+    const bool bDone = Append_Frame({stTag.uiClass, stScan.stFrame.iPTS, usTextBytes, 0, llPos});
     return bDone ? E_SCAN_ON : E_SCAN_FAILED;
 }
 
-ScanResult Take_UsualParagraph(SamiScan &stScan, const SamiTag &stTag)
+[[gnu::noinline]] ScanResult Take_UsualParagraph(SamiScan &stScan, const SamiTag &stTag)
 {
     if (stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_P;
     if (stTag.uiClass < ZYR_CLASS_MAX) return Assign_Class(stScan, stTag.uiClass);
     const uint32_t uiClass = Find_Class(stTag.ausName, stTag.uiNameUnits);
-    if (uiClass < ZYR_CLASS_MAX) Note_ClassForm(stTag, &stScan.astForm[uiClass]);
+    if (uiClass < ZYR_CLASS_MAX) Note_ClassForm(stTag, uiClass, &stScan.stForms);
     return Assign_Class(stScan, uiClass);
 }
 
-ScanResult Take_UsualSync(SamiScan &stScan, const SamiTag &stTag)
+[[gnu::noinline]] ScanResult Take_UsualSync(SamiScan &stScan, const SamiTag &stTag, int64_t llPos)
 {
-    if (!Append_SyncPlace(stScan.llTagBytes)) return E_SCAN_FAILED;
-    if (stTag.uiClass < ZYR_CLASS_MAX && s_uiFrameInfoNums < s_uiFrameInfoMax)
-        return Record_UsualFrame(stScan, stTag);
     stScan.eHead = E_SAMI_HEAD_SYNC;
     stScan.uiStart = stTag.uiStart;
-    const ScanResult eResult = Record_Frame(stScan);
+    const ScanResult eResult = Record_Frame(stScan, llPos);
     return stTag.bParagraph && eResult == E_SCAN_ON ? Take_UsualParagraph(stScan, stTag) : eResult;
 }
 
-/** Take what stands there up to behind a usual tag. */
-inline ScanResult Take_UsualTag(SamiScan &stScan, const SamiTag &stTag)
-{
-    stScan.llBytes += stTag.uiBytesBefore;
-    if (stTag.bOthersBefore && stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_ODD;
-    if (stTag.uiBytes == 0) return E_SCAN_ON;
-    if (stScan.eHead == E_SAMI_HEAD_P) Note_TextEnd(stScan, stTag);
-    if (stTag.bSync) stScan.llTagBytes = stScan.llBytes;
-    stScan.llBytes += stTag.uiBytes;
-    return stTag.bSync ? Take_UsualSync(stScan, stTag) : Take_UsualParagraph(stScan, stTag);
-}
-
-ScanResult Take_UsualTags(SamiScan &stScan)
+/** Take the usual tags from the read position on, whose place in the file is known. */
+[[gnu::noinline]] ScanResult Take_UsualTags(SamiScan &stScan, int64_t llOffset)
 {
     SamiTagFinder stFinder;
     SamiTag stTag;
     ScanResult eResult = E_SCAN_ON;
-    if (!Get_KnownPosition(stScan.hFile, &stScan.llOffset) || !Begin_SamiTags(&stFinder, stScan.astForm))
-        return E_SCAN_ON;
-    stScan.llOffset -= stScan.llBytes;
-    stScan.bOffStart = stScan.bOffStart || stScan.llOffset != 0;
-    while (eResult == E_SCAN_ON) {
-        const bool bFound = Find_SamiTag(stFinder, &stTag);
-        eResult = Take_UsualTag(stScan, stTag);
+    if (!Begin_SamiTags(&stFinder, &stScan.stForms)) return eResult;
+    const uint8_t *const pucFrom = stFinder.stText.pucByte;
+    const int64_t llFrom = stScan.llBytes;
+    for (bool bFound = true; bFound && eResult == E_SCAN_ON;) {
+        bFound = Find_SamiTag(stFinder, &stTag);
+        const int64_t llTagBytes = llFrom + (stTag.pucTag - pucFrom);
+        stScan.llBytes = llFrom + (stTag.pucBehind - pucFrom);
+        if (stTag.bOthersBefore && stScan.eHead == E_SAMI_HEAD_SYNC) stScan.eHead = E_SAMI_HEAD_ODD;
         if (!bFound) break;
+        if (stScan.eHead == E_SAMI_HEAD_P) Note_TextEnd(stScan, stTag, llTagBytes);
+        if (!stTag.bSync) {
+            eResult = Take_UsualParagraph(stScan, stTag);
+            continue;
+        }
+        stScan.llTagBytes = llTagBytes;
+        if (!Append_SyncPlace(llTagBytes))
+            eResult = E_SCAN_FAILED;
+        else if (stTag.uiClass < ZYR_CLASS_MAX && s_uiFrameInfoNums < s_uiFrameInfoMax)
+            eResult = Record_UsualFrame(stScan, stTag, llOffset + llTagBytes);
+        else
+            eResult = Take_UsualSync(stScan, stTag, llOffset + llTagBytes);
     }
+    Take_HeldBytes(static_cast<uint32_t>(stScan.llBytes - llFrom));
     return eResult;
 }
 
 /** Pass over what says nothing to the scan, and take the usual tags in between. */
 ScanResult Scan_Outside(SamiScan &stScan)
 {
-    const ScanResult eResult = stScan.bSyncOpen ? E_SCAN_ON : Take_UsualTags(stScan);
+    int64_t llPos = 0;
+    ScanResult eResult = E_SCAN_ON;
+    if (!stScan.bSyncOpen && Get_KnownPosition(stScan.hFile, &llPos)) {
+        stScan.bOffStart = stScan.bOffStart || llPos != stScan.llBytes;
+        eResult = Take_UsualTags(stScan, llPos - stScan.llBytes);
+    }
     if (eResult == E_SCAN_ON) stScan.llBytes += Skip_To('<', stScan.bSyncOpen ? '>' : '<');
     return eResult;
 }

@@ -17,7 +17,10 @@ constexpr uint32_t FRAME_GROWTH = 4;     // and so many times as many whenever t
 constexpr uint32_t NEAR_FRAMES = 4;      // entries to look at before the class's own list is searched
 
 uint32_t s_uiIndexedOption = 0;                   // how bytes were taken for characters
+bool s_bSorted = true;                            // the entries stand in time order
+int32_t s_iLastPTS = 0;                           // time of the last one
 uint32_t s_uiFrameRoom = 0;                       // entries that the array has room for
+bool s_bOrdered = false;                          // the two below hold
 uint32_t s_auiClassStart[ZYR_CLASS_MAX + 2] = {}; // where each class's entries begin in the class order
 
 /** The entries' numbers, class after class and ascending in each; they stand behind the room for entries. */
@@ -32,6 +35,20 @@ SamiFrameInfo *Allocate_Frames(uint32_t uiRoom)
         Allocate_FrameMemory(uiRoom * static_cast<uint32_t>(sizeof(SamiFrameInfo) + sizeof(uint32_t))));
 }
 
+/** Find out which entries belong to which class: only who seeks or has many classes asks that. */
+void Order_Classes()
+{
+    s_bOrdered = true;
+    uint32_t auiPlace[ZYR_CLASS_MAX + 2] = {}; // one slot later than its class, so that the sums are starts
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
+        ++auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex + 1];
+    for (uint32_t uiClass = 1; uiClass < ZYR_CLASS_MAX + 2; ++uiClass)
+        auiPlace[uiClass] += auiPlace[uiClass - 1];
+    std::copy(std::begin(auiPlace), std::end(auiPlace), s_auiClassStart);
+    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
+        Get_ClassOrder()[auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex]++] = uiFrame;
+}
+
 /** The numbers of one class's entries. */
 struct ClassFrames {
     const uint32_t *puiBegin;
@@ -40,6 +57,7 @@ struct ClassFrames {
 
 ClassFrames Get_ClassFrames(uint32_t uiClass)
 {
+    if (!s_bOrdered) Order_Classes();
     return {Get_ClassOrder() + s_auiClassStart[uiClass], Get_ClassOrder() + s_auiClassStart[uiClass + 1]};
 }
 
@@ -97,6 +115,8 @@ bool Begin_FrameIndex()
 {
     Replace_Frames(nullptr, 0);
     Drop_FrameIndex();
+    s_bSorted = true;
+    s_iLastPTS = INT32_MIN;
     s_uiIndexedOption = s_uiParsingOption & E_PARSING_OPTION_SINGLE_BYTE;
     s_uiFrameInfoMax = static_cast<uint32_t>(s_llCaptionFileSize / BYTES_PER_FRAME) + SPARE_FRAMES;
     return Grow_Frames();
@@ -110,6 +130,8 @@ bool Is_IndexedOption()
 bool Append_Frame(const SamiFrameInfo &stFrame)
 {
     if (s_uiFrameInfoNums == s_uiFrameRoom && !Grow_Frames()) return false;
+    if (stFrame.iPTS < s_iLastPTS) s_bSorted = false;
+    s_iLastPTS = stFrame.iPTS;
     s_pstFrameInfoArray[s_uiFrameInfoNums++] = stFrame;
     return true;
 }
@@ -117,13 +139,13 @@ bool Append_Frame(const SamiFrameInfo &stFrame)
 bool Finish_FrameIndex()
 {
     const uint32_t uiNums = s_uiFrameInfoNums;
-    if (!Is_Sorted(s_pstFrameInfoArray, uiNums, Get_TimeKey)) {
+    if (!s_bSorted) {
         SamiFrameInfo *const pastFrame = Allocate_Frames(uiNums);
         if (pastFrame == nullptr) return false;
         Sort_Stable(s_pstFrameInfoArray, pastFrame, uiNums, Get_TimeKey);
         Replace_Frames(pastFrame, uiNums);
     }
-    Order_FramesByClass();
+    s_bOrdered = false;
     return true;
 }
 
@@ -133,17 +155,9 @@ void Drop_FrameIndex()
     for (uint32_t &uiCursor : s_auiClassFrameCursor) uiCursor = 0;
 }
 
-void Order_FramesByClass()
+void Forget_ClassOrder()
 {
-    if (s_uiFrameInfoNums == 0) return;
-    uint32_t auiPlace[ZYR_CLASS_MAX + 2] = {}; // one slot later than its class, so that the sums are starts
-    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
-        ++auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex + 1];
-    for (uint32_t uiClass = 1; uiClass < ZYR_CLASS_MAX + 2; ++uiClass)
-        auiPlace[uiClass] += auiPlace[uiClass - 1];
-    std::copy(std::begin(auiPlace), std::end(auiPlace), s_auiClassStart);
-    for (uint32_t uiFrame = 0; uiFrame < s_uiFrameInfoNums; ++uiFrame)
-        Get_ClassOrder()[auiPlace[s_pstFrameInfoArray[uiFrame].uiClassIndex]++] = uiFrame;
+    s_bOrdered = false;
 }
 
 void Drop_TwinFrames()

@@ -27,8 +27,8 @@ bool Finish_FrameIndex();
 /** Forget all entries; what they stood in stays until the buffers are freed. */
 void Drop_FrameIndex();
 
-/** Note which entries belong to which class. */
-void Order_FramesByClass();
+/** Entries belong to other classes now. */
+void Forget_ClassOrder();
 
 /** Two classes have become one: where a SYNC tag has several entries of a class now, keep the first. */
 void Drop_TwinFrames();

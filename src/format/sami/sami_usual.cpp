@@ -90,7 +90,7 @@ inline uint32_t Match_Start(const uint8_t *pucDigits, uint32_t *puiStart)
 }
 
 /** Match "KRCC>". @return its units, or 0 */
-uint32_t Match_NewName(const uint8_t *pucName, SamiTag *pstTag)
+[[gnu::noinline]] uint32_t Match_NewName(const uint8_t *pucName, SamiTag *pstTag)
 {
     uint32_t uiUnits = 0;
     for (; uiUnits < ZYR_CLASS_NAME_UNITS; ++uiUnits) {
@@ -105,9 +105,9 @@ uint32_t Match_NewName(const uint8_t *pucName, SamiTag *pstTag)
 /** The same of a name that has been seen. */
 inline uint32_t Match_SeenName(const SamiTagFinder &stFinder, SamiTag *pstTag)
 {
-    const uint32_t uiNums = pstQuibCaptionParserInfo->uiClassNums;
-    for (uint32_t uiClass = 0; uiClass < uiNums; ++uiClass) {
-        const SamiClassForm &stForm = stFinder.pastForm[uiClass];
+    const SamiClassForms &stForms = *stFinder.pstForms;
+    for (uint32_t uiClass = 0; uiClass < stForms.uiNums; ++uiClass) {
+        const SamiClassForm &stForm = stForms.astForm[uiClass];
         if (!Begins_With(pstTag->pucName, stForm)) continue;
         pstTag->uiClass = uiClass;
         return stForm.uiUnits;
@@ -115,10 +115,18 @@ inline uint32_t Match_SeenName(const SamiTagFinder &stFinder, SamiTag *pstTag)
     return 0;
 }
 
+/** @return whether two bytes are CR LF. */
+inline bool Is_CrLf(const uint8_t *pucBytes)
+{
+    uint16_t usBytes;
+    std::memcpy(&usBytes, pucBytes, sizeof(usBytes));
+    return usBytes == ('\n' << 8 | '\r');
+}
+
 /** @return the place behind a line end, if there is one. */
 inline uint32_t Pass_LineEnd(const uint8_t *pucTag, uint32_t uiUnit)
 {
-    return pucTag[uiUnit] == '\r' && pucTag[uiUnit + 1] == '\n' ? uiUnit + 2 : uiUnit;
+    return Is_CrLf(pucTag + uiUnit) ? uiUnit + 2 : uiUnit;
 }
 
 /** Match a P tag and the line end behind it. @return its units, or 0 */
@@ -154,7 +162,7 @@ inline uint32_t Get_LineEndBefore(const UsualText &stText, const uint8_t *pucFro
     const uint32_t uiBytes = 2 * stText.uiUnitBytes;
     const uint8_t *const pucEnd = stText.pucByte - uiBytes;
     if (pucEnd < pucFrom) return 0;
-    if (uiBytes == 2) return pucEnd[0] == '\r' && pucEnd[1] == '\n' ? 2 : 0;
+    if (uiBytes == 2) return Is_CrLf(pucEnd) ? 2 : 0;
     return stText.Get_UnitAt(pucEnd) == '\r' && stText.Get_UnitAt(pucEnd + 2) == '\n' ? 4 : 0;
 }
 
@@ -186,7 +194,7 @@ constexpr UsualForm SAMI_FORM = {{'<', '&'}, Take_SamiStop, Apply_SamiTag};
 
 } // namespace
 
-bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForm *pastForm)
+bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForms *pstForms)
 {
     UsualText &stText = pstFinder->stText;
     if (!Point_UsualText(&stText)) return false;
@@ -194,7 +202,7 @@ bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForm *pastForm)
     stText.pucEnd = Look_Ahead().pucEnd;
     if (stText.pucEnd - stText.pucByte < iHeadBytes) return false;
     pstFinder->pucLast = stText.pucEnd - iHeadBytes;
-    pstFinder->pastForm = pastForm;
+    pstFinder->pstForms = pstForms;
     return true;
 }
 
@@ -216,24 +224,26 @@ bool Find_SamiTag(SamiTagFinder &stFinder, SamiTag *pstTag)
         pstTag->bOthersBefore = true;
         stText.Take_Units(1);
     }
-    pstTag->uiBytesBefore = static_cast<uint32_t>(stText.pucByte - pucFrom);
+    pstTag->pucTag = stText.pucByte;
     pstTag->uiLineEndBytes = Get_LineEndBefore(stText, pucFrom);
-    pstTag->uiBytes = uiUnits * stText.uiUnitBytes;
-    stText.pucByte += pstTag->uiBytes;
-    Take_HeldBytes(pstTag->uiBytesBefore + pstTag->uiBytes);
+    stText.Take_Units(uiUnits);
+    pstTag->pucBehind = stText.pucByte;
     return uiUnits > 0;
 }
 
-void Note_ClassForm(const SamiTag &stTag, SamiClassForm *pstForm)
+void Note_ClassForm(const SamiTag &stTag, uint32_t uiClass, SamiClassForms *pstForms)
 {
+    SamiClassForm &stForm = pstForms->astForm[uiClass];
+    pstForms->uiNums = std::max(pstForms->uiNums, uiClass + 1);
+    stForm.uiUnits = stTag.uiNameUnits + 1;
     uint8_t aucAny[16];
     uint8_t aucName[16];
-    pstForm->uiUnits = stTag.uiNameUnits + 1;
-    std::fill_n(std::fill_n(aucAny, pstForm->uiUnits, uint8_t{0}), 16 - pstForm->uiUnits, uint8_t{0xFF});
-    std::transform(aucAny, aucAny + 16, stTag.pucName, aucName,
-                   [](uint8_t ucAny, uint8_t ucByte) { return static_cast<uint8_t>(ucAny | ucByte); });
-    std::memcpy(pstForm->aullText, aucName, sizeof(aucName));
-    std::memcpy(pstForm->aullAny, aucAny, sizeof(aucAny));
+    for (uint32_t uiByte = 0; uiByte < 16; ++uiByte) {
+        aucAny[uiByte] = uiByte < stForm.uiUnits ? 0 : 0xFF;
+        aucName[uiByte] = aucAny[uiByte] | stTag.pucName[uiByte];
+    }
+    std::memcpy(stForm.aullText, aucName, sizeof(aucName));
+    std::memcpy(stForm.aullAny, aucAny, sizeof(aucAny));
 }
 
 bool Take_UsualSami(const SamiFrameInfo &stEntry)

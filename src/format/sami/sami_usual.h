@@ -19,14 +19,20 @@ struct SamiClassForm {
     uint32_t uiUnits;
 };
 
+/** How each class is named; behind the last one that is known there may be others. */
+struct SamiClassForms {
+    uint32_t uiNums;
+    SamiClassForm astForm[ZYR_CLASS_MAX];
+};
+
 /** A SYNC tag, a P tag, or a P tag right behind a SYNC tag, in usual form. */
 struct SamiTag {
-    uint32_t uiBytesBefore;  // passed over since the last one
-    uint32_t uiLineEndBytes; // the last ones of them are a line end
-    bool bOthersBefore;      // among them are other tags
+    const uint8_t *pucTag;    // in the read buffer
+    const uint8_t *pucBehind; // the byte behind it, and behind a line end that follows a P tag
+    uint32_t uiLineEndBytes;  // of a line end right before it
+    bool bOthersBefore;       // other tags have been passed over
     bool bSync;
     bool bParagraph;
-    uint32_t uiBytes;                       // with a line end behind a P tag
     uint32_t uiStart;                       // of a SYNC tag, ms
     uint32_t uiClass;                       // of a P tag; ZYR_CLASS_MAX: none, or not seen like that before
     uint32_t uiNameUnits;                   // of a name that has not been seen
@@ -37,20 +43,20 @@ struct SamiTag {
 /** Looks for tags in the current stream's read buffer. */
 struct SamiTagFinder {
     UsualText stText;
-    const uint8_t *pucLast;        // last place where the buffer holds a whole tag
-    const SamiClassForm *pastForm; // of each class
-    uint8_t aucNarrow[64];         // UTF-16 units as bytes
+    const uint8_t *pucLast; // last place where the buffer holds a whole tag
+    const SamiClassForms *pstForms;
+    uint8_t aucNarrow[64]; // UTF-16 units as bytes
 };
 
 /** Begin at the read position. @return false where nothing is usual */
-bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForm *pastForm);
+bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForms *pstForms);
 
-/** Take the next tag off the read buffer, and what stands before it. @return false when only the literal reading can
- *          tell what comes there: nothing but other tags and characters is taken */
+/** Find the next tag from stText.pucByte on, and go behind it. @return false when only the literal reading can tell what
+ *          stands there: nothing but other tags and characters has been passed over */
 bool Find_SamiTag(SamiTagFinder &stFinder, SamiTag *pstTag);
 
 /** Remember how a tag has named a class. */
-void Note_ClassForm(const SamiTag &stTag, SamiClassForm *pstForm);
+void Note_ClassForm(const SamiTag &stTag, uint32_t uiClass, SamiClassForms *pstForms);
 
 /** Take the frame whose SYNC tag stands at the read position, if its text is known and usual, as the current stream's
  * frame; the times are left to the caller. @return whether it was */
