@@ -559,9 +559,8 @@ UsualStep Take_UsualHtmlTag(UsualText &stText)
 
 UsualStep Take_UsualEntity(UsualText &stText)
 {
-    static constexpr UsualWord NO_BREAK_SPACE("&nbsp;", false); // most of them by far
     if (NO_BREAK_SPACE.Begins(stText.Get_Eight())) {
-        stText.Take_Units(6);
+        stText.Take_Units(NO_BREAK_SPACE_UNITS);
         return Put_UsualUnit(stText, BLANK);
     }
     uint16_t ausEntity[ENTITY_UNITS_MAX];

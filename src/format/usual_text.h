@@ -110,6 +110,10 @@ struct UsualWord {
     constexpr bool Begins(uint64_t ullEight) const { return ((ullEight ^ ullText) & ullBits) == 0; }
 };
 
+/** The most usual entity by far: a blank. */
+constexpr UsualWord NO_BREAK_SPACE("&nbsp;", false);
+constexpr uint32_t NO_BREAK_SPACE_UNITS = 6;
+
 struct UsualForm {
     uint8_t aucStop[2]; // where a run of characters ends, beside units below 0x20 and a second blank in a row
     /** Take the stop at the next byte. */

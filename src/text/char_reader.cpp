@@ -306,17 +306,24 @@ int32_t Fill_StreamBuffer(void *hFile)
     return iRead;
 }
 
-int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
+bool Go_ToHeld(const void *hFile, int64_t llPos)
 {
-    StreamWindow &stWindow = Get_Window();
+    const StreamWindow &stWindow = Get_Window();
     const uint64_t ullOffset = static_cast<uint64_t>(llPos - stWindow.llStart); // huge before its start
     const bool bHeld = ullOffset < static_cast<uint32_t>(stWindow.iBytes);
-    // Another stream may have read since.
-    if (!bHeld || s_llReaderPos != stWindow.llStart + stWindow.iBytes || hFile != s_hReaderFile)
-        return Move_File(hFile, llPos, eReadAhead);
+    if (!bHeld || s_llReaderPos < 0 || hFile != s_hReaderFile) return false;
     CaptionStreamInfo &stInfo = Get_StreamInfo();
     stInfo.iStreamDataSize = stWindow.iBytes;
     stInfo.iStreamBufIndex = static_cast<int32_t>(ullOffset);
+    return true;
+}
+
+int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
+{
+    StreamWindow &stWindow = Get_Window();
+    // Another stream may have read since.
+    if (s_llReaderPos != stWindow.llStart + stWindow.iBytes || !Go_ToHeld(hFile, llPos))
+        return Move_File(hFile, llPos, eReadAhead);
     if (eReadAhead == E_READ_AHEAD_FULL) stWindow.uiFillBytes = 0;
     s_bAskFirst = true;
     return llPos;

@@ -65,6 +65,14 @@ enum ReadAhead : uint32_t {
  */
 int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead);
 
+/**
+ * The same for a position that the buffer holds, and as far as it holds what stands behind it: the file is not moved,
+ * which must be done before more of it is read.
+ *
+ * @return false with nothing changed when the buffer does not hold it
+ */
+bool Go_ToHeld(const void *hFile, int64_t llPos);
+
 /** Refill the current stream's buffer. @return bytes read, 0 at the end of the file, negative on an error. */
 int32_t Fill_StreamBuffer(void *hFile);
 

@@ -142,6 +142,14 @@ void Merge_SparseLanguages()
     Fold_OtherClasses();
 }
 
+[[gnu::noinline]] void Log_NoTime(uint32_t uiClass, int32_t iPTS)
+{
+    if (iPTS == BAD_CLASS)
+        LOG_HANDLER("Class index [%d] is inavlid !!\n", uiClass);
+    else if (iPTS != NO_NEXT_FRAME)
+        LOG_HANDLER("CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n");
+}
+
 } // namespace
 
 void Clean_SamiClasses()
@@ -203,19 +211,18 @@ int32_t CAPTIONPARS_SAMI_MergeMultiLanguages(uint32_t uiFrom, uint32_t uiTo)
 void Choose_EarliestStream()
 {
     QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
-    stInfo.iNextPTS = NO_NEXT_PTS;
+    int32_t iNextPTS = NO_NEXT_PTS;
     for (uint32_t uiStream = 0; uiStream < stInfo.uiStreamNums; ++uiStream) {
         const uint32_t uiClass = stInfo.astStreamState[uiStream].uiClassIndex;
         const int32_t iPTS = CAPTIONPARS_SAMI_GetNextFramePTS(uiClass);
-        if (iPTS == BAD_CLASS) {
-            LOG_HANDLER("Class index [%d] is inavlid !!\n", uiClass);
-        } else if (iPTS < 0 && iPTS != NO_NEXT_FRAME) {
-            LOG_HANDLER("CAPTIONPARS_SAMI_GetNextFramePTS() error !!\n");
-        } else if (iPTS >= 0 && iPTS < stInfo.iNextPTS) {
-            stInfo.iNextPTS = iPTS;
+        if (iPTS < 0) {
+            Log_NoTime(uiClass, iPTS);
+        } else if (iPTS < iNextPTS) {
+            iNextPTS = iPTS;
             stInfo.uiCurrStream = uiStream;
         }
     }
+    stInfo.iNextPTS = iNextPTS;
 }
 
 void Destroy_SamiBuffers()

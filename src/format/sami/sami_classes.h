@@ -18,10 +18,9 @@ inline uint32_t Find_NextFrame(uint32_t uiClass)
 {
     if (uiClass >= ZYR_CLASS_MAX) return s_uiFrameInfoNums;
     uint32_t &uiCursor = s_auiClassFrameCursor[uiClass];
-    const bool bThere =
-        uiCursor < s_uiFrameInfoNums && s_pstFrameInfoArray[uiCursor].uiClassIndex == uiClass;
-    if (!bThere) uiCursor = Find_ClassFrame(uiClass, uiCursor);
-    return uiCursor;
+    if (Is_ClassFrame(uiClass, uiCursor)) return uiCursor;
+    return uiCursor =
+               Is_ClassFrame(uiClass, uiCursor + 1) ? uiCursor + 1 : Find_ClassFrame(uiClass, uiCursor);
 }
 
 /** Put the cursor of a class before all frames. */

@@ -384,8 +384,22 @@ void Read_Unit(SamiFrame &stFrame)
     }
 }
 
-[[gnu::noinline]] int32_t Read_Literally(SamiFrame &stFrame)
+/** @return whether a frame is usual, and read from its own SYNC tag. */
+inline bool Take_UsualFrame(const SamiFrameInfo &stEntry)
 {
+    const uint32_t uiPassed = Find_PassedStart(pstQuibCaptionParserInfo->uiCurrClass, stEntry.llFilePos);
+    return uiPassed == NO_SYNC_PLACE && Take_UsualSami(stEntry);
+}
+
+/** Move the file to a frame, and read it. @param[in] bTryUsual  it may yet turn out to be usual */
+[[gnu::noinline]] int32_t Read_Frame(void *hFile, const SamiFrameInfo &stEntry, bool bTryUsual)
+{
+    SamiFrame stFrame = {};
+    stFrame.hFile = hFile;
+    stFrame.iEnd = OPEN_END_PTS;
+    Start_Frame(stFrame, stEntry.llFilePos);
+    if (bTryUsual && !stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(stEntry))
+        return Set_Times(stEntry.iPTS, OPEN_END_PTS);
     while (!stFrame.bDone) Read_Unit(stFrame);
     if (stFrame.iResult != 1) return stFrame.iResult;
     Complete_FrameText();
@@ -405,14 +419,12 @@ int32_t FrameParser_SAMI(void)
         return NO_CAPTION_DATA;
     }
     s_auiClassFrameCursor[uiClass] = uiFrame + 1;
+    void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     const SamiFrameInfo &stEntry = s_pstFrameInfoArray[uiFrame];
-    SamiFrame stFrame = {};
-    stFrame.hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
-    stFrame.iEnd = OPEN_END_PTS;
-    Start_Frame(stFrame, stEntry.llFilePos);
-    if (!stFrame.bDone && stFrame.uiPlace == NO_SYNC_PLACE && Take_UsualSami(stEntry))
-        return Set_Times(stEntry.iPTS, OPEN_END_PTS);
-    return Read_Literally(stFrame);
+    const bool bHeld = Go_ToHeld(hFile, stEntry.llFilePos);
+    if (!bHeld || !Take_UsualFrame(stEntry)) return Read_Frame(hFile, stEntry, !bHeld);
+    pstQuibCaptionParserInfo->llCurrFilePos = stEntry.llFilePos;
+    return Set_Times(stEntry.iPTS, OPEN_END_PTS);
 }
 
 int32_t Seek_SAMI(uint32_t uiTargetMs, uint32_t /*bBackward*/, int32_t /*iCurrPTS*/,

@@ -92,7 +92,7 @@ struct SamiScan {
     SamiHead eHead;                          // what the frame parser will find before a P tag
     uint16_t ausTextEnd[ZYR_CLASS_MAX];      // of the current frame's entries, while eHead is E_SAMI_HEAD_P
     SamiClassForms stForms;
-    bool bOffStart;                          // the scan did not begin at the file's start
+    bool bOffStart; // the scan did not begin at the file's start
     CurrentFrame stFrame;
     FrameStatistics stPending; // frames without a class so far
     FrameExtent stExtentOld;   // of the same before the current frame
@@ -124,7 +124,7 @@ void Count_Unclassified(SamiScan &stScan)
 }
 
 /** The current frame has a class: take it out of those that have none. */
-void Uncount_Unclassified(SamiScan &stScan)
+inline void Uncount_Unclassified(SamiScan &stScan)
 {
     if (stScan.stPending.uiNums > 0) --stScan.stPending.uiNums;
     stScan.stPending.stExtent = stScan.stExtentOld;
@@ -138,7 +138,7 @@ inline uint16_t Get_TextBytes(const SamiScan &stScan)
 }
 
 /** Give the current frame one more entry while there is room. */
-ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
+inline ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
 {
     CurrentFrame &stFrame = stScan.stFrame;
     if (s_uiFrameInfoNums < s_uiFrameInfoMax) {
@@ -152,7 +152,7 @@ ScanResult Add_Entry(SamiScan &stScan, uint32_t uiClass)
 }
 
 /** The current frame names a class: the first one takes its entry, each further one an entry of its own. */
-ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
+inline ScanResult Enter_Class(SamiScan &stScan, uint32_t uiClass)
 {
     SamiFrameInfo *const pstEnd = s_pstFrameInfoArray + s_uiFrameInfoNums;
     SamiFrameInfo *const pstFirst = pstEnd - stScan.stFrame.uiEntries;
@@ -230,7 +230,7 @@ inline void Count_ForClass(const CurrentFrame &stFrame, uint32_t uiClass)
 }
 
 /** The current frame has a P tag of a class; ZYR_CLASS_MAX = one without room. */
-ScanResult Assign_Class(SamiScan &stScan, uint32_t uiClass)
+inline ScanResult Assign_Class(SamiScan &stScan, uint32_t uiClass)
 {
     if (uiClass == ZYR_CLASS_MAX) stScan.eHead = E_SAMI_HEAD_ODD;
     if (uiClass == ZYR_CLASS_MAX || !stScan.stFrame.bKnown) return E_SCAN_ON;

@@ -33,6 +33,12 @@ void Forget_ClassOrder();
 /** Two classes have become one: where a SYNC tag has several entries of a class now, keep the first. */
 void Drop_TwinFrames();
 
+/** @return whether there is an entry of this number, and it is of a class. */
+inline bool Is_ClassFrame(uint32_t uiClass, uint32_t uiFrame)
+{
+    return uiFrame < s_uiFrameInfoNums && s_pstFrameInfoArray[uiFrame].uiClassIndex == uiClass;
+}
+
 /** @return first entry of a class from entry uiFrom on; s_uiFrameInfoNums when there is none. */
 uint32_t Find_ClassFrame(uint32_t uiClass, uint32_t uiFrom);
 

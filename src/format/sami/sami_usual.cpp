@@ -190,6 +190,15 @@ void Apply_SamiTag(uint32_t /*uiUnits*/)
     Apply_HtmlTag("FrameParser_SAMI");
 }
 
+/** Half of the captions only take the one before away. @return whether this one does */
+inline bool Take_ClearingText(UsualText &stText)
+{
+    const uint8_t *const pucBehind = stText.pucByte + size_t{NO_BREAK_SPACE_UNITS} * stText.uiUnitBytes;
+    if (pucBehind != stText.Get_TextEnd() || !NO_BREAK_SPACE.Begins(stText.Get_Eight())) return false;
+    stText.pucByte = pucBehind;
+    return true;
+}
+
 constexpr UsualForm SAMI_FORM = {{'<', '&'}, Take_SamiStop, Apply_SamiTag};
 
 } // namespace
@@ -254,7 +263,7 @@ bool Take_UsualSami(const SamiFrameInfo &stEntry)
     if (stText.pucEnd < pucEnd) return false;
     stText.pucEnd = pucEnd;
     stText.pucByte += stEntry.usTextBytes;
-    if (!Take_UsualText(stText, SAMI_FORM)) return false;
+    if (!Take_ClearingText(stText) && !Take_UsualText(stText, SAMI_FORM)) return false;
     Commit_UsualText(stText, SAMI_FORM);
     return true;
 }
