@@ -16,11 +16,6 @@ TagControlInfo *s_pstTagControlInfo = nullptr;
 uint32_t s_uiMaxLineNums = 0;
 uint32_t s_uiStreamBufSize = 0;
 int64_t s_llCaptionFileSize = 0;
-SamiFrameInfo *s_pstFrameInfoArray = nullptr;
-uint32_t s_uiFrameInfoMax = 0;
-uint32_t s_uiFrameInfoNums = 0;
-uint32_t *s_puiSyncPlaces = nullptr;
-uint32_t s_auiClassFrameCursor[ZYR_CLASS_MAX] = {};
 
 namespace
 {

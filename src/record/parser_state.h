@@ -6,7 +6,6 @@
 
 #include <cstdint>
 
-#include "record/engine_log.h"
 #include "zyr/quib_caption.h"
 
 /** Encoding of the open file's text. */
@@ -75,15 +74,6 @@ struct TagControlInfo {
     bool bLogged;                 // the last SYNC or P tag has led to a log line
 };
 
-/** A class's frame of a SAMI file. The array is in time order once the header is read. */
-struct SamiFrameInfo {
-    uint32_t uiClassIndex; // class of the frame; ZYR_CLASS_MAX while it has none
-    int32_t iPTS;          // ms
-    uint16_t usTextBytes;  // bytes from its place to the text
-    uint16_t usTextEnd;    // and to behind the text, if nothing else needs to be read; 0 = that is not known
-    int64_t llFilePos;     // its place: where the "<" of the SYNC tag stands
-};
-
 extern uint32_t s_uiFontColor;     // font colour that every frame starts with
 extern uint32_t s_uiFontEdgeColor; // kept for the host
 extern uint32_t s_uiFontHeight;    // font height that every frame starts with
@@ -98,12 +88,6 @@ extern TagControlInfo *s_pstTagControlInfo;
 extern uint32_t s_uiMaxLineNums;
 extern uint32_t s_uiStreamBufSize; // bytes asked of every full read
 extern int64_t s_llCaptionFileSize;
-extern SamiFrameInfo *s_pstFrameInfoArray;
-extern uint32_t s_uiFrameInfoMax;  // most frames that the file's size allows for
-extern uint32_t s_uiFrameInfoNums; // frames in the array
-extern uint32_t *s_puiSyncPlaces;  // where a SAMI file's SYNC tags stand (format/sami/sami_skip.h)
-extern uint32_t
-    s_auiClassFrameCursor[ZYR_CLASS_MAX]; // per class: index of the entry to look from for its next frame
 
 /** @return whether the record and all buffers that parsing a frame of the current stream needs are there. */
 bool Is_StreamReady();

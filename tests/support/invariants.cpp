@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "format/sami/sami_index.h"
 #include "format/ssa/frame_list.h"
 #include "record/parser_state.h"
 #include "zyr/zyr_host.h"

@@ -5,7 +5,13 @@
 #include <iterator>
 
 #include "format/stable_sort.h"
-#include "zyr_log.h"
+#include "record/engine_log.h"
+
+SamiFrameInfo *s_pstFrameInfoArray = nullptr;
+uint32_t s_uiFrameInfoMax = 0;
+uint32_t s_uiFrameInfoNums = 0;
+uint32_t *s_puiSyncPlaces = nullptr;
+uint32_t s_auiClassFrameCursor[ZYR_CLASS_MAX] = {};
 
 namespace
 {
@@ -107,9 +113,7 @@ bool Has_Twin(const SamiFrameInfo &stFrame, uint32_t uiNums)
 void *Allocate_FrameMemory(uint32_t uiBytes)
 {
     void *const pvMemory = QUIBCAPTCB_Allocate_Memory(uiBytes);
-    if (pvMemory == nullptr)
-        __android_log_print(ZYR_LOG_ERROR, PARSER_LOG_TAG,
-                            " [%d] Frame Information Array Memory Allocation Failed!\n", __LINE__);
+    if (pvMemory == nullptr) LOG_PARSER("Frame Information Array Memory Allocation Failed!\n");
     return pvMemory;
 }
 

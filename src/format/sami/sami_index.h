@@ -9,6 +9,21 @@
 
 #include "record/parser_state.h"
 
+/** A class's frame of a SAMI file. The array is in time order once the header is read. */
+struct SamiFrameInfo {
+    uint32_t uiClassIndex; // class of the frame; ZYR_CLASS_MAX while it has none
+    int32_t iPTS;          // ms
+    uint16_t usTextBytes;  // bytes from its place to the text
+    uint16_t usTextEnd;    // and to behind the text, if nothing else needs to be read; 0 = that is not known
+    int64_t llFilePos;     // its place: where the "<" of the SYNC tag stands
+};
+
+extern SamiFrameInfo *s_pstFrameInfoArray;
+extern uint32_t s_uiFrameInfoMax;                     // most frames that the file's size allows for
+extern uint32_t s_uiFrameInfoNums;                    // frames in the array
+extern uint32_t *s_puiSyncPlaces;                     // where SYNC tags stand (format/sami/sami_skip.h)
+extern uint32_t s_auiClassFrameCursor[ZYR_CLASS_MAX]; // per class: the entry to look from for its next frame
+
 /** Take memory for what is known of the file's frames. @return NULL when there is none (logged). */
 void *Allocate_FrameMemory(uint32_t uiBytes);
 

@@ -8,8 +8,8 @@
 
 #include <cstdint>
 
+#include "format/sami/sami_index.h"
 #include "format/usual_text.h"
-#include "record/parser_state.h"
 
 /** A class's name and the ">" behind it as a P tag had them last, all bits set where the bytes may be any; zero: none
  * had them. */

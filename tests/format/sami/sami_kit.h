@@ -1,6 +1,7 @@
 /* What the SAMI tests share: files made of SYNC blocks, and the classes of an open file as text. */
 #pragma once
 
+#include "format/sami/sami_index.h"
 #include "record/parser_state.h"
 #include "support/engine_fixture.h"
 
