@@ -42,7 +42,8 @@ std::vector<std::string> List_Samples()
 {
     std::vector<std::string> astrNames;
     for (const auto &stEntry : std::filesystem::directory_iterator(ZYR_SAMPLES))
-        if (stEntry.path().filename() != "README.md") astrNames.push_back(stEntry.path().filename());
+        if (stEntry.is_regular_file() && stEntry.path().filename() != "README.md")
+            astrNames.push_back(stEntry.path().filename());
     return astrNames;
 }
 
