@@ -1,5 +1,6 @@
 #include "caption_screen.h"
 
+#include <algorithm>
 #include <cstdio>
 
 Outcome CaptionScreen::Open(const ScreenOptions &stOptions)
@@ -7,6 +8,7 @@ Outcome CaptionScreen::Open(const ScreenOptions &stOptions)
     m_pstScreen.reset();
     const ZyrCaptionOutput stOutput = Get_Output(stOptions.uiOutput);
     m_stBackground = Make_Picture(stOutput.uiWidth, stOutput.uiHeight);
+    m_stClear = {};
     if (!stOptions.strBackground.empty()) {
         Picture stFile;
         Outcome stRead = Read_Png(stOptions.strBackground, stFile);
@@ -36,6 +38,20 @@ Picture CaptionScreen::Draw_Label(const std::string &strText)
     ZyrCaptionBox stBox = {};
     zyrCaptions_draw(m_pstScreen.get(), strText.c_str(), stPicture.aucRgba.data(), &stBox);
     return Cut_Picture(stPicture, stBox.uiX, stBox.uiY, stBox.uiWidth, stBox.uiHeight);
+}
+
+Picture CaptionScreen::Draw_Alone(const std::string &strText, ZyrCaptionBox &stBox)
+{
+    if (m_stClear.aucRgba.empty())
+        m_stClear = {Get_Width(), Get_Height(),
+                     std::vector<uint8_t>(size_t{Get_Width()} * Get_Height() * 4, 0)};
+    stBox = {};
+    zyrCaptions_draw(m_pstScreen.get(), strText.c_str(), m_stClear.aucRgba.data(), &stBox);
+    Picture stCut = Cut_Picture(m_stClear, stBox.uiX, stBox.uiY, stBox.uiWidth, stBox.uiHeight);
+    for (uint32_t uiRow = stBox.uiY; uiRow < stBox.uiY + stBox.uiHeight; ++uiRow)
+        std::fill_n(&m_stClear.aucRgba[(size_t{uiRow} * Get_Width() + stBox.uiX) * 4],
+                    size_t{stBox.uiWidth} * 4, uint8_t{0});
+    return stCut;
 }
 
 static std::string Show_Character(uint32_t uiCharacter)

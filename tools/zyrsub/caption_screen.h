@@ -21,6 +21,9 @@ public:
     // The text alone, cut to its box, over black.
     Picture Draw_Label(const std::string &strText);
 
+    // The same over nothing at all, and where the box stands; empty when nothing is shown.
+    Picture Draw_Alone(const std::string &strText, ZyrCaptionBox &stBox);
+
     // The characters of a text that the font does not have.
     std::vector<std::string> List_Missing(const std::string &strText) const;
 
@@ -29,6 +32,7 @@ public:
 
 private:
     Picture m_stBackground;
+    Picture m_stClear; // the display without anything, all bytes 0
     std::unique_ptr<ZyrCaptionScreen, void (*)(ZyrCaptionScreen *)> m_pstScreen{nullptr,
                                                                                 zyrCaptions_closeScreen};
 };

@@ -14,6 +14,7 @@ static constexpr const char *MAIN_FOOTER = R"(Examples:
   zyrsub frames movie.avi            every caption of the subtitle beside movie.avi
   zyrsub render movie.srt --at 1:30  the caption on screen after a minute and a half, as a picture
   zyrsub play movie.srt              the captions in real time, in a window
+  zyrsub report movie.smi -o movie.html   all of it as a page to look at
   zyrsub convert movie.smi -o movie.srt   the captions as a file of another format
   zyrsub find movie.avi              which subtitle a player finds for the movie, and why
   zyrsub lint movie.srt              what the box makes of the file that was not meant
@@ -64,6 +65,13 @@ static constexpr const char *RENDER_FOOTER = R"(Examples:
 
 Outputs: )";
 
+static constexpr const char *REPORT_FOOTER = R"(Examples:
+  zyrsub report movie.smi -o movie.html                         the page, drawn for lcd
+  zyrsub report movie.srt -o movie.html --outputs lcd,hdmi-720p to switch between two outputs
+  zyrsub report movie.srt -o movie.html --watch                 the open page follows each saving of the file
+
+The page needs no network and no other file. Outputs: )";
+
 static constexpr const char *PLAY_FOOTER = R"(Keys:
   space        pause and go on
   left, right  5 seconds back, on
@@ -76,6 +84,7 @@ static constexpr const char *PLAY_FOOTER = R"(Keys:
 Examples:
   zyrsub play movie.srt
   zyrsub play movie.smi --from 10:00 --speed 2 --output hdmi-720p
+  zyrsub play movie.srt --watch          each saving of the file shows at the same time
   zyrsub play movie.srt --terminal       as text, where there is no window system)";
 
 static void Set_Time(const std::string &strName, const std::string &strText, std::optional<uint32_t> &uiMs)
@@ -135,19 +144,17 @@ static void Add_SourceOptions(CLI::App *pstApp, Options &stOptions, bool bSevera
                      "show the library's log of errors; -vv: all of its log");
 }
 
-static void Add_ScreenOptions(CLI::App *pstApp, Options &stOptions)
+static uint32_t Find_Output(const std::string &strOption, const std::string &strName)
+{
+    for (uint32_t uiOutput = 0; uiOutput < Count_Outputs(); ++uiOutput)
+        if (strName == Get_Output(uiOutput).pszName) return uiOutput;
+    throw CLI::ValidationError(strOption, "there is no output '" + strName + "' (see --help)");
+}
+
+// The size and place of captions, on any output.
+static void Add_TextOptions(CLI::App *pstApp, Options &stOptions)
 {
     ScreenOptions &stScreen = stOptions.stScreen;
-    pstApp
-        ->add_option_function<std::string>(
-            "--output",
-            [&stScreen](const std::string &strName) {
-                for (stScreen.uiOutput = 0; stScreen.uiOutput < Count_Outputs(); ++stScreen.uiOutput)
-                    if (strName == Get_Output(stScreen.uiOutput).pszName) return;
-                throw CLI::ValidationError("--output", "there is no output '" + strName + "' (see --help)");
-            },
-            "the display's output [lcd]")
-        ->type_name("NAME");
     pstApp
         ->add_option("--font-size", stScreen.uiFontSize,
                      "28, 32, 36 or 40: 4, 8, 12 or 16 pixels more than the output's own size (24, 28 or 32)")
@@ -158,6 +165,18 @@ static void Add_ScreenOptions(CLI::App *pstApp, Options &stOptions)
                      "pixels between the caption and the display's bottom [16]")
         ->check(CLI::Range(0, 4096))
         ->type_name("N");
+}
+
+static void Add_ScreenOptions(CLI::App *pstApp, Options &stOptions)
+{
+    ScreenOptions &stScreen = stOptions.stScreen;
+    pstApp
+        ->add_option_function<std::string>(
+            "--output",
+            [&stScreen](const std::string &strName) { stScreen.uiOutput = Find_Output("--output", strName); },
+            "the display's output [lcd]")
+        ->type_name("NAME");
+    Add_TextOptions(pstApp, stOptions);
     pstApp->add_option("--background", stScreen.strBackground, "PNG to draw over, instead of black")
         ->type_name("FILE");
 }
@@ -316,7 +335,41 @@ static void Add_PlayCommand(CLI::App &stApp, CommandLine &stLine)
         ->check(CLI::Range(0.01, 1000.0))
         ->type_name("X");
     pstPlay->add_flag("--terminal", stPlay.bTerminal, "as text in the terminal");
+    pstPlay->add_flag("--watch", stLine.stOptions.bWatch, "show each saving of the file, at the same time");
     pstPlay->footer(PLAY_FOOTER);
+}
+
+static std::vector<uint32_t> Find_Outputs(const std::string &strNames)
+{
+    std::vector<uint32_t> auiOutputs;
+    if (strNames == "all")
+        for (uint32_t uiOutput = 0; uiOutput < Count_Outputs(); ++uiOutput) auiOutputs.push_back(uiOutput);
+    else
+        for (const std::string &strName : CLI::detail::split(strNames, ','))
+            auiOutputs.push_back(Find_Output("--outputs", strName));
+    return auiOutputs;
+}
+
+static void Add_ReportCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    PageOptions &stPage = stLine.stOptions.stPage;
+    CLI::App *pstReport =
+        Add_Command(stApp, stLine, "report", "A page that shows all captions as the box does", Run_Report);
+    Add_SourceOptions(pstReport, stLine.stOptions, false);
+    pstReport->add_option("-o", stPage.strFile, "the page to write; - is standard output")
+        ->required()
+        ->type_name("FILE");
+    pstReport
+        ->add_option_function<std::string>(
+            "--outputs",
+            [&stPage](const std::string &strNames) { stPage.auiOutputs = Find_Outputs(strNames); },
+            "the displays' outputs to choose from, with commas between them; all: every one [lcd]")
+        ->type_name("NAMES");
+    Add_TextOptions(pstReport, stLine.stOptions);
+    pstReport->add_flag("--watch", stLine.stOptions.bWatch,
+                        "stay, and write the page anew whenever the file is saved");
+    pstReport->add_flag("--force", stPage.bForce, "replace an existing file");
+    pstReport->footer(std::string(REPORT_FOOTER) + List_OutputNames());
 }
 
 static void Add_ConvertCommand(CLI::App &stApp, CommandLine &stLine)
@@ -406,6 +459,7 @@ CommandLine Read_CommandLine(int iArguments, char **ppszArguments)
     Add_LintCommand(stApp, stLine);
     Add_RenderCommand(stApp, stLine);
     Add_PlayCommand(stApp, stLine);
+    Add_ReportCommand(stApp, stLine);
     Add_ConvertCommand(stApp, stLine);
     try {
         stApp.parse(iArguments, ppszArguments);

@@ -12,6 +12,7 @@ ExitCode Run_Find(const Options &stOptions);
 ExitCode Run_Render(const Options &stOptions);
 ExitCode Run_Lint(const Options &stOptions);
 ExitCode Run_Play(const Options &stOptions);
+ExitCode Run_Report(const Options &stOptions);
 
 // One input, or several that fail alike, give the failure's own code.
 ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes);

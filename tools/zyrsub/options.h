@@ -46,6 +46,12 @@ struct LintOptions {
     uint32_t uiFontSize = 0;        // 0: the output's own
 };
 
+struct PageOptions {
+    std::string strFile;              // "-": standard output
+    std::vector<uint32_t> auiOutputs; // as zyrCaptions_getOutput() counts them; none: the first
+    bool bForce = false;
+};
+
 // The output, or one without a name; and how many there are.
 ZyrCaptionOutput Get_Output(uint32_t uiOutput);
 uint32_t Count_Outputs();
@@ -73,8 +79,10 @@ struct Options {
     RenderOptions stRender;
     PlayOptions stPlay;
     LintOptions stLint;
+    PageOptions stPage;
     ConvertOptions stConvert;
-    int iVerbose = 0; // 1: the library's errors, 2: all it logs
+    bool bWatch = false; // report, play: go on with the file as it is written anew
+    int iVerbose = 0;    // 1: the library's errors, 2: all it logs
     std::vector<std::string> astrMovies;
 };
 

@@ -32,6 +32,9 @@ void Paste_Picture(Picture &stTarget, const Picture &stSource, uint32_t uiX, uin
 Outcome Read_Png(const std::string &strPath, Picture &stPicture);
 Outcome Write_Png(const std::string &strPath, const Picture &stPicture);
 
+// As small as libpng makes it without loss: with a palette where there are few colours. Empty when it fails.
+std::string Encode_Png(const Picture &stPicture);
+
 // A PNG written in bands from the top, so that a tall one needs little memory.
 class PngWriter
 {

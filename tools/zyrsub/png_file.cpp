@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <png.h>
+#include <unordered_map>
 
 // Larger pictures than any display's are refused before memory is asked for them.
 static constexpr uint32_t MAX_SIDE = 16384;
@@ -32,6 +33,55 @@ Outcome Write_Png(const std::string &strPath, const Picture &stPicture)
     PngWriter stWriter(strPath, stPicture.uiWidth, stPicture.uiHeight);
     stWriter.Write_Band(stPicture);
     return stWriter.Finish();
+}
+
+// The number of each pixel's colour, and the colours; none when they are more than a palette holds.
+struct Palette {
+    std::vector<uint8_t> aucPixels;
+    std::vector<uint32_t> auiColors; // the four bytes of a pixel, as they stand in memory
+};
+
+static constexpr size_t MOST_COLORS = 256;
+
+static Palette Make_Palette(const Picture &stPicture)
+{
+    Palette stPalette;
+    std::unordered_map<uint32_t, uint8_t> astNumbers;
+    stPalette.aucPixels.reserve(stPicture.aucRgba.size() / 4);
+    for (size_t uiByte = 0; uiByte < stPicture.aucRgba.size(); uiByte += 4) {
+        uint32_t uiColor = 0;
+        std::memcpy(&uiColor, &stPicture.aucRgba[uiByte], sizeof uiColor);
+        const auto [stPlace, bNew] =
+            astNumbers.try_emplace(uiColor, static_cast<uint8_t>(stPalette.auiColors.size()));
+        if (bNew && stPalette.auiColors.size() == MOST_COLORS) return {};
+        if (bNew) stPalette.auiColors.push_back(uiColor);
+        stPalette.aucPixels.push_back(stPlace->second);
+    }
+    return stPalette;
+}
+
+static std::string Write_Memory(png_image &stImage, const void *pvPixels, const void *pvColors)
+{
+    png_alloc_size_t uiBytes = PNG_IMAGE_PNG_SIZE_MAX(stImage);
+    std::string strBytes(uiBytes, '\0');
+    if (png_image_write_to_memory(&stImage, strBytes.data(), &uiBytes, 0, pvPixels, 0, pvColors) == 0)
+        return "";
+    strBytes.resize(uiBytes);
+    return strBytes;
+}
+
+std::string Encode_Png(const Picture &stPicture)
+{
+    png_image stImage = {};
+    stImage.version = PNG_IMAGE_VERSION;
+    stImage.width = stPicture.uiWidth;
+    stImage.height = stPicture.uiHeight;
+    stImage.format = PNG_FORMAT_RGBA;
+    const Palette stPalette = Make_Palette(stPicture);
+    if (stPalette.auiColors.empty()) return Write_Memory(stImage, stPicture.aucRgba.data(), nullptr);
+    stImage.format = PNG_FORMAT_RGBA_COLORMAP;
+    stImage.colormap_entries = static_cast<png_uint_32>(stPalette.auiColors.size());
+    return Write_Memory(stImage, stPalette.aucPixels.data(), stPalette.auiColors.data());
 }
 
 struct PngWriter::State {

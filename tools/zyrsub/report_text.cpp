@@ -17,7 +17,7 @@ static bool Is_Ansi(const ZyrCaptionsFile &stFile)
     return stFile.pszCodePage != nullptr;
 }
 
-static std::string Describe_Encoding(const ZyrCaptionsFile &stFile)
+std::string Describe_Encoding(const ZyrCaptionsFile &stFile)
 {
     if (!Is_Ansi(stFile)) return stFile.pszEncoding;
     return std::string("ANSI, read as ") + stFile.pszCodePage +

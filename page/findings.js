@@ -1,0 +1,62 @@
+"use strict";
+// What is wrong with the file: groups by code, the worst first; a group is filled when it is opened.
+Zyr.Findings = class {
+    // findings: {code, severity, title, sentence, line, column, text, caption}; onPick gets one of them.
+    constructor(root, findings, onPick) {
+        this.onPick = onPick;
+        root.append(Zyr.make("h2", { textContent: "Findings" }));
+        if (findings.length === 0) root.append(Zyr.make("p", { className: "none", textContent: "Nothing was found." }));
+        this.groups = [...Zyr.Findings.group(findings)].map(([code, group], at) => this.makeGroup(code, group, at === 0));
+        root.append(...this.groups);
+    }
+
+    static group(findings) {
+        const groups = new Map();
+        const rank = (finding) => Zyr.SEVERITIES.indexOf(finding.severity);
+        for (const finding of [...findings].sort((a, b) => rank(a) - rank(b) || a.code.localeCompare(b.code) || a.line - b.line)) {
+            const key = `${finding.severity} ${finding.code}`;
+            groups.set(key, [...(groups.get(key) || []), finding]);
+        }
+        return groups;
+    }
+
+    makeGroup(key, group, open) {
+        const [first] = group;
+        const details = Zyr.make("details", { className: `group ${first.severity}` },
+            Zyr.make("summary", {}, Zyr.Findings.makeBadge(first), " ", Zyr.make("b", { textContent: first.title }), " ",
+                Zyr.make("span", { className: "code", textContent: first.code }), " ",
+                Zyr.make("span", { className: "times", textContent: Zyr.count(group.length, "time") })));
+        details.group = group;
+        details.addEventListener("toggle", () => this.fill(details));
+        details.open = open;
+        return details;
+    }
+
+    fill(details) {
+        if (!details.open || details.querySelector("ul")) return;
+        const items = details.group.map((finding) => {
+            const item = Zyr.Findings.makeItem(finding);
+            const go = Zyr.make("button", { type: "button", className: "go", textContent: Zyr.Findings.namePlace(finding), onclick: () => this.onPick(finding) });
+            item.querySelector(".place").replaceWith(go);
+            return item;
+        });
+        details.append(Zyr.make("ul", { className: "told" }, items));
+    }
+
+    static namePlace(finding) {
+        return finding.line === 0 ? "the file" : `line ${finding.line}`;
+    }
+
+    static makeBadge(finding) {
+        return Zyr.make("span", { className: `badge ${finding.severity}`, textContent: finding.severity });
+    }
+
+    static makeItem(finding) {
+        return Zyr.make("li", { className: finding.severity },
+            Zyr.Findings.makeBadge(finding), " ",
+            Zyr.make("span", { className: "place", textContent: Zyr.Findings.namePlace(finding) }), " ",
+            Zyr.make("span", { className: "code", textContent: finding.code }), " ",
+            Zyr.make("span", { className: "sentence", textContent: finding.sentence }),
+            finding.text !== "" && Zyr.make("code", { className: "source", dir: "auto", textContent: finding.text }));
+    }
+};

@@ -1,0 +1,209 @@
+#include "page_data.h"
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <unordered_map>
+
+#include "base64.h"
+#include "caption_screen.h"
+#include "file_tree.h"
+#include "line_ends.h"
+#include "report_text.h"
+#include "text_tools.h"
+#include "time_text.h"
+
+using nlohmann::ordered_json;
+
+static constexpr int32_t OPEN_MS = 5000; // how long the timeline shows what nothing ends
+
+// SAMI clears the screen by captions without text: they are ends, and not worth a place of their own.
+static bool Is_Listed(const CaptionFile &stFile, const ZyrCaption &stCaption)
+{
+    return stFile.Get_File().uiFormat != ZYR_CAPTIONS_SAMI || Has_VisibleText(stCaption.pszText);
+}
+
+// Each text once, in the order of the captions: films repeat themselves.
+class TextTable
+{
+public:
+    ordered_json Add(const std::string &strText)
+    {
+        if (!Has_VisibleText(strText)) return nullptr;
+        const auto [stPlace, bNew] = m_auiPlaces.try_emplace(strText, m_astrTexts.size());
+        if (bNew) m_astrTexts.push_back(strText);
+        return stPlace->second;
+    }
+    const std::vector<std::string> &Get() const { return m_astrTexts; }
+
+private:
+    std::unordered_map<std::string, size_t> m_auiPlaces;
+    std::vector<std::string> m_astrTexts;
+};
+
+// A class by name, for classes need not have the same numbers where the file is read otherwise.
+using Moment = std::pair<std::string, int32_t>;
+struct BoxCaption {
+    int32_t iEnd;
+    std::string strText;
+};
+using BoxCaptions = std::multimap<Moment, BoxCaption>;
+
+static BoxCaptions Read_BoxCaptions(const CaptionFile &stFile, SourceOptions stSource)
+{
+    stSource.bRawLineEnds = true;
+    stSource.bVerbose = false;
+    CaptionFile stBox;
+    BoxCaptions astCaptions;
+    if (!stBox.Open(stFile.Get_File().pszFile, stSource).IsGood()) return astCaptions;
+    for (uint32_t uiIndex = 0; uiIndex < stBox.Count(); ++uiIndex) {
+        const ZyrCaption stCaption = stBox.Get_Caption(uiIndex);
+        astCaptions.emplace(Moment(stBox.Get_ClassName(stCaption.uiClass), stCaption.iStart),
+                            BoxCaption{stCaption.iEnd, stCaption.pszText});
+    }
+    return astCaptions;
+}
+
+// What the box gets at that moment; a caption that it shows alike is taken, so that a second one needs its own.
+static void Compare_Box(const CaptionFile &stFile, const ZyrCaption &stCaption, BoxCaptions &astBox,
+                        ordered_json &jsCaption)
+{
+    const auto [stFirst, stLast] =
+        astBox.equal_range({stFile.Get_ClassName(stCaption.uiClass), stCaption.iStart});
+    jsCaption["box"] = stFirst == stLast ? "missing" : "differs";
+    for (auto stPlace = stFirst; stPlace != stLast; ++stPlace) {
+        if (stPlace->second.iEnd != stCaption.iEnd || stPlace->second.strText != stCaption.pszText) continue;
+        jsCaption["box"] = "same";
+        astBox.erase(stPlace);
+        return;
+    }
+    if (stFirst != stLast) jsCaption["boxLines"] = Split_Lines(stFirst->second.strText);
+}
+
+static ordered_json Describe_Caption(const ZyrCaption &stCaption, TextTable &stTexts)
+{
+    const bool bOpen = stCaption.iEnd == ZYR_CAPTIONS_OPEN_END;
+    const bool bStays = stCaption.iShownUntil == ZYR_CAPTIONS_OPEN_END;
+    const int64_t llUntil = bStays ? int64_t{stCaption.iStart} + OPEN_MS : stCaption.iShownUntil;
+    return {{"start", stCaption.iStart},
+            {"end", bOpen ? ordered_json() : ordered_json(stCaption.iEnd)},
+            {"until", std::max<int64_t>(llUntil, stCaption.iStart)},
+            {"class", stCaption.uiClass},
+            {"lines", Split_Lines({stCaption.pszText, stCaption.uiTextBytes})},
+            {"source", stCaption.uiSource},
+            {"picture", stTexts.Add(stCaption.pszText)},
+            {"box", "same"}};
+}
+
+static ordered_json Describe_Captions(const CaptionFile &stFile, const SourceOptions &stSource,
+                                      bool bBoxReads, TextTable &stTexts)
+{
+    BoxCaptions astBox;
+    if (!bBoxReads) astBox = Read_BoxCaptions(stFile, stSource);
+    ordered_json jsCaptions = ordered_json::array();
+    for (uint32_t uiIndex = 0; uiIndex < stFile.Count(); ++uiIndex) {
+        const ZyrCaption stCaption = stFile.Get_Caption(uiIndex);
+        if (!Is_Listed(stFile, stCaption)) continue;
+        ordered_json jsCaption = Describe_Caption(stCaption, stTexts);
+        if (!bBoxReads) Compare_Box(stFile, stCaption, astBox, jsCaption);
+        jsCaptions.push_back(std::move(jsCaption));
+    }
+    return jsCaptions;
+}
+
+static ordered_json Describe_Classes(const CaptionFile &stFile)
+{
+    ordered_json jsClasses = ordered_json::array();
+    for (const uint32_t uiClass : stFile.List_Classes()) {
+        const ZyrCaptionClass stClass = stFile.Get_Class(uiClass);
+        jsClasses.push_back({{"index", uiClass},
+                             {"name", stClass.pszName},
+                             {"language", stClass.pszLanguage == nullptr ? "" : stClass.pszLanguage}});
+    }
+    return jsClasses;
+}
+
+static std::string Describe_Languages(const CaptionFile &stFile)
+{
+    std::vector<std::string> astrNames;
+    for (const uint32_t uiClass : stFile.List_Classes())
+        astrNames.push_back(Show_ClassName(stFile.Get_ClassName(uiClass)));
+    return Join_Lines(astrNames, ", ");
+}
+
+// Rows for the page's head, each a name and a value.
+static ordered_json Describe_Facts(const CaptionFile &stFile, const LineEnds &stEnds, size_t uiListed)
+{
+    const ZyrCaptionsFile stInfo = stFile.Get_File();
+    ordered_json jsFacts = ordered_json::array();
+    jsFacts.push_back({"format", stInfo.pszFormat});
+    jsFacts.push_back({"encoding", Describe_Encoding(stInfo)});
+    jsFacts.push_back({"line ends", Describe_LineEnds(stEnds, stFile.Count())});
+    if (*stInfo.pszTitle != '\0') jsFacts.push_back({"title", stInfo.pszTitle});
+    jsFacts.push_back({"captions", std::to_string(uiListed)});
+    if (uiListed == 0) jsFacts.push_back({"no caption", stFile.Explain_Empty()});
+    if (stInfo.uiClasses > 1) jsFacts.push_back({"languages", Describe_Languages(stFile)});
+    jsFacts.push_back({"last caption ends", Format_Time(static_cast<int32_t>(stFile.Get_End()))});
+    return jsFacts;
+}
+
+static ordered_json Describe_Picture(CaptionScreen &stScreen, const std::string &strText)
+{
+    ZyrCaptionBox stBox = {};
+    const Picture stPicture = stScreen.Draw_Alone(strText, stBox);
+    if (stPicture.aucRgba.empty()) return nullptr;
+    return {{"x", stBox.uiX},
+            {"y", stBox.uiY},
+            {"width", stBox.uiWidth},
+            {"height", stBox.uiHeight},
+            {"png", Encode_Base64(Encode_Png(stPicture))}};
+}
+
+static Outcome Describe_Outputs(const Options &stOptions, const TextTable &stTexts, ordered_json &jsOutputs)
+{
+    std::vector<uint32_t> auiOutputs = stOptions.stPage.auiOutputs;
+    if (auiOutputs.empty()) auiOutputs.push_back(0);
+    size_t uiDone = 0;
+    jsOutputs = ordered_json::array();
+    for (const uint32_t uiOutput : auiOutputs) {
+        ScreenOptions stWanted = stOptions.stScreen;
+        stWanted.uiOutput = uiOutput;
+        CaptionScreen stScreen;
+        Outcome stOpened = stScreen.Open(stWanted);
+        if (!stOpened.IsGood()) return stOpened;
+        ordered_json jsPictures = ordered_json::array();
+        for (const std::string &strText : stTexts.Get()) {
+            jsPictures.push_back(Describe_Picture(stScreen, strText));
+            Show_Progress(++uiDone, stTexts.Get().size() * auiOutputs.size());
+        }
+        jsOutputs.push_back({{"name", Get_Output(uiOutput).pszName},
+                             {"width", stScreen.Get_Width()},
+                             {"height", stScreen.Get_Height()},
+                             {"pictures", std::move(jsPictures)}});
+    }
+    return {};
+}
+
+static std::string Get_FileName(const CaptionFile &stFile)
+{
+    const std::string strPath = stFile.Get_File().pszFile;
+    return strPath.substr(strPath.rfind('/') + 1);
+}
+
+Outcome Describe_Page(const Options &stOptions, const CaptionFile &stFile, ordered_json &jsPage)
+{
+    TextTable stTexts;
+    const LineEnds stEnds = Find_LineEnds(stFile, stOptions.stSource);
+    const bool bBoxReads =
+        stOptions.stSource.bRawLineEnds || stFile.Is_Input() || stEnds.uiLf + stEnds.uiCr == 0;
+    ordered_json jsCaptions = Describe_Captions(stFile, stOptions.stSource, bBoxReads, stTexts);
+    jsPage = {{"schema", 1},
+              {"file",
+               {{"name", Get_FileName(stFile)},
+                {"format", stFile.Get_File().pszFormat},
+                {"end", stFile.Get_End()}}},
+              {"facts", Describe_Facts(stFile, stEnds, jsCaptions.size())},
+              {"classes", Describe_Classes(stFile)},
+              {"findings", ordered_json::array()}};
+    jsPage["captions"] = std::move(jsCaptions);
+    return Describe_Outputs(stOptions, stTexts, jsPage["outputs"]);
+}
