@@ -46,25 +46,28 @@ static void Print_Log(const ZyrCaptions *pstList, bool bAllOfLog)
     }
 }
 
+LoadOptions::LoadOptions(const SourceOptions &stSource)
+    : m_strCodePage(stSource.strCodePage.empty() ? "CP949" : stSource.strCodePage)
+{
+    for (const std::string &strClass : stSource.astrClasses) m_apszClasses.push_back(strClass.c_str());
+    const bool bAuto = Lower_Case(m_strCodePage) == AUTO_CODE_PAGE;
+    m_stOptions.pszCodePage = bAuto ? nullptr : m_strCodePage.c_str();
+    m_stOptions.ppszClasses = m_apszClasses.data();
+    m_stOptions.uiClasses = static_cast<uint32_t>(m_apszClasses.size());
+    if (stSource.bRawLineEnds) m_stOptions.uiFlags |= ZYR_CAPTIONS_BOX_LINE_ENDS;
+    if (stSource.bSingleByte) m_stOptions.uiFlags |= ZYR_CAPTIONS_SINGLE_BYTE;
+    if (stSource.bTogether) m_stOptions.uiFlags |= ZYR_CAPTIONS_TOGETHER;
+    m_stOptions.uiFromMs = stSource.uiFromMs;
+}
+
 Outcome CaptionFile::Open(const std::string &strMovie, const SourceOptions &stOptions)
 {
-    std::vector<const char *> apszClasses;
-    for (const std::string &strClass : stOptions.astrClasses) apszClasses.push_back(strClass.c_str());
-    ZyrCaptionsOptions stLoad = {};
-    const std::string strCodePage = stOptions.strCodePage.empty() ? "CP949" : stOptions.strCodePage;
-    const bool bAuto = Lower_Case(strCodePage) == AUTO_CODE_PAGE;
-    stLoad.pszCodePage = bAuto ? nullptr : strCodePage.c_str();
-    stLoad.ppszClasses = apszClasses.data();
-    stLoad.uiClasses = static_cast<uint32_t>(apszClasses.size());
-    if (stOptions.bRawLineEnds) stLoad.uiFlags |= ZYR_CAPTIONS_BOX_LINE_ENDS;
-    if (stOptions.bSingleByte) stLoad.uiFlags |= ZYR_CAPTIONS_SINGLE_BYTE;
-    if (stOptions.bTogether) stLoad.uiFlags |= ZYR_CAPTIONS_TOGETHER;
-    stLoad.uiFromMs = stOptions.uiFromMs;
+    const LoadOptions stLoad(stOptions);
     if (strMovie == "-") {
         m_strInput.assign(std::istreambuf_iterator<char>(std::cin), {});
-        m_pstList.reset(zyrCaptions_loadMemory(m_strInput.data(), m_strInput.size(), "-", &stLoad));
+        m_pstList.reset(zyrCaptions_loadMemory(m_strInput.data(), m_strInput.size(), "-", stLoad.Get()));
     } else {
-        m_pstList.reset(zyrCaptions_load(strMovie.c_str(), &stLoad));
+        m_pstList.reset(zyrCaptions_load(strMovie.c_str(), stLoad.Get()));
     }
     if (stOptions.bVerbose) Print_Log(Get_List(), stOptions.bAllOfLog);
     const int iError = zyrCaptions_getError(Get_List());

@@ -26,6 +26,21 @@ struct SourceOptions {
     bool bAllOfLog = false;
 };
 
+// The same as the library takes it; the source options outlive it.
+class LoadOptions
+{
+public:
+    explicit LoadOptions(const SourceOptions &stSource);
+    LoadOptions(const LoadOptions &) = delete;
+    LoadOptions &operator=(const LoadOptions &) = delete;
+    const ZyrCaptionsOptions *Get() const { return &m_stOptions; }
+
+private:
+    std::string m_strCodePage;
+    std::vector<const char *> m_apszClasses;
+    ZyrCaptionsOptions m_stOptions = {};
+};
+
 struct Frame {
     uint32_t uiClass = 0; // ZYR_CAPTIONS_ALL: the classes' texts joined
     int32_t iStart = 0;   // ms

@@ -90,13 +90,15 @@ static Outcome Make_Report(const Options &stOptions, const CaptionFile &stFile, 
     return stOutcome;
 }
 
+// Of a file that the box refuses the findings tell why.
 static Outcome Open_And_Report(const Options &stOptions, unsigned uiWriting, std::string &strSubtitle)
 {
     CaptionFile stFile;
-    Outcome stOutcome = stFile.Open(stOptions.astrMovies.front(), stOptions.stSource);
-    if (!stOutcome.IsGood()) return stOutcome;
+    Outcome stOpened = stFile.Open(stOptions.astrMovies.front(), stOptions.stSource);
+    if (!stOpened.IsGood() && stOpened.eCode != E_EXIT_NOT_SUBTITLE) return stOpened;
     strSubtitle = stFile.Get_File().pszFile;
-    return Make_Report(stOptions, stFile, uiWriting);
+    Outcome stMade = Make_Report(stOptions, stFile, uiWriting);
+    return stMade.IsGood() ? stOpened : stMade;
 }
 
 // Until it is interrupted. A file that cannot be read just now may be good again at its next writing.
@@ -129,6 +131,7 @@ ExitCode Run_Report(const Options &stOptions)
     Outcome stOutcome = Check_Options(stOptions);
     if (stOutcome.IsGood()) stOutcome = Open_And_Report(stOptions, 1, strSubtitle);
     if (!stOutcome.IsGood()) Report_Problem(stOptions.astrMovies.front(), stOutcome.strText);
-    if (stOutcome.IsGood() && stOptions.bWatch) Watch_File(stOptions, strSubtitle);
+    const bool bMade = stOutcome.IsGood() || stOutcome.eCode == E_EXIT_NOT_SUBTITLE;
+    if (bMade && stOptions.bWatch) Watch_File(stOptions, strSubtitle);
     return stOutcome.eCode;
 }

@@ -47,8 +47,8 @@ struct LintOptions {
 };
 
 struct PageOptions {
-    std::string strFile;              // "-": standard output
-    std::vector<uint32_t> auiOutputs; // as zyrCaptions_getOutput() counts them; none: the first
+    std::string strFile;                    // "-": standard output
+    std::vector<uint32_t> auiOutputs = {0}; // as zyrCaptions_getOutput() counts them
     bool bForce = false;
 };
 

@@ -1,6 +1,7 @@
 #include "page_data.h"
 
 #include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
@@ -11,15 +12,67 @@
 #include "report_text.h"
 #include "text_tools.h"
 #include "time_text.h"
+#include "zyr/zyr_findings.h"
 
 using nlohmann::ordered_json;
 
 static constexpr int32_t OPEN_MS = 5000; // how long the timeline shows what nothing ends
 
-// SAMI clears the screen by captions without text: they are ends, and not worth a place of their own.
-static bool Is_Listed(const CaptionFile &stFile, const ZyrCaption &stCaption)
+using FindingsPtr = std::unique_ptr<ZyrFindings, void (*)(ZyrFindings *)>;
+
+// Those of the first output; the captions of the two loads have the same numbers.
+static FindingsPtr Load_Findings(const Options &stOptions, const CaptionFile &stFile)
 {
-    return stFile.Get_File().uiFormat != ZYR_CAPTIONS_SAMI || Has_VisibleText(stCaption.pszText);
+    const LoadOptions stLoad(stOptions.stSource);
+    ZyrFindingsOptions stFind = {};
+    stFind.pstCaptions = stLoad.Get();
+    stFind.uiFontSize = stOptions.stScreen.uiFontSize;
+    stFind.pszOutput = Get_Output(stOptions.stPage.auiOutputs.front()).pszName;
+    const std::string strBytes = stFile.Is_Input() ? stFile.Read_Bytes() : "";
+    ZyrFindings *const pstFindings =
+        stFile.Is_Input() ? zyrFindings_loadMemory(strBytes.data(), strBytes.size(), "-", &stFind)
+                          : zyrFindings_load(stFile.Get_File().pszFile, &stFind);
+    return {pstFindings, zyrFindings_free};
+}
+
+// SAMI clears the screen by captions without text: they are ends, and not worth a place of their own.
+static bool Is_Listed(const CaptionFile &stFile, uint32_t uiIndex)
+{
+    return stFile.Get_File().uiFormat != ZYR_CAPTIONS_SAMI ||
+           Has_VisibleText(stFile.Get_Caption(uiIndex).pszText);
+}
+
+// The places of captions on the page; null for those that have none.
+static std::vector<ordered_json> List_Places(const CaptionFile &stFile)
+{
+    std::vector<ordered_json> ajsPlaces;
+    size_t uiListed = 0;
+    for (uint32_t uiIndex = 0; uiIndex < stFile.Count(); ++uiIndex)
+        ajsPlaces.push_back(Is_Listed(stFile, uiIndex) ? ordered_json(uiListed++) : ordered_json());
+    return ajsPlaces;
+}
+
+static ordered_json Describe_Findings(const ZyrFindings *pstFindings, const CaptionFile &stFile)
+{
+    const std::vector<ordered_json> ajsPlaces = List_Places(stFile);
+    ordered_json jsFindings = ordered_json::array();
+    for (uint32_t uiIndex = 0; uiIndex < zyrFindings_count(pstFindings); ++uiIndex) {
+        ZyrFinding stFinding;
+        ZyrFindingRule stRule;
+        zyrFindings_get(pstFindings, uiIndex, &stFinding);
+        zyrFindings_getRule(stFinding.uiRule, &stRule);
+        const bool bCaption = stFinding.uiCaption < ajsPlaces.size();
+        jsFindings.push_back({{"code", stRule.pszCode},
+                              {"severity", stRule.pszSeverity},
+                              {"title", stRule.pszTitle},
+                              {"sentence", stFinding.pszSentence},
+                              {"line", stFinding.uiLine},
+                              {"column", stFinding.uiColumn},
+                              {"offset", stFinding.uiOffset},
+                              {"text", stFinding.pszText},
+                              {"caption", bCaption ? ajsPlaces[stFinding.uiCaption] : ordered_json()}});
+    }
+    return jsFindings;
 }
 
 // Each text once, in the order of the captions: films repeat themselves.
@@ -101,8 +154,8 @@ static ordered_json Describe_Captions(const CaptionFile &stFile, const SourceOpt
     if (!bBoxReads) astBox = Read_BoxCaptions(stFile, stSource);
     ordered_json jsCaptions = ordered_json::array();
     for (uint32_t uiIndex = 0; uiIndex < stFile.Count(); ++uiIndex) {
+        if (!Is_Listed(stFile, uiIndex)) continue;
         const ZyrCaption stCaption = stFile.Get_Caption(uiIndex);
-        if (!Is_Listed(stFile, stCaption)) continue;
         ordered_json jsCaption = Describe_Caption(stCaption, stTexts);
         if (!bBoxReads) Compare_Box(stFile, stCaption, astBox, jsCaption);
         jsCaptions.push_back(std::move(jsCaption));
@@ -160,8 +213,7 @@ static ordered_json Describe_Picture(CaptionScreen &stScreen, const std::string 
 
 static Outcome Describe_Outputs(const Options &stOptions, const TextTable &stTexts, ordered_json &jsOutputs)
 {
-    std::vector<uint32_t> auiOutputs = stOptions.stPage.auiOutputs;
-    if (auiOutputs.empty()) auiOutputs.push_back(0);
+    const std::vector<uint32_t> &auiOutputs = stOptions.stPage.auiOutputs;
     size_t uiDone = 0;
     jsOutputs = ordered_json::array();
     for (const uint32_t uiOutput : auiOutputs) {
@@ -203,7 +255,7 @@ Outcome Describe_Page(const Options &stOptions, const CaptionFile &stFile, order
                 {"end", stFile.Get_End()}}},
               {"facts", Describe_Facts(stFile, stEnds, jsCaptions.size())},
               {"classes", Describe_Classes(stFile)},
-              {"findings", ordered_json::array()}};
+              {"findings", Describe_Findings(Load_Findings(stOptions, stFile).get(), stFile)}};
     jsPage["captions"] = std::move(jsCaptions);
     return Describe_Outputs(stOptions, stTexts, jsPage["outputs"]);
 }
