@@ -43,9 +43,10 @@ Zyr.CaptionList = class {
         return Zyr.make("div", { className: "shot" }, Zyr.make("img", { alt: "" }));
     }
 
-    // What the box makes of it where that is something else.
+    // What the box makes of it where that is something else and no finding says so.
     static makeBox(caption) {
-        if (caption.box === "same") return null;
+        const told = caption.box === "missing" && caption.findings.some((finding) => finding.severity === "lost");
+        if (caption.box === "same" || told) return null;
         if (caption.box === "missing") return Zyr.make("p", { className: "box", textContent: "Not shown on the box, which reads only CR LF as a line end." });
         return Zyr.make("div", { className: "box" }, Zyr.make("p", { textContent: "On the box, which reads only CR LF as a line end:" }),
             Zyr.CaptionList.makeText(caption, caption.boxLines));

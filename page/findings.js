@@ -1,12 +1,13 @@
 "use strict";
 // What is wrong with the file: groups by code, the worst first; a group is filled when it is opened.
 Zyr.Findings = class {
-    // findings: {code, severity, title, sentence, line, column, text, caption}; onPick gets one of them.
+    // findings: {code, severity, title, sentence, line, text, shown}; shown is the caption that it stands with, or null.
+    // onPick gets one of them.
     constructor(root, findings, onPick) {
         this.onPick = onPick;
         root.append(Zyr.make("h2", { textContent: "Findings" }));
         if (findings.length === 0) root.append(Zyr.make("p", { className: "none", textContent: "Nothing was found." }));
-        this.groups = [...Zyr.Findings.group(findings)].map(([code, group], at) => this.makeGroup(code, group, at === 0));
+        this.groups = Zyr.Findings.group(findings).map((group, at) => this.makeGroup(group, at === 0 && matchMedia("(min-width: 901px)").matches));
         root.append(...this.groups);
     }
 
@@ -17,15 +18,15 @@ Zyr.Findings = class {
             const key = `${finding.severity} ${finding.code}`;
             groups.set(key, [...(groups.get(key) || []), finding]);
         }
-        return groups;
+        return [...groups.values()];
     }
 
-    makeGroup(key, group, open) {
+    makeGroup(group, open) {
         const [first] = group;
         const details = Zyr.make("details", { className: `group ${first.severity}` },
             Zyr.make("summary", {}, Zyr.Findings.makeBadge(first), " ", Zyr.make("b", { textContent: first.title }), " ",
                 Zyr.make("span", { className: "code", textContent: first.code }), " ",
-                Zyr.make("span", { className: "times", textContent: Zyr.count(group.length, "time") })));
+                Zyr.make("span", { className: "many", textContent: Zyr.count(group.length, "time") })));
         details.group = group;
         details.addEventListener("toggle", () => this.fill(details));
         details.open = open;
@@ -36,8 +37,8 @@ Zyr.Findings = class {
         if (!details.open || details.querySelector("ul")) return;
         const items = details.group.map((finding) => {
             const item = Zyr.Findings.makeItem(finding);
-            const go = Zyr.make("button", { type: "button", className: "go", textContent: Zyr.Findings.namePlace(finding), onclick: () => this.onPick(finding) });
-            item.querySelector(".place").replaceWith(go);
+            const place = Zyr.Findings.namePlace(finding);
+            if (finding.shown !== null) item.querySelector(".place").replaceWith(Zyr.make("button", { type: "button", className: "go", textContent: place, onclick: () => this.onPick(finding) }));
             return item;
         });
         details.append(Zyr.make("ul", { className: "told" }, items));
@@ -57,6 +58,6 @@ Zyr.Findings = class {
             Zyr.make("span", { className: "place", textContent: Zyr.Findings.namePlace(finding) }), " ",
             Zyr.make("span", { className: "code", textContent: finding.code }), " ",
             Zyr.make("span", { className: "sentence", textContent: finding.sentence }),
-            finding.text !== "" && Zyr.make("code", { className: "source", dir: "auto", textContent: finding.text }));
+            finding.text.trim() !== "" && Zyr.make("code", { className: "source", dir: "auto", textContent: finding.text }));
     }
 };

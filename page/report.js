@@ -132,14 +132,17 @@
         byId("keys").append(Zyr.make("dl", {}, rows.flatMap(([key, what]) => [Zyr.make("dt", { textContent: key }), Zyr.make("dd", { textContent: what })])));
     }
 
-    // The address may be of another writing of the file: there the caption at that time is meant.
+    // The address may be of another writing of the file: there the caption at that time is meant. Without one the first.
     function findAgain() {
         const { caption, at } = state.values;
-        if (caption < 0 || captions.length === 0 || captions[caption]?.start === at) return;
+        if (captions.length === 0 || captions[caption]?.start === at) return;
+        if (caption < 0) return choose(0);
         const off = (each) => Math.abs(each.start - at);
-        choose(captions.reduce((a, b) => (off(b) < off(a) ? b : a)).number);
+        return choose(captions.reduce((a, b) => (off(b) < off(a) ? b : a)).number);
     }
 
+    const asked = state.get("caption") >= 0;
+    document.body.classList.toggle("bare", captions.length === 0);
     pictures.use(state.get("output"));
     findAgain();
     fillHead();
@@ -155,7 +158,7 @@
     if (state.get("to") > state.get("from")) timeline.show(state.get("from"), state.get("to"));
     timeline.onRange = (from, to) => state.set({ from, to });
     filter();
-    showChosen(true);
+    showChosen(asked);
     state.listen((changed) => {
         if (changed.includes("output")) {
             pictures.use(state.get("output"));

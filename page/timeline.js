@@ -25,7 +25,7 @@ Zyr.Timeline = class {
         root.append(Zyr.make("div", { className: "lanes" }, this.slider), Zyr.make("div", { className: "zoom" },
             this.makeButton("−", "Zoom out", () => this.zoom(2)),
             this.makeButton("+", "Zoom in", () => this.zoom(0.5)),
-            this.makeButton("Whole film", "Show the whole film", () => this.show(0, this.end)),
+            this.makeButton("All", "All of the film", () => this.show(0, this.end)),
             this.span));
         this.listen();
         new ResizeObserver(() => {
