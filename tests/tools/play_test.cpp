@@ -103,7 +103,7 @@ private:
     {
         const pid_t iChild = forkpty(&iMaster, nullptr, nullptr, nullptr);
         if (iChild == 0) {
-            execl(ZYRSUB_PROGRAM, ZYRSUB_PROGRAM, "play", "--terminal", strMovie.c_str(), nullptr);
+            execl(ZYRSUB_PROGRAM, ZYRSUB_PROGRAM, "play", "--terminal", "--watch", strMovie.c_str(), nullptr);
             _exit(127);
         }
         return iChild;
@@ -142,6 +142,31 @@ TEST(ZyrsubPlay, TerminalKeys)
         stTerminal.Press(pszKey);
         ASSERT_TRUE(stTerminal.Shows(pszShown)) << pszKey << ": " << pszShown;
     }
+    EXPECT_EQ(stTerminal.Wait(), 0);
+}
+
+// At the same time, in the same language; what cannot be read meanwhile leaves the screen as it is.
+TEST(ZyrsubPlay, SavingShowsAtOnce)
+{
+    const TestFolder stFolder;
+    const std::string strBefore = Read_File(Sample("sami-interleaved.smi"));
+    stFolder.Write("x.smi", strBefore);
+    Terminal stTerminal(stFolder.Path("x.smi"));
+    if (!stTerminal.Is_There()) GTEST_SKIP() << "no pseudo terminal here: " << std::strerror(errno);
+    for (const auto &[pszKey, pszShown] : {std::pair(" ", "paused"),
+                                           {"\x1b[C", "every ship counts along."},
+                                           {"l", "  KRCC  paused"},
+                                           {"l", "  ENCC  paused"}}) {
+        stTerminal.Press(pszKey);
+        ASSERT_TRUE(stTerminal.Shows(pszShown));
+    }
+    stFolder.Write("x.smi", "");
+    stFolder.Write("new.smi", std::string(strBefore).replace(strBefore.find("and every ship"), 3, "yet"));
+    std::filesystem::rename(stFolder.Path("new.smi"), stFolder.Path("x.smi"));
+    EXPECT_TRUE(stTerminal.Shows("0:00:05.")) << "the same time";
+    EXPECT_TRUE(stTerminal.Shows("  ENCC  paused"));
+    EXPECT_TRUE(stTerminal.Shows("yet every ship counts along."));
+    stTerminal.Press("q");
     EXPECT_EQ(stTerminal.Wait(), 0);
 }
 

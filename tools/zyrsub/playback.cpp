@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "commands.h"
+#include "file_watch.h"
 #include "text_tools.h"
 #include "time_text.h"
 
@@ -20,8 +21,23 @@ uint32_t Playback::Get_Class() const
     return m_uiLanguage == 0 ? ZYR_CAPTIONS_ALL : m_auiClasses[m_uiLanguage - 1];
 }
 
+// The language stays by its name; without it, all of them are shown.
+void Playback::Renew()
+{
+    if (!m_pfRenew) return;
+    const std::string strLanguage = m_uiLanguage == 0 ? "" : m_stFile.Get_ClassName(Get_Class());
+    if (!m_pfRenew()) return;
+    m_auiClasses = m_stFile.List_Classes();
+    m_llEnd = m_stFile.Get_End();
+    size_t uiLanguage = m_uiLanguage == 0 ? 0 : m_auiClasses.size();
+    while (uiLanguage > 0 && m_stFile.Get_ClassName(m_auiClasses[uiLanguage - 1]) != strLanguage)
+        --uiLanguage;
+    m_uiLanguage = uiLanguage;
+}
+
 bool Playback::Advance(double dElapsedMs)
 {
+    Renew();
     if (m_bPaused) return false;
     m_dBehind += dElapsedMs * m_dSpeed;
     const auto dChange = static_cast<double>(
@@ -91,13 +107,28 @@ std::string Playback::Describe() const
     return strText;
 }
 
+// A writing that cannot be read leaves what plays in its place: the next one may be whole again.
+static bool Renew_File(const Options &stOptions, FileWatch &stWatch, CaptionFile &stFile)
+{
+    if (!stWatch.Is_New()) return false;
+    CaptionFile stNew;
+    if (!stNew.Open(stOptions.astrMovies.front(), stOptions.stSource).IsGood()) return false;
+    stFile = std::move(stNew);
+    return true;
+}
+
 ExitCode Run_Play(const Options &stOptions)
 {
     const std::string &strMovie = stOptions.astrMovies.front();
     CaptionFile stFile;
-    Outcome stOutcome = stFile.Open(strMovie, stOptions.stSource);
+    Outcome stOutcome;
+    if (stOptions.bWatch && strMovie == "-")
+        stOutcome = {E_EXIT_USAGE, "--watch is for files, not for standard input"};
+    if (stOutcome.IsGood()) stOutcome = stFile.Open(strMovie, stOptions.stSource);
     if (stOutcome.IsGood()) {
         Playback stPlayback(stFile, stOptions.stPlay);
+        FileWatch stWatch(stFile.Get_File().pszFile);
+        if (stOptions.bWatch) stPlayback.Follow([&] { return Renew_File(stOptions, stWatch, stFile); });
         stOutcome =
             stOptions.stPlay.bTerminal ? Play_Terminal(stPlayback) : Play_Window(stOptions, stPlayback);
     }

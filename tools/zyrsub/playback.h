@@ -3,6 +3,7 @@
 #define ZYRSUB_PLAYBACK_H
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,10 @@ public:
     // The file outlives the playback.
     Playback(const CaptionFile &stFile, const PlayOptions &stOptions);
 
+    // From now on: asked whenever time passes, and true when it has put another writing of the file in the place of
+    // the one that plays. The film goes on where it is, in the same language.
+    void Follow(std::function<bool()> pfRenew) { m_pfRenew = std::move(pfRenew); }
+
     // Let so much real time pass. The film stops at every change of the caption on the way, so that none is
     // missed at any speed: true when it stopped before the time was used up, and should be asked again.
     bool Advance(double dElapsedMs);
@@ -48,8 +53,10 @@ private:
     void Seek_Caption(bool bNext);
 
     uint32_t Get_Class() const;
+    void Renew();
 
     const CaptionFile &m_stFile;
+    std::function<bool()> m_pfRenew;
     std::vector<uint32_t> m_auiClasses;
     int64_t m_llEnd; // ms
     double m_dSpeed;
