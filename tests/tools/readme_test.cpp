@@ -1,6 +1,7 @@
 // What README shows is what there is.
 #include <gtest/gtest.h>
 
+#include "picture.h"
 #include "run_program.h"
 
 static const std::string SOURCE = ZYR_SOURCE;
@@ -57,6 +58,19 @@ TEST(Readme, ExamplesRun)
         EXPECT_EQ(stRun.iCode, stCase.iCode) << stCase.pszArgument;
         EXPECT_EQ(stRun.strOut.find(stCase.pszStart), 0U) << stRun.strOut;
     }
+}
+
+// script/pictures makes it; what is drawn has to be the same, however it was packed.
+TEST(Readme, PictureIsDrawnByZyrsub)
+{
+    const TestFolder stFolder;
+    const std::string strStill = stFolder.Path("still.png");
+    ASSERT_EQ(Run_Program("python3 " + SOURCE + "/docs/pictures/still.py " + strStill).iCode, 0);
+    Run_Zyrsub("render sami-bilingual.smi --at 1s --background " + strStill + " -o " + stFolder.Path("x.png"));
+    Picture stDrawn, stShown;
+    ASSERT_TRUE(Read_Png(stFolder.Path("x.png"), stDrawn).IsGood());
+    ASSERT_TRUE(Read_Png(SOURCE + "/docs/pictures/caption.png", stShown).IsGood());
+    EXPECT_TRUE(stDrawn.aucRgba == stShown.aucRgba) << "script/pictures makes it anew";
 }
 
 TEST(Readme, EverySampleIsDescribed)
