@@ -96,7 +96,10 @@ Zyr.CaptionList = class {
         const row = this.rows[number];
         if (!row) return;
         row.querySelector(".pick").setAttribute("aria-current", "true");
-        if (scroll) row.scrollIntoView({ block: "center" });
+        if (!scroll) return;
+        row.scrollIntoView({ block: "center" });
+        // Rows get their real heights as they come into view.
+        requestAnimationFrame(() => row.scrollIntoView({ block: row.offsetHeight > innerHeight / 3 ? "start" : "center" }));
     }
 
     // The next row that is shown, by a step of 1 or -1, and perhaps only such as pass; -1: there is none.

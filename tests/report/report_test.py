@@ -308,8 +308,11 @@ class Watch(PageTest):
             self.wait(lambda: len(self.shown_rows()) == 4)
             self.assertEqual(self.one("li:has([aria-current]) .text").text, "FIVE")
         finally:
-            program.send_signal(signal.SIGTERM)
+            program.send_signal(signal.SIGINT)
             program.communicate()
+        self.assertEqual(program.returncode, 0)
+        self.assertEqual([each for each in os.listdir(self.folder.name) if each.endswith(".js")], [])
+        self.assertNotIn("cut.srt.html.watch.js", self.path("cut.srt.html").read_text(encoding="utf-8"))
 
 
 if __name__ == "__main__":

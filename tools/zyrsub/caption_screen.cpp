@@ -67,6 +67,7 @@ std::vector<std::string> CaptionScreen::List_Missing(const std::string &strText)
     zyrCaptions_getMissing(m_pstScreen.get(), strText.c_str(), auiMissing.data(),
                            static_cast<uint32_t>(auiMissing.size()));
     std::vector<std::string> astrMissing;
+    astrMissing.reserve(auiMissing.size());
     for (const uint32_t uiCharacter : auiMissing) astrMissing.push_back(Show_Character(uiCharacter));
     return astrMissing;
 }

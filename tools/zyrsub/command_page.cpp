@@ -1,10 +1,12 @@
 // zyrsub report: one page that shows a file's captions as the box does, without any other file.
 #include "commands.h"
 
+#include <csignal>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <string_view>
 #include <thread>
+#include <unistd.h>
 
 #include "file_watch.h"
 #include "movie_search.h"
@@ -101,18 +103,30 @@ static Outcome Open_And_Report(const Options &stOptions, unsigned uiWriting, std
     return stMade.IsGood() ? stOpened : stMade;
 }
 
-// Until it is interrupted. A file that cannot be read just now may be good again at its next writing.
-[[noreturn]] static void Watch_File(const Options &stOptions, const std::string &strSubtitle)
+static volatile std::sig_atomic_t s_iStopped = 0;
+
+static void Stop_Watching(int /*iSignal*/)
+{
+    s_iStopped = 1;
+}
+
+// Until it is interrupted; then the page stands alone again. A file that cannot be read just now may be good again at
+// its next writing.
+static void Watch_File(Options stOptions, const std::string &strSubtitle)
 {
     static constexpr std::chrono::milliseconds PAUSE(50);
+    for (const int iSignal : {SIGINT, SIGTERM, SIGHUP}) std::signal(iSignal, Stop_Watching);
     FileWatch stWatch(strSubtitle);
-    for (unsigned uiWriting = 2;;) {
-        std::this_thread::sleep_for(PAUSE);
+    std::string strIgnored;
+    unsigned uiWriting = 1;
+    for (; s_iStopped == 0; std::this_thread::sleep_for(PAUSE)) {
         if (!stWatch.Is_New()) continue;
-        std::string strIgnored;
-        const Outcome stOutcome = Open_And_Report(stOptions, uiWriting++, strIgnored);
+        const Outcome stOutcome = Open_And_Report(stOptions, ++uiWriting, strIgnored);
         if (!stOutcome.IsGood()) Report_Problem(stOptions.astrMovies.front(), stOutcome.strText);
     }
+    stOptions.bWatch = false;
+    Open_And_Report(stOptions, ++uiWriting, strIgnored);
+    unlink(Get_ScriptName(stOptions.stPage.strFile).c_str());
 }
 
 // A slip of the fingers must not cost a subtitle, and a pipe cannot be written anew.
