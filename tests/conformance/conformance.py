@@ -4,7 +4,9 @@
   conformance.py --box COMMAND...  against what the box gets, which ends lines at CR LF alone
   conformance.py --write           make samples/expected anew from libzyrcaptions, by zyrsub in the PATH
 """
+import concurrent.futures
 import json
+import os
 import pathlib
 import subprocess
 import sys
@@ -119,7 +121,8 @@ def print_table(rows):
 
 
 def check(command, box):
-    rows = [make_row(command, path, box) for path in list_samples()]
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        rows = list(pool.map(lambda path: make_row(command, path, box), list_samples()))
     print_table(rows)
     good = sum(not row[-1] for row in rows)
     print(f"\n{good} of {len(rows)} samples come out as expected")

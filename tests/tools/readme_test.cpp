@@ -66,7 +66,8 @@ TEST(Readme, PictureIsDrawnByZyrsub)
     const TestFolder stFolder;
     const std::string strStill = stFolder.Path("still.png");
     ASSERT_EQ(Run_Program("python3 " + SOURCE + "/docs/pictures/still.py " + strStill).iCode, 0);
-    Run_Zyrsub("render sami-bilingual.smi --at 1s --background " + strStill + " -o " + stFolder.Path("x.png"));
+    Run_Zyrsub("render sami-bilingual.smi --at 1s --background " + strStill + " -o " +
+               stFolder.Path("x.png"));
     Picture stDrawn, stShown;
     ASSERT_TRUE(Read_Png(stFolder.Path("x.png"), stDrawn).IsGood());
     ASSERT_TRUE(Read_Png(SOURCE + "/docs/pictures/caption.png", stShown).IsGood());

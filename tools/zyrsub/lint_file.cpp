@@ -21,18 +21,11 @@ static ExitCode Get_ExitCode(int iError)
 
 Outcome LintFile::Open(const std::string &strMovie, const Options &stOptions)
 {
-    const SourceOptions &stSource = stOptions.stSource;
     const LintOptions &stLint = stOptions.stLint;
-    std::vector<const char *> apszClasses;
-    for (const std::string &strClass : stSource.astrClasses) apszClasses.push_back(strClass.c_str());
-    ZyrCaptionsOptions stLoad = {};
-    const std::string strCodePage = stSource.strCodePage.empty() ? "CP949" : stSource.strCodePage;
-    stLoad.pszCodePage = Lower_Case(strCodePage) == AUTO_CODE_PAGE ? nullptr : strCodePage.c_str();
-    stLoad.ppszClasses = apszClasses.data();
-    stLoad.uiClasses = static_cast<uint32_t>(apszClasses.size());
-    if (stSource.bSingleByte) stLoad.uiFlags = ZYR_CAPTIONS_SINGLE_BYTE;
-    ZyrFindingsOptions stSearch = {&stLoad, stLint.uiSpeed, stLint.uiLongestMs,
-                                   stLint.strOutput.empty() ? nullptr : stLint.strOutput.c_str(), stLint.uiFontSize};
+    const LoadOptions stLoad(stOptions.stSource);
+    ZyrFindingsOptions stSearch = {stLoad.Get(), stLint.uiSpeed, stLint.uiLongestMs,
+                                   stLint.strOutput.empty() ? nullptr : stLint.strOutput.c_str(),
+                                   stLint.uiFontSize};
     m_strMovie = strMovie;
     if (strMovie == "-") {
         const std::string strInput(std::istreambuf_iterator<char>(std::cin), {});
