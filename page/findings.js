@@ -2,12 +2,12 @@
 // What is wrong with the file: groups by code, the worst first; a group is filled when it is opened.
 Zyr.Findings = class {
     // findings: {code, severity, title, sentence, line, text, shown}; shown is the caption that it stands with, or null.
-    // onPick gets one of them.
-    constructor(root, findings, onPick) {
+    // open: the first group is; onPick gets one of them.
+    constructor(root, findings, open, onPick) {
         this.onPick = onPick;
         root.append(Zyr.make("h2", { textContent: "Findings" }));
         if (findings.length === 0) root.append(Zyr.make("p", { className: "none", textContent: "Nothing was found." }));
-        this.groups = Zyr.Findings.group(findings).map((group, at) => this.makeGroup(group, at === 0 && matchMedia("(min-width: 901px)").matches));
+        this.groups = Zyr.Findings.group(findings).map((group, at) => this.makeGroup(group, open && at === 0));
         root.append(...this.groups);
     }
 

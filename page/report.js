@@ -154,7 +154,9 @@
     ]);
     const list = new Zyr.CaptionList(byId("captions"), captions, pictures, choose);
     fillFilters();
-    new Zyr.Findings(byId("findings"), data.findings, pickFinding);
+    // On a narrow page the captions come below.
+    const open = captions.length === 0 || matchMedia("(min-width: 901px)").matches;
+    new Zyr.Findings(byId("findings"), data.findings, open, pickFinding);
     if (state.get("to") > state.get("from")) timeline.show(state.get("from"), state.get("to"));
     timeline.onRange = (from, to) => state.set({ from, to });
     filter();

@@ -30,7 +30,7 @@ static FindingsPtr Load_Findings(const Options &stOptions, const CaptionFile &st
     stFind.pszOutput = Get_Output(stOptions.stPage.auiOutputs.front()).pszName;
     const std::string strBytes = stFile.Is_Input() ? stFile.Read_Bytes() : "";
     ZyrFindings *const pstFindings =
-        stFile.Is_Input() ? zyrFindings_loadMemory(strBytes.data(), strBytes.size(), "-", &stFind)
+        stFile.Is_Input() ? zyrFindings_loadMemory(strBytes.data(), strBytes.size(), nullptr, &stFind)
                           : zyrFindings_load(stFile.Get_File().pszFile, &stFind);
     return {pstFindings, zyrFindings_free};
 }
@@ -195,7 +195,8 @@ static ordered_json Describe_Facts(const CaptionFile &stFile, const LineEnds &st
     jsFacts.push_back({"captions", std::to_string(uiListed)});
     if (uiListed == 0) jsFacts.push_back({"no caption", stFile.Explain_Empty()});
     if (stInfo.uiClasses > 1) jsFacts.push_back({"languages", Describe_Languages(stFile)});
-    jsFacts.push_back({"last caption ends", Format_Time(static_cast<int32_t>(stFile.Get_End()))});
+    if (uiListed > 0)
+        jsFacts.push_back({"last caption ends", Format_Time(static_cast<int32_t>(stFile.Get_End()))});
     return jsFacts;
 }
 
