@@ -14,6 +14,7 @@ Zyr.Timeline = class {
         this.end = Math.max(end, Zyr.Timeline.SHORTEST);
         this.range = [0, this.end];
         this.chosen = -1;
+        this.fingers = new Map();
         this.byStart = captions.map((_, at) => at).sort((a, b) => captions[a].start - captions[b].start || a - b);
         this.svg = Zyr.draw("svg", { height: Zyr.Timeline.AXIS + lanes.length * Zyr.Timeline.LANE, "aria-hidden": "true" });
         this.slider = Zyr.make("div", {
@@ -114,13 +115,10 @@ Zyr.Timeline = class {
             if (Math.abs(event.deltaX) > Math.abs(event.deltaY)) this.move((event.deltaX / this.width) * length);
             else this.zoom(Math.exp(Math.sign(event.deltaY) * Math.min(Math.abs(event.deltaY), 200) * 0.002), this.toTime(this.getX(event)));
         }, { passive: false });
-        slider.addEventListener("pointerdown", (event) => {
-            this.drag = { x: event.clientX, range: [...this.range], moved: false };
-            slider.setPointerCapture(event.pointerId);
-        });
+        slider.addEventListener("pointerdown", (event) => this.grip(event));
         slider.addEventListener("pointermove", (event) => this.pull(event));
         slider.addEventListener("pointerup", (event) => this.release(event));
-        slider.addEventListener("pointercancel", () => { this.drag = null; });
+        slider.addEventListener("pointercancel", (event) => this.fingers.delete(event.pointerId));
         slider.addEventListener("keydown", (event) => this.press(event));
     }
 
@@ -128,18 +126,30 @@ Zyr.Timeline = class {
         return event.clientX - this.slider.getBoundingClientRect().left;
     }
 
+    // Each finger holds the time that it was put on: one moves the film, two stretch it as well.
+    grip(event) {
+        const x = this.getX(event);
+        this.fingers.set(event.pointerId, { x, from: x, time: this.toTime(x), moved: this.fingers.size > 0 });
+        this.slider.setPointerCapture(event.pointerId);
+    }
+
     pull(event) {
-        if (!this.drag) return;
-        const by = event.clientX - this.drag.x;
-        if (Math.abs(by) > 4) this.drag.moved = true;
-        const [from, to] = this.drag.range;
-        if (this.drag.moved) this.show(from - (by / this.width) * (to - from), to - (by / this.width) * (to - from));
+        const finger = this.fingers.get(event.pointerId);
+        if (!finger) return;
+        finger.x = this.getX(event);
+        finger.moved ||= Math.abs(finger.x - finger.from) > 4;
+        if (!finger.moved) return;
+        const [a, b] = this.fingers.values();
+        const still = (this.range[1] - this.range[0]) / this.width;
+        const pixel = b && Math.abs(b.x - a.x) > 10 ? Math.abs((b.time - a.time) / (b.x - a.x)) : still; // ms
+        this.show(a.time - a.x * pixel, a.time + (this.width - a.x) * pixel);
     }
 
     release(event) {
-        const drag = this.drag;
-        this.drag = null;
-        if (!drag || drag.moved) return;
+        const finger = this.fingers.get(event.pointerId);
+        this.fingers.delete(event.pointerId);
+        for (const each of this.fingers.values()) Object.assign(each, { time: this.toTime(each.x), moved: true });
+        if (!finger || finger.moved) return;
         const top = event.clientY - this.slider.getBoundingClientRect().top - Zyr.Timeline.AXIS;
         const lane = Math.min(Math.max(Math.floor(top / Zyr.Timeline.LANE), 0), this.lanes.length - 1);
         const at = this.find(this.toTime(this.getX(event)), lane);

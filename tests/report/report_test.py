@@ -9,14 +9,12 @@ import tempfile
 import time
 import unittest
 
-from selenium import webdriver
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
-from selenium.webdriver.chrome.options import Options
-from selenium.webdriver.chrome.service import Service
 
 import film
+from browser import set_screen, start_browser
 
 ZYRSUB, AXE = sys.argv[1:3]
 SLOWEST_LOAD = 5.0  # seconds, on a busy machine; it takes about half of one
@@ -51,16 +49,6 @@ whole.src = "data:image/png;base64," + wanted;
 """
 
 
-def start_browser():
-    options = Options()
-    for argument in ("--headless=new", "--hide-scrollbars", "--disable-gpu", "--disable-dev-shm-usage"):
-        options.add_argument(argument)
-    if os.geteuid() == 0:
-        options.add_argument("--no-sandbox")
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    return webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
-
-
 class PageTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -88,8 +76,7 @@ class PageTest(unittest.TestCase):
         return done.stdout
 
     def show(self, name="film.smi", place="", width=1400, height=900, dark=False):
-        self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                                     {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": width < 500})
+        set_screen(self.browser, width, height)
         self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia",
                                      {"features": [{"name": "prefers-color-scheme", "value": "dark" if dark else "light"}]})
         self.browser.get("about:blank")
@@ -244,6 +231,23 @@ class Film(PageTest):
         number = int(self.chosen().split("-")[1])
         self.assertEqual(number % 2, 0)
         self.assertAlmostEqual(number, film.CAPTIONS, delta=12)
+
+    def test_timeline_by_fingers(self):
+        self.show(width=360, height=740)
+        touch = lambda kind, *places: self.browser.execute_cdp_cmd("Input.dispatchTouchEvent", {
+            "type": kind, "touchPoints": [{"x": x, "y": y, "id": at} for at, (x, y) in enumerate(places)]})
+        box = self.script("const box = document.querySelector('.slider').getBoundingClientRect(); return [box.left, box.top, box.width]")
+        y, middle = box[1] + 60, box[0] + box[2] / 2
+        touch("touchStart", (middle - 40, y), (middle + 40, y))
+        for by in range(50, 81, 10):
+            touch("touchMove", (middle - by, y), (middle + by, y))
+        touch("touchEnd")
+        self.wait(lambda: "to=" in self.browser.current_url)
+        asked = dict(part.split("=") for part in self.browser.current_url.split("#")[1].split("&"))
+        length = int(asked["to"]) - int(asked["from"])
+        whole = film.start_of(film.CAPTIONS - 1) + film.STAYS
+        self.assertAlmostEqual(length / whole, 0.5, delta=0.05)
+        self.assertAlmostEqual(int(asked["from"]) / whole, 0.25, delta=0.05)
 
     def test_no_sideways_scrolling(self):
         for width in (360, 800, 1400):
