@@ -33,17 +33,20 @@ static std::string Cut_Name(const std::string &strSentence, const std::string &s
     return strSentence.starts_with(strLead) ? strSentence.substr(strLead.size()) : strSentence;
 }
 
+void Print_LogLine(int iPriority, const char *pszTag, std::string strText, bool bAllOfLog)
+{
+    static constexpr int ERROR = 6;
+    if (iPriority < ERROR && !bAllOfLog) return;
+    while (strText.ends_with('\n')) strText.pop_back();
+    const std::string strTag = pszTag == nullptr ? "" : std::string(pszTag) + ":";
+    std::fprintf(stderr, "%s%s\n", strTag.c_str(), strText.c_str());
+}
+
 static void Print_Log(const ZyrCaptions *pstList, bool bAllOfLog)
 {
-    static constexpr int32_t ERROR = 6;
     ZyrCaptionLogLine stLine;
-    for (uint32_t uiLine = 0; zyrCaptions_getLogLine(pstList, uiLine, &stLine) == ZYR_CAPTIONS_OK; ++uiLine) {
-        if (stLine.iPriority < ERROR && !bAllOfLog) continue;
-        std::string strText = stLine.pszText;
-        while (strText.ends_with('\n')) strText.pop_back();
-        const std::string strTag = stLine.pszTag == nullptr ? "" : std::string(stLine.pszTag) + ":";
-        std::fprintf(stderr, "%s%s\n", strTag.c_str(), strText.c_str());
-    }
+    for (uint32_t uiLine = 0; zyrCaptions_getLogLine(pstList, uiLine, &stLine) == ZYR_CAPTIONS_OK; ++uiLine)
+        Print_LogLine(stLine.iPriority, stLine.pszTag, stLine.pszText, bAllOfLog);
 }
 
 LoadOptions::LoadOptions(const SourceOptions &stSource)

@@ -80,6 +80,9 @@ private:
     std::unique_ptr<ZyrCaptions, void (*)(ZyrCaptions *)> m_pstList{nullptr, zyrCaptions_free};
 };
 
+// A message of the engine, on standard error.
+void Print_LogLine(int iPriority, const char *pszTag, std::string strText, bool bAllOfLog);
+
 // The text on screen at a time; ZYR_CAPTIONS_ALL for every class.
 std::string Get_TextAt(const ZyrCaptions *pstList, int64_t llMs, uint32_t uiClass = ZYR_CAPTIONS_ALL);
 

@@ -87,33 +87,18 @@ Examples:
   zyrsub play movie.srt --watch          each saving of the file shows at the same time
   zyrsub play movie.srt --terminal       as text, where there is no window system)";
 
-static void Set_Time(const std::string &strName, const std::string &strText, std::optional<uint32_t> &uiMs)
-{
-    uiMs = Parse_Time(strText);
-    if (!uiMs)
-        throw CLI::ValidationError(strName,
-                                   "'" + strText + "' is not a time (1500, 1.5s, 1m30s, H:MM:SS.mmm)");
-}
-
-static void Add_Time(CLI::App *pstApp, const std::string &strName, std::optional<uint32_t> &uiMs,
-                     const std::string &strHelp)
+template <typename Ms>
+static void Add_Time(CLI::App *pstApp, const std::string &strName, Ms &uiMs, const std::string &strHelp)
 {
     pstApp
         ->add_option_function<std::string>(
-            strName, [strName, &uiMs](const std::string &strText) { Set_Time(strName, strText, uiMs); },
-            strHelp)
-        ->type_name("T");
-}
-
-static void Add_From(CLI::App *pstApp, uint32_t &uiMs, const std::string &strHelp)
-{
-    pstApp
-        ->add_option_function<std::string>(
-            "--from",
-            [&uiMs](const std::string &strText) {
-                std::optional<uint32_t> uiFrom;
-                Set_Time("--from", strText, uiFrom);
-                uiMs = *uiFrom;
+            strName,
+            [strName, &uiMs](const std::string &strText) {
+                const std::optional<uint32_t> uiRead = Parse_Time(strText);
+                if (!uiRead)
+                    throw CLI::ValidationError(
+                        strName, "'" + strText + "' is not a time (1500, 1.5s, 1m30s, H:MM:SS.mmm)");
+                uiMs = *uiRead;
             },
             strHelp)
         ->type_name("T");
@@ -213,7 +198,7 @@ static void Add_ReportCommands(CLI::App &stApp, CommandLine &stLine)
     CLI::App *pstFrames = Add_Command(stApp, stLine, "frames",
                                       "Every caption with its times, as a player gets them", Run_Frames);
     Add_SourceOptions(pstFrames, stOptions, true);
-    Add_From(pstFrames, stOptions.stSource.uiFromMs, "jump there first, as a player does");
+    Add_Time(pstFrames, "--from", stOptions.stSource.uiFromMs, "jump there first, as a player does");
     Add_Time(pstFrames, "--to", stReport.uiTo, "stop before the first frame that starts later");
     pstFrames->add_option("--count", stReport.uiCount, "stop after so many frames")->type_name("N");
     pstFrames->add_flag("--together", stOptions.stSource.bTogether,
@@ -276,16 +261,7 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
     pstLint->add_option("--cps", stLint.uiSpeed, "more characters a second are too fast to read [25]")
         ->check(CLI::Range(1, 1000))
         ->type_name("N");
-    pstLint
-        ->add_option_function<std::string>(
-            "--longest",
-            [&stLint](const std::string &strText) {
-                std::optional<uint32_t> uiLongest;
-                Set_Time("--longest", strText, uiLongest);
-                stLint.uiLongestMs = *uiLongest;
-            },
-            "a caption that stays longer is doubtful [15s]")
-        ->type_name("T");
+    Add_Time(pstLint, "--longest", stLint.uiLongestMs, "a caption that stays longer is doubtful [15s]");
     std::vector<std::string> astrOutputs;
     for (uint32_t uiOutput = 0; uiOutput < Count_Outputs(); ++uiOutput)
         astrOutputs.emplace_back(Get_Output(uiOutput).pszName);
@@ -330,7 +306,7 @@ static void Add_PlayCommand(CLI::App &stApp, CommandLine &stLine)
         Add_Command(stApp, stLine, "play", "Captions in real time, in a window or as text", Run_Play);
     Add_SourceOptions(pstPlay, stLine.stOptions, false);
     Add_ScreenOptions(pstPlay, stLine.stOptions);
-    Add_From(pstPlay, stPlay.uiFrom, "start there");
+    Add_Time(pstPlay, "--from", stPlay.uiFrom, "start there");
     pstPlay->add_option("--speed", stPlay.dSpeed, "times the real speed [1]")
         ->check(CLI::Range(0.01, 1000.0))
         ->type_name("X");

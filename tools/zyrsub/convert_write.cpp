@@ -48,16 +48,13 @@ bool Is_Unicode(const std::string &strEncoding)
 }
 
 // One character at a time, so that one without a place in the encoding costs no other.
-static std::string Encode_Characters(const std::string &strUtf8, const Converter &stConverter)
+static std::string Encode_Characters(std::string_view strUtf8, const Converter &stConverter)
 {
     std::string strOut;
-    for (size_t uiByte = 0; uiByte < strUtf8.size();) {
-        size_t uiEnd = uiByte + 1;
-        while (uiEnd < strUtf8.size() && (static_cast<uint8_t>(strUtf8[uiEnd]) & 0xC0) == 0x80) ++uiEnd;
-        const std::string strOne =
-            stConverter.Convert({strUtf8.data() + uiByte, uiEnd - uiByte}, uiEnd - uiByte, "");
+    while (!strUtf8.empty()) {
+        const std::string strUtf8One = Take_Character(strUtf8);
+        const std::string strOne = stConverter.Convert(strUtf8One, strUtf8One.size(), "");
         strOut += strOne.empty() ? "?" : strOne;
-        uiByte = uiEnd;
     }
     return strOut;
 }

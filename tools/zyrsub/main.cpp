@@ -2,33 +2,27 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <string>
+#include <iostream>
 
 #include "command_line.h"
 #include "report_json.h"
 #include "zyr/zyr_host.h"
 
-static constexpr int LOG_ERROR = 6;
-
 static void Print_Log(int iPriority, const char *pszTag, const char *pszText, void *pvVerbose)
 {
-    if (iPriority < LOG_ERROR && *static_cast<const int *>(pvVerbose) < 2) return;
-    std::string strText = pszText;
-    while (!strText.empty() && strText.back() == '\n') strText.pop_back();
-    std::fprintf(stderr, "%s%s%s\n", pszTag == nullptr ? "" : pszTag, pszTag == nullptr ? "" : ":",
-                 strText.c_str());
+    Print_LogLine(iPriority, pszTag, pszText, *static_cast<const int *>(pvVerbose) > 1);
 }
 
 static int Run_Program(int iArguments, char **ppszArguments)
 {
     CommandLine stLine = Read_CommandLine(iArguments, ppszArguments);
-    if (stLine.pfRun == nullptr) return stLine.eCode;
     if (stLine.stOptions.iVerbose > 0) zyr_host_setLogSink(Print_Log, &stLine.stOptions.iVerbose);
     stLine.stOptions.stSource.bVerbose = stLine.stOptions.iVerbose > 0;
     stLine.stOptions.stSource.bAllOfLog = stLine.stOptions.iVerbose > 1;
-    const ExitCode eCode = stLine.pfRun(stLine.stOptions);
+    const ExitCode eCode = stLine.pfRun == nullptr ? stLine.eCode : stLine.pfRun(stLine.stOptions);
     zyr_host_setLogSink(nullptr, nullptr);
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return eCode;
+    std::cout.flush(); // helps are written there
+    if (std::cout.good() && std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return eCode;
     std::fputs("zyrsub: the results could not be written\n", stderr);
     return E_EXIT_SOME_FAILED;
 }

@@ -296,17 +296,14 @@ AuthorText SourceText::Read_Caption(const ZyrCaption &stCaption) const
 }
 
 // By character, blanks left out; what could not be decoded counts nowhere.
-static std::map<std::string, size_t> Count_Characters(const std::string &strText)
+static std::map<std::string, size_t> Count_Characters(std::string_view strText)
 {
     std::map<std::string, size_t> auiCounts;
-    for (size_t uiByte = 0; uiByte < strText.size();) {
-        size_t uiEnd = uiByte + 1;
-        while (uiEnd < strText.size() && (static_cast<uint8_t>(strText[uiEnd]) & 0xC0) == 0x80) ++uiEnd;
-        const std::string strOne = strText.substr(uiByte, uiEnd - uiByte);
+    while (!strText.empty()) {
+        const std::string strOne = Take_Character(strText);
         const bool bUnseen = static_cast<uint8_t>(strOne[0]) <= ' ' || strOne == "\xC2\xA0" ||
                              strOne == "\xEF\xBF\xBD" || strOne == "\xEF\xBB\xBF";
         if (!bUnseen) ++auiCounts[strOne];
-        uiByte = uiEnd;
     }
     return auiCounts;
 }

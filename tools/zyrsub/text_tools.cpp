@@ -39,6 +39,15 @@ bool Has_VisibleText(std::string_view strUtf8)
     return false;
 }
 
+std::string Take_Character(std::string_view &strUtf8)
+{
+    size_t uiEnd = 1;
+    while (uiEnd < strUtf8.size() && (strUtf8[uiEnd] & 0xC0) == 0x80) ++uiEnd;
+    std::string strOne(strUtf8.substr(0, uiEnd));
+    strUtf8.remove_prefix(strOne.size());
+    return strOne;
+}
+
 std::vector<std::string> Split_Lines(std::string_view strText)
 {
     std::vector<std::string> astrLines;

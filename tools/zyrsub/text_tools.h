@@ -22,6 +22,9 @@ std::string Lower_Case(std::string strText);
 // A character beyond blanks is in it.
 bool Has_VisibleText(std::string_view strUtf8);
 
+// The first character, which is cut off the text.
+std::string Take_Character(std::string_view &strUtf8);
+
 std::vector<std::string> Split_Lines(std::string_view strText);
 std::string Join_Lines(std::span<const std::string> astrLines, std::string_view strBetween);
 
