@@ -49,17 +49,33 @@ static bool Is_NumberLine(const std::string &strLine)
     return strLine.find_first_not_of("0123456789 \t\xEF\xBB\xBF") == std::string::npos;
 }
 
-// The end of what begins at a "<", or npos where it is no tag: a letter, "/" or "!" follows, and a ">" comes.
-static size_t Find_TagEnd(std::string_view strText, size_t uiAt)
+// The ends of what begins at a "<". Where the last one stands is known beforehand: a text of signs without an end
+// must not be looked through once for each of them.
+class TagEnds
 {
-    if (strText.substr(uiAt).starts_with("<!--")) {
-        const size_t uiEnd = strText.find("-->", uiAt);
-        return uiEnd == std::string_view::npos ? uiEnd : uiEnd + 2;
+public:
+    explicit TagEnds(std::string_view strText)
+        : m_strText(strText), m_uiTags(strText.rfind('>') + 1), m_uiComments(strText.rfind("-->") + 1)
+    {
     }
-    const char cNext = uiAt + 1 < strText.size() ? strText[uiAt + 1] : ' ';
-    const bool bTag = cNext == '/' || cNext == '!' || std::isalpha(static_cast<unsigned char>(cNext)) != 0;
-    return bTag ? strText.find('>', uiAt) : std::string_view::npos;
-}
+
+    // npos where it is no tag: a letter, "/" or "!" follows, and a ">" comes.
+    size_t Find(size_t uiAt) const
+    {
+        static constexpr size_t NONE = std::string_view::npos;
+        if (m_strText.substr(uiAt).starts_with("<!--"))
+            return uiAt < m_uiComments ? m_strText.find("-->", uiAt) + 2 : NONE;
+        const char cNext = uiAt + 1 < m_strText.size() ? m_strText[uiAt + 1] : ' ';
+        const bool bTag =
+            cNext == '/' || cNext == '!' || std::isalpha(static_cast<unsigned char>(cNext)) != 0;
+        return bTag && uiAt < m_uiTags ? m_strText.find('>', uiAt) : NONE;
+    }
+
+private:
+    std::string_view m_strText;
+    size_t m_uiTags;     // behind the last one's end; 0 without any
+    size_t m_uiComments; // likewise
+};
 
 static size_t Find_EntityEnd(std::string_view strText, size_t uiAt)
 {
@@ -86,8 +102,9 @@ static void Note_Style(AuthorText &stText)
 
 static void Read_Markup(std::string_view strText, AuthorText &stText)
 {
+    const TagEnds stEnds(strText);
     for (size_t uiAt = 0; uiAt < strText.size(); ++uiAt) {
-        const size_t uiTag = strText[uiAt] == '<' ? Find_TagEnd(strText, uiAt) : std::string_view::npos;
+        const size_t uiTag = strText[uiAt] == '<' ? stEnds.Find(uiAt) : std::string_view::npos;
         const size_t uiEntity = strText[uiAt] == '&' ? Find_EntityEnd(strText, uiAt) : uiAt;
         if (uiTag != std::string_view::npos) {
             if (Is_StyleTag(strText.substr(uiAt))) Note_Style(stText);
@@ -159,8 +176,10 @@ static AuthorText Read_Ssa(const std::string &strLine)
     size_t uiAt = 0;
     for (size_t uiCommas = 0; uiAt < strLine.size() && uiCommas < SSA_COMMAS; ++uiAt)
         uiCommas += strLine[uiAt] == ',' ? 1 : 0;
+    const size_t uiLast = strLine.rfind('}') + 1; // 0 without any
     for (; uiAt < strLine.size() && strLine[uiAt] != '\n'; ++uiAt) {
-        const size_t uiEnd = strLine[uiAt] == '{' ? strLine.find('}', uiAt) : std::string::npos;
+        const size_t uiEnd =
+            strLine[uiAt] == '{' && uiAt < uiLast ? strLine.find('}', uiAt) : std::string::npos;
         const bool bEscape = strLine[uiAt] == '\\' && uiAt + 1 < strLine.size() &&
                              std::string_view("Nnh").find(strLine[uiAt + 1]) != std::string_view::npos;
         if (uiEnd != std::string::npos) Note_Style(stText);
@@ -187,12 +206,13 @@ static std::string Get_TagClass(std::string_view strTag)
 // One SYNC's text of a class; where the class has no part of its own there, all of it.
 static std::string Find_Paragraphs(const std::string &strSync, const std::vector<std::string> &astrNames)
 {
+    const TagEnds stEnds(strSync);
     std::string strOwn;
     bool bOwn = false;
     bool bAny = false;
     for (size_t uiAt = 0; uiAt < strSync.size(); ++uiAt) {
         const bool bTag = strSync[uiAt] == '<';
-        const size_t uiEnd = bTag ? Find_TagEnd(strSync, uiAt) : std::string::npos;
+        const size_t uiEnd = bTag ? stEnds.Find(uiAt) : std::string::npos;
         const std::string strTag = uiEnd == std::string::npos ? "" : strSync.substr(uiAt, uiEnd - uiAt + 1);
         const bool bParagraph = strTag.size() > 2 && Lower_Case(strTag.substr(1, 1)) == "p" &&
                                 std::isalpha(static_cast<unsigned char>(strTag[2])) == 0;
@@ -220,6 +240,22 @@ static bool Has_Text(const AuthorText &stText)
     return Find_Missing(stText.strText, "").uiAll > 0;
 }
 
+// SYNCs with text that no caption came of; what stands behind the end of a body is no text.
+static size_t Count_LostSyncs(const std::string &strText, const std::string &strLower, size_t uiFrom)
+{
+    size_t uiLost = 0;
+    size_t uiBody = Find_NoCase(strLower, "</body", uiFrom);
+    for (size_t uiAt = Find_NoCase(strLower, "<sync", uiFrom); uiAt < strText.size();) {
+        const size_t uiNext = Find_NoCase(strLower, "<sync", uiAt + 1);
+        if (uiBody < uiAt) uiBody = Find_NoCase(strLower, "</body", uiAt);
+        AuthorText stLost;
+        Read_Markup(strText.substr(uiAt, std::min(uiNext, uiBody) - uiAt), stLost);
+        uiLost += Has_Text(stLost) ? 1 : 0;
+        uiAt = uiNext;
+    }
+    return uiLost;
+}
+
 std::string SourceText::Decode(std::string_view strBytes) const
 {
     const ZyrCaptionsFile stFile = m_stFile.Get_File();
@@ -238,14 +274,7 @@ void SourceText::Add_Region(const std::string &strBytes, size_t uiFirst, size_t 
     if (m_uiFormat == ZYR_CAPTIONS_SAMI) {
         uiOwn =
             bCaption ? std::min(Find_NoCase(strLower, "<sync", 1), Find_NoCase(strLower, "</body", 1)) : 0;
-        for (size_t uiAt = Find_NoCase(strLower, "<sync", uiOwn); m_bAllClasses && uiAt < strText.size();) {
-            const size_t uiNext =
-                std::min(Find_NoCase(strLower, "<sync", uiAt + 1), Find_NoCase(strLower, "</body", uiAt));
-            AuthorText stStray;
-            Read_Markup(strText.substr(uiAt, uiNext - uiAt), stStray);
-            m_uiStray += Has_Text(stStray) ? 1 : 0;
-            uiAt = Find_NoCase(strLower, "<sync", uiNext);
-        }
+        if (m_bAllClasses) m_uiStray += Count_LostSyncs(strText, strLower, uiOwn);
     } else if (m_uiFormat == ZYR_CAPTIONS_SSA) {
         uiOwn = bCaption ? std::min(strText.find('\n'), strText.size()) : 0;
         for (size_t uiAt = Find_NoCase(strLower, "\ndialogue:", uiOwn); uiAt < strText.size();
