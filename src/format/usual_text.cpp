@@ -141,24 +141,30 @@ inline bool Take_Characters(UsualText &stText, RunStops stStops)
     uint8_t *pucOut = stText.pucOut;
     uint32_t uiPrevBlank = stText.bPrevBlank ? UNIT_BITS : 0;
     uint32_t uiCarry = 0;
-    uint32_t uiStop = 0;
-    do {
+    uint32_t uiTrails = 0;
+    for (;; pucByte += BLOCK_BYTES, pucOut += BLOCK_BYTES) {
         if (pucByte > pucLast) return false;
         const TextBlock stBlock = Load_Block<KIND>(pucByte, stStops);
         stBlock.Store(pucOut);
         const BlockLook stLook = Look_AtBlock<KIND>(stBlock, pucByte, stStops, uiCarry);
         const uint32_t uiAfterBlank = stLook.uiBlank << UNIT_BYTES | uiPrevBlank;
-        uiStop = stLook.uiStop | (stLook.uiBlank & uiAfterBlank);
-        if ((stLook.uiOdd | stLook.uiTrail) != 0) {
-            const uint32_t uiBefore = (uiStop - 1) & ~uiStop & BLOCK_BITS; // all without a stop
-            if ((stLook.uiOdd & (uiBefore << 1 | 1)) != 0) return false;
-            stText.uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
+        const uint32_t uiStop = stLook.uiStop | (stLook.uiBlank & uiAfterBlank);
+        if (uiStop == 0) {
+            if (stLook.uiOdd != 0) return false;
+            if (stLook.uiTrail != 0) uiTrails += Count_Bits(stLook.uiTrail);
+            uiPrevBlank = uiAfterBlank >> BLOCK_BYTES;
+            continue;
         }
-        const uint32_t uiBytes = static_cast<uint32_t>(std::countr_zero(uiStop | 1u << BLOCK_BYTES));
+        const uint32_t uiBytes = static_cast<uint32_t>(std::countr_zero(uiStop));
+        const uint32_t uiBefore = (uiStop - 1) & ~uiStop;
+        if ((stLook.uiOdd & (uiBefore << 1 | 1)) != 0) return false;
+        if (stLook.uiTrail != 0) uiTrails += Count_Bits(stLook.uiTrail & uiBefore);
         uiPrevBlank = uiAfterBlank >> uiBytes & UNIT_BITS;
         pucByte += uiBytes;
         pucOut += uiBytes;
-    } while (uiStop == 0);
+        break;
+    }
+    stText.uiTrails += uiTrails;
     stText.pucByte = pucByte;
     stText.pucOut = pucOut;
     stText.bPrevBlank = uiPrevBlank != 0;
@@ -203,13 +209,13 @@ LineUnit Get_LineUnit(TextKind eKind, const uint8_t *pucUnit)
 // ---- Lines ----
 
 /** End a line, which goes to pucEnd, with a newline. @return false where there is no room for it */
-inline bool Add_Line(UsualText &stText, uint8_t *pucEnd, uint32_t uiUnits)
+inline bool Add_Line(UsualText &stText, uint8_t *pucEnd, uint32_t uiUnits, uint32_t uiUnitBytes)
 {
     if (stText.uiLines == ZYR_LINE_MAX) return false;
     stText.pstLines[stText.uiLines++] = {static_cast<uint32_t>(stText.pucLine - stText.pucStore), uiUnits,
                                          uiUnits, static_cast<uint32_t>(pucEnd - stText.pucLine)};
     *pucEnd++ = '\n';
-    if (stText.uiUnitBytes == 2) *pucEnd++ = 0;
+    if (uiUnitBytes == 2) *pucEnd++ = 0;
     stText.pucLine = pucEnd;
     return true;
 }
@@ -245,30 +251,31 @@ bool Close_WrappedLine(UsualText &stText)
         bPrevBlank = stUnit.bBlank;
         if (uiUnits == LINE_UNITS) {
             const bool bRoom = stText.uiLines + 1 < ZYR_LINE_MAX; // else the log tells that
-            if (pucBreak == nullptr || !bRoom || !Add_Line(stText, pucBreak, uiBreakUnits)) return false;
+            if (pucBreak == nullptr || !bRoom ||
+                !Add_Line(stText, pucBreak, uiBreakUnits, stText.uiUnitBytes))
+                return false;
             uiUnits -= uiBreakUnits + 1;
             pucBreak = nullptr;
         }
         ++uiUnits;
         pucUnit += stUnit.uiBytes;
     }
-    return Add_Line(stText, stText.pucOut, uiUnits);
+    return Add_Line(stText, stText.pucOut, uiUnits, stText.uiUnitBytes);
 }
 
-uint32_t Count_LineUnits(const UsualText &stText)
+inline uint32_t Count_LineUnits(const UsualText &stText, uint32_t uiUnitBytes)
 {
-    return static_cast<uint32_t>(stText.pucOut - stText.pucLine - stText.uiTrails) >>
-           (stText.uiUnitBytes - 1);
+    return static_cast<uint32_t>(stText.pucOut - stText.pucLine - stText.uiTrails) >> (uiUnitBytes - 1);
 }
 
 /** Close the current line, which may be too long or end with a blank. */
 [[gnu::noinline]] bool Close_OddLine(UsualText &stText)
 {
-    const uint32_t uiAllUnits = Count_LineUnits(stText);
+    const uint32_t uiAllUnits = Count_LineUnits(stText, stText.uiUnitBytes);
     if (!Trim_Blanks(stText)) return false;
-    const uint32_t uiUnits = Count_LineUnits(stText);
+    const uint32_t uiUnits = Count_LineUnits(stText, stText.uiUnitBytes);
     if (uiUnits == 0) return true;
-    const bool bGood = uiUnits <= LINE_UNITS ? Add_Line(stText, stText.pucOut, uiUnits)
+    const bool bGood = uiUnits <= LINE_UNITS ? Add_Line(stText, stText.pucOut, uiUnits, stText.uiUnitBytes)
                                              : uiUnits <= RUN_UNITS_MAX && Close_WrappedLine(stText);
     // A blank behind a full last line has no line to go to: the log tells that.
     const bool bFull =
@@ -276,16 +283,17 @@ uint32_t Count_LineUnits(const UsualText &stText)
     return bGood && (!bFull || uiAllUnits == uiUnits);
 }
 
-/** Close the current line, if there is anything on it. @return false where there is no room for it */
-inline bool Close_Line(UsualText &stText)
+/** Close the current line, if there is anything on it. uiUnitBytes stands here for what is often a constant.
+ *
+ * @return false where there is no room for it */
+inline bool Close_Line(UsualText &stText, uint32_t uiUnitBytes)
 {
-    const uint32_t uiUnits = Count_LineUnits(stText);
+    const uint32_t uiUnits = Count_LineUnits(stText, uiUnitBytes);
     bool bGood = true;
     if (uiUnits > 0) {
-        const bool bBlank =
-            stText.pucOut[-static_cast<ptrdiff_t>(stText.uiUnitBytes)] == BLANK; // or half of one
-        bGood =
-            bBlank || uiUnits > LINE_UNITS ? Close_OddLine(stText) : Add_Line(stText, stText.pucOut, uiUnits);
+        const bool bBlank = stText.pucOut[-static_cast<ptrdiff_t>(uiUnitBytes)] == BLANK; // or half of one
+        bGood = bBlank || uiUnits > LINE_UNITS ? Close_OddLine(stText)
+                                               : Add_Line(stText, stText.pucOut, uiUnits, uiUnitBytes);
     }
     stText.pucOut = stText.pucLine;
     stText.uiTrails = 0;
@@ -300,29 +308,41 @@ UsualStep Put_Bytes(UsualText &stText, std::initializer_list<uint32_t> listBytes
     return E_USUAL_ON;
 }
 
-inline UsualStep Break_Line(UsualText &stText)
+inline UsualStep Break_Line(UsualText &stText, uint32_t uiUnitBytes)
 {
     if (stText.uiLines == ZYR_LINE_MAX) return E_USUAL_ODD; // the log tells that
-    return Close_Line(stText) ? E_USUAL_ON : E_USUAL_ODD;
+    return Close_Line(stText, uiUnitBytes) ? E_USUAL_ON : E_USUAL_ODD;
 }
 
+/** @return a unit behind the next byte. */
+template <TextKind KIND>
+inline uint32_t Get_Unit(const UsualText &stText, uint32_t uiUnit)
+{
+    if (KIND != E_TEXT_UTF16) return stText.pucByte[uiUnit];
+    return Get_Utf16Unit(stText.pucByte + size_t{2} * uiUnit, stText.bBigEndian);
+}
+
+/** CR LF, or CR LF CR LF, which ends the entry. */
+template <TextKind KIND>
 inline UsualStep Take_LineEnd(UsualText &stText)
 {
-    if (stText.Get_Unit(1) != '\n') return E_USUAL_ODD;
-    if (stText.Get_Unit(2) != '\r') {
-        stText.Take_Units(2);
+    constexpr uint32_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
+    if (Get_Unit<KIND>(stText, 1) != '\n') return E_USUAL_ODD;
+    if (Get_Unit<KIND>(stText, 2) != '\r') {
+        stText.pucByte += 2 * UNIT_BYTES;
         stText.pucFileLine = stText.pucByte;
-        return Break_Line(stText);
+        return Break_Line(stText, UNIT_BYTES);
     }
-    if (stText.Get_Unit(3) != '\n') return E_USUAL_ODD;
-    stText.Take_Units(4);
+    if (Get_Unit<KIND>(stText, 3) != '\n') return E_USUAL_ODD;
+    stText.pucByte += 4 * UNIT_BYTES;
     return E_USUAL_END;
 }
 
+template <TextKind KIND>
 inline UsualStep Take_Stop(UsualText &stText, const UsualForm &stForm)
 {
-    const uint32_t uiUnit = stText.Get_Unit(0);
-    if (uiUnit == '\r' && stForm.bLines) return Take_LineEnd(stText);
+    const uint32_t uiUnit = Get_Unit<KIND>(stText, 0);
+    if (uiUnit == '\r' && stForm.bLines) return Take_LineEnd<KIND>(stText);
     if (uiUnit == BLANK) {
         Skip_Blanks(stText);
         return E_USUAL_ON;
@@ -338,9 +358,9 @@ bool Take_Entry(UsualText &stText, const UsualForm &stForm)
     UsualStep eStep = E_USUAL_ON;
     while (eStep == E_USUAL_ON) {
         if (!Take_Characters<KIND>(stText, stStops)) return false;
-        eStep = Take_Stop(stText, stForm);
+        eStep = Take_Stop<KIND>(stText, stForm);
     }
-    return eStep == E_USUAL_END && Close_Line(stText);
+    return eStep == E_USUAL_END && Close_Line(stText, KIND == E_TEXT_UTF16 ? 2 : 1);
 }
 
 const uint8_t *Narrow_Head(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)
@@ -495,7 +515,7 @@ bool Take_UsualUnit(UsualText &stText, uint16_t *pusUnit)
 
 UsualStep Break_UsualLine(UsualText &stText)
 {
-    return Break_Line(stText);
+    return Break_Line(stText, stText.uiUnitBytes);
 }
 
 UsualStep Put_UsualUnit(UsualText &stText, uint32_t uiUnit)
@@ -550,7 +570,7 @@ UsualStep Take_UsualHtmlTag(UsualText &stText)
     const uint64_t ullEight = stText.Get_Eight();
     if (BREAK.Begins(ullEight)) {
         stText.Take_Units(4);
-        return Break_Line(stText);
+        return Break_Line(stText, stText.uiUnitBytes);
     }
     if (BREAK_OPEN.Begins(ullEight) || BREAK_CLOSE.Begins(ullEight))
         return E_USUAL_ODD; // may break a line as well
@@ -583,11 +603,6 @@ bool Take_UsualEmptyLine(UsualText &stText)
     if (stText.pucEnd - stText.pucByte < USUAL_AHEAD || stText.Get_Unit(1) != '\n') return false;
     stText.Take_Units(2);
     return true;
-}
-
-UsualStep Take_UsualLineEnd(UsualText &stText)
-{
-    return Take_LineEnd(stText);
 }
 
 const uint8_t *Get_UsualHead(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)

@@ -170,9 +170,6 @@ UsualStep Take_UsualEntity(UsualText &stText);
 /** An entry without text: what is left of CR LF CR LF behind its times. @return whether it is that */
 bool Take_UsualEmptyLine(UsualText &stText);
 
-/** CR LF, or CR LF CR LF, which ends the entry. */
-UsualStep Take_UsualLineEnd(UsualText &stText);
-
 /**
  * The beginning of an entry as bytes: UTF-16 units narrowed, those beyond a byte as 0xFF or 0.
  *
