@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <initializer_list>
+#include <iterator>
 
 #include "markup/entity.h"
 #include "text/find_unit.h"
@@ -431,6 +432,29 @@ uint32_t Decode_Unit(const UsualText &stText, const uint8_t *pucByte, uint16_t *
     return bThree ? (uiCode < 0x800 ? 0 : 3) : 2;
 }
 
+/**
+ * Drop the last tag when the one at the next byte is its end, as "</i>" is that of "<i>": together they change nothing,
+ * for the style of a frame is that behind its text.
+ *
+ * @param[in] ullEight  the next units
+ */
+bool Drop_Pair(UsualText &stText, uint64_t ullEight)
+{
+    constexpr UsualWord NAMES[] = {{"</i>", true}, {"</b>", true}, {"</u>", true}};
+    const bool bNamed = std::any_of(std::begin(NAMES), std::end(NAMES),
+                                    [=](const UsualWord &stWord) { return stWord.Begins(ullEight); });
+    if (!bNamed || stText.uiTags == 0) return false;
+    const UsualTag &stLast = stText.astTag[stText.uiTags - 1];
+    const uint32_t uiName = static_cast<uint32_t>(ullEight >> 16 & 0xFF);
+    if (stLast.uiUnits != 3 ||
+        To_Upper(stText.Get_UnitAt(stLast.pucTag + stText.uiUnitBytes)) != To_Upper(uiName))
+        return false;
+    --stText.uiTags;
+    stText.Take_Units(4);
+    stText.bPrevBlank = stText.Is_LineEmpty();
+    return true;
+}
+
 } // namespace
 
 uint64_t UsualText::Narrow_Eight() const
@@ -572,6 +596,7 @@ UsualStep Take_UsualHtmlTag(UsualText &stText)
         stText.Take_Units(4);
         return Break_Line(stText, stText.uiUnitBytes);
     }
+    if (Drop_Pair(stText, ullEight)) return E_USUAL_ON;
     if (BREAK_OPEN.Begins(ullEight) || BREAK_CLOSE.Begins(ullEight))
         return E_USUAL_ODD; // may break a line as well
     return Note_UsualTag(stText, '<', '>');
