@@ -23,9 +23,6 @@ StreamWindow s_astStreamWindow[ZYR_STREAM_MAX] = {};
 int64_t s_llReaderPos = -1;
 void *s_hReaderFile = nullptr; // the file that this is known of
 
-/** The file has not been asked since the reader went back in its buffer: it must be before it is read on. */
-bool s_bAskFirst = false;
-
 constexpr uint32_t SHORT_FILL_BYTES = 512; // most frames fit
 constexpr uint32_t FILL_GROWTH = 8;        // a frame that does not fit is likely to be a long one
 constexpr int64_t NEAR_BYTES = 4096;       // a jump forward by less than this is reading on
@@ -168,37 +165,6 @@ int32_t Take_BufferedChar(uint16_t *pusChar)
     return static_cast<int32_t>(uiBytes);
 }
 
-/** Move the file to a position, or behind what the buffer holds of it. @return as Move_ReadPosition() */
-int64_t Move_File(void *hFile, int64_t llPos, ReadAhead eReadAhead)
-{
-    CaptionStreamInfo &stInfo = Get_StreamInfo();
-    StreamWindow &stWindow = Get_Window();
-    const int64_t llEnd = stWindow.llStart + stWindow.iBytes;
-    const bool bKnown = stWindow.iBytes > 0 && s_llReaderPos >= 0 && hFile == s_hReaderFile;
-    const bool bHeld = bKnown && llPos >= stWindow.llStart && llPos < llEnd;
-    s_bAskFirst = false;
-    s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, bHeld ? llEnd : llPos, 0);
-    if (s_llReaderPos < 0) return s_llReaderPos;
-    const bool bReadingOn = bKnown && (llPos < stWindow.llStart ? stWindow.llStart - llPos < LOOK_AHEAD_BYTES
-                                                                : llPos - llEnd < NEAR_BYTES);
-    if (eReadAhead == E_READ_AHEAD_FULL)
-        stWindow.uiFillBytes = 0;
-    else if (!bReadingOn) // else reads go on growing
-        stWindow.uiFillBytes = SHORT_FILL_BYTES;
-    s_hReaderFile = hFile;
-    stInfo.iStreamDataSize = bHeld ? stWindow.iBytes : 0;
-    stInfo.iStreamBufIndex = bHeld ? static_cast<int32_t>(llPos - stWindow.llStart) : 0;
-    return bHeld ? llPos : s_llReaderPos;
-}
-
-/** Bring the file back to where the reader left it, if a host has moved it. @return false when that fails */
-bool Is_FileInPlace(void *hFile)
-{
-    if (!s_bAskFirst || s_llReaderPos < 0) return true;
-    s_bAskFirst = false;
-    return QUIBCAPTCB_FileTell(hFile) == s_llReaderPos || QUIBCAPTCB_FileSeek(hFile, s_llReaderPos, 0) >= 0;
-}
-
 /** Seek to the file's start and read up to uiBytes bytes. @return bytes read, or a value below 1. */
 int32_t Read_FileStart(void *hFile, uint32_t uiBytes)
 {
@@ -294,8 +260,7 @@ int32_t Fill_StreamBuffer(void *hFile)
         uiBytes = stWindow.uiFillBytes;
         stWindow.uiFillBytes *= FILL_GROWTH;
     }
-    const int32_t iRead =
-        Is_FileInPlace(hFile) ? QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes) : -1;
+    const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
     stInfo.iStreamDataSize = iRead;
     if (iRead < 0) s_llReaderPos = -1;
     if (iRead != 0) {
@@ -320,13 +285,33 @@ bool Go_ToHeld(const void *hFile, int64_t llPos)
 
 int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead)
 {
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
     StreamWindow &stWindow = Get_Window();
-    // Another stream may have read since.
-    if (s_llReaderPos != stWindow.llStart + stWindow.iBytes || !Go_ToHeld(hFile, llPos))
-        return Move_File(hFile, llPos, eReadAhead);
-    if (eReadAhead == E_READ_AHEAD_FULL) stWindow.uiFillBytes = 0;
-    s_bAskFirst = true;
-    return llPos;
+    const int64_t llEnd = stWindow.llStart + stWindow.iBytes;
+    const bool bKnown =
+        stWindow.iBytes > 0 && s_llReaderPos >= 0 && QUIBCAPTCB_FileTell(hFile) == s_llReaderPos;
+    if (bKnown && llPos >= stWindow.llStart && llPos < llEnd) {
+        if (s_llReaderPos != llEnd) { // another stream has read since
+            s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llEnd, 0);
+            if (s_llReaderPos < 0) return s_llReaderPos;
+        }
+        stInfo.iStreamDataSize = stWindow.iBytes;
+        stInfo.iStreamBufIndex = static_cast<int32_t>(llPos - stWindow.llStart);
+        if (eReadAhead == E_READ_AHEAD_FULL) stWindow.uiFillBytes = 0;
+        return llPos;
+    }
+    s_llReaderPos = QUIBCAPTCB_FileSeek(hFile, llPos, 0);
+    s_hReaderFile = hFile;
+    if (s_llReaderPos < 0) return s_llReaderPos;
+    const bool bReadingOn = bKnown && (llPos < stWindow.llStart ? stWindow.llStart - llPos < LOOK_AHEAD_BYTES
+                                                                : llPos - llEnd < NEAR_BYTES);
+    if (eReadAhead == E_READ_AHEAD_FULL)
+        stWindow.uiFillBytes = 0;
+    else if (!bReadingOn) // else reads go on growing
+        stWindow.uiFillBytes = SHORT_FILL_BYTES;
+    stInfo.iStreamDataSize = 0;
+    stInfo.iStreamBufIndex = 0;
+    return s_llReaderPos;
 }
 
 uint32_t Get_ReaderRound()

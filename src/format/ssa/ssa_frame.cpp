@@ -213,6 +213,20 @@ const CaptionFrameNode *Move_Cursor(uint32_t uiTargetMs, uint32_t bBackward)
     return pstCurr - (pstCurr == pstTail ? 1 : 0);
 }
 
+/** Move the file to a line, and read it. @param[in] bTryUsual  it may yet turn out to be usual */
+[[gnu::noinline]] int32_t Read_Frame(void *hFile, int64_t llWanted, bool bTryUsual)
+{
+    const bool bThere = Is_ReaderAt(hFile, llWanted);
+    const int64_t llReached = bThere ? llWanted : Move_ReadPosition(hFile, llWanted, E_READ_AHEAD_SHORT);
+    if (llReached < 0) {
+        LOG_PARSER("FrameParser_SSA() - Failed in setting a seek position of caption file!\n");
+        return -1;
+    }
+    pstQuibCaptionParserInfo->llCurrFilePos = llReached;
+    const SSAFrameInfo *const pstUsual = bTryUsual ? Take_UsualDialogue() : nullptr;
+    return pstUsual != nullptr ? Finish_Line(*pstUsual) : Read_Line(hFile);
+}
+
 } // namespace
 
 int32_t FrameParser_SSA(void)
@@ -221,15 +235,11 @@ int32_t FrameParser_SSA(void)
     void *const hFile = QUIBCAPTCB_GetFileHandleOfSubtitle();
     Clear_TagQueue();
     const int64_t llWanted = s_stCaptionFrameList.pastNode[s_stCaptionFrameList.uiCurrNode].llFilePos;
-    const bool bThere = Is_ReaderAt(hFile, llWanted);
-    const int64_t llReached = bThere ? llWanted : Move_ReadPosition(hFile, llWanted, E_READ_AHEAD_SHORT);
-    if (llReached < 0) {
-        LOG_PARSER("FrameParser_SSA() - Failed in setting a seek position of caption file!\n");
-        return -1;
-    }
-    pstQuibCaptionParserInfo->llCurrFilePos = llReached;
-    const SSAFrameInfo *const pstUsual = Take_UsualDialogue();
-    return pstUsual != nullptr ? Finish_Line(*pstUsual) : Read_Line(hFile);
+    const bool bHeld = Go_ToHeld(hFile, llWanted);
+    const SSAFrameInfo *pstUsual = bHeld ? Take_UsualDialogue() : nullptr;
+    if (pstUsual == nullptr) return Read_Frame(hFile, llWanted, !bHeld);
+    pstQuibCaptionParserInfo->llCurrFilePos = llWanted;
+    return Finish_Line(*pstUsual);
 }
 
 int32_t Seek_SSA(uint32_t uiTargetMs, uint32_t bBackward, int32_t /*iCurrPTS*/,
