@@ -33,22 +33,28 @@ StreamWindow &Get_Window()
     return s_astStreamWindow[pstQuibCaptionParserInfo->uiCurrStream];
 }
 
-int32_t Take_Byte(void *hFile, uint8_t *pucByte)
+/** Refill the used-up buffer. @return 1, or why there is no byte (logged) */
+[[gnu::noinline]] int32_t Refill(void *hFile)
 {
     CaptionStreamInfo &stInfo = Get_StreamInfo();
-    if (stInfo.iStreamBufIndex >= stInfo.iStreamDataSize) {
-        if (stInfo.iStreamDataSize == NO_CAPTION_DATA) {
-            LOG_PARSER("Get_CharCode() - No Caption Data!\n");
-            return NO_CAPTION_DATA;
-        }
-        const int32_t iRead = Fill_StreamBuffer(hFile);
-        if (iRead == 0) LOG_PARSER("Get_CharCode() - End of Caption File!\n");
-        if (iRead < 0) LOG_PARSER("Get_CharCode() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", iRead);
-        if (iRead <= 0) return iRead;
-        stInfo.iStreamBufIndex = 0;
+    if (stInfo.iStreamDataSize == NO_CAPTION_DATA) {
+        LOG_PARSER("Get_CharCode() - No Caption Data!\n");
+        return NO_CAPTION_DATA;
     }
-    *pucByte = stInfo.pucStreamBuf[stInfo.iStreamBufIndex++];
+    const int32_t iRead = Fill_StreamBuffer(hFile);
+    if (iRead == 0) LOG_PARSER("Get_CharCode() - End of Caption File!\n");
+    if (iRead < 0) LOG_PARSER("Get_CharCode() - QUIBCAPTCB_FileRead() Failed! (ERROR = %d)\n", iRead);
+    if (iRead <= 0) return iRead;
+    stInfo.iStreamBufIndex = 0;
     return 1;
+}
+
+inline int32_t Take_Byte(void *hFile, uint8_t *pucByte)
+{
+    CaptionStreamInfo &stInfo = Get_StreamInfo();
+    const int32_t iResult = stInfo.iStreamBufIndex < stInfo.iStreamDataSize ? 1 : Refill(hFile);
+    if (iResult > 0) *pucByte = stInfo.pucStreamBuf[stInfo.iStreamBufIndex++];
+    return iResult;
 }
 
 int32_t Get_Utf16Char(void *hFile, uint16_t *pusChar)
@@ -136,35 +142,6 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     return Convert_DoubleByte(aucByte, pusChar);
 }
 
-/** Decode a UTF-8 character of two or three bytes. @return its bytes, or 0 where it is not in good form */
-uint32_t Decode_Utf8(const uint8_t *pucByte, ptrdiff_t iHeld, uint16_t *pusUnit)
-{
-    const auto fnTail = [=](uint32_t uiByte) { return pucByte[uiByte] & 0x3Fu; };
-    const auto fnContinues = [=](uint32_t uiByte) { return (pucByte[uiByte] & 0xC0) == 0x80; };
-    const int32_t iContinuations = Get_Utf8Continuations(pucByte[0]);
-    if (iContinuations < 1 || iHeld <= iContinuations || !fnContinues(1)) return 0;
-    const bool bThree = iContinuations == 2;
-    if (bThree && !fnContinues(2)) return 0;
-    *pusUnit = static_cast<uint16_t>(bThree ? (pucByte[0] & 0x0Fu) << 12 | fnTail(1) << 6 | fnTail(2)
-                                            : (pucByte[0] & 0x1Fu) << 6 | fnTail(1));
-    return bThree ? 3 : 2;
-}
-
-/** Take a character of Unicode text that the buffer holds whole and in good form. @return its bytes, or 0 */
-int32_t Take_BufferedChar(uint16_t *pusChar)
-{
-    const HeldBytes stHeld = Look_Ahead();
-    const ptrdiff_t iHeld = stHeld.pucEnd - stHeld.pucBegin;
-    if (iHeld < 2 || s_uiTextEncoding == E_TEXT_ENCODING_ANSI) return 0;
-    uint32_t uiBytes = 2;
-    if (s_uiTextEncoding == E_TEXT_ENCODING_UTF8)
-        uiBytes = Decode_Utf8(stHeld.pucBegin, iHeld, pusChar);
-    else
-        *pusChar = Get_Utf16Unit(stHeld.pucBegin, Is_BigEndianText());
-    Take_HeldBytes(uiBytes);
-    return static_cast<int32_t>(uiBytes);
-}
-
 /** Seek to the file's start and read up to uiBytes bytes. @return bytes read, or a value below 1. */
 int32_t Read_FileStart(void *hFile, uint32_t uiBytes)
 {
@@ -207,8 +184,6 @@ uint32_t Scan_Encoding(void *hFile)
 
 int32_t Get_DecodedChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
 {
-    const int32_t iTaken = Take_BufferedChar(pusChar);
-    if (iTaken > 0) return iTaken;
     if (Is_Utf16Text()) return Get_Utf16Char(hFile, pusChar);
     return s_uiTextEncoding == E_TEXT_ENCODING_UTF8 ? Get_Utf8Char(hFile, pusChar)
                                                     : Get_AnsiChar(hFile, pusChar, iRawMode);
