@@ -18,6 +18,7 @@ static constexpr const char *MAIN_FOOTER = R"(Examples:
   zyrsub convert movie.smi -o movie.srt   the captions as a file of another format
   zyrsub find movie.avi              which subtitle a player finds for the movie, and why
   zyrsub lint movie.srt              what the box makes of the file that was not meant
+  zyrsub fix movie.srt -o fixed.srt  the file as the box must have it
 
 "zyrsub COMMAND --help" tells more about each command.
 
@@ -43,6 +44,14 @@ static constexpr const char *LINT_FOOTER = R"(Examples:
   zyrsub lint --explain ZYR-SRT-005          what a code means, with an example
 
 Exit codes: 0 no findings of the level, 1 some (or different failures), 2 wrong use, 3 not found or not readable.)";
+
+static constexpr const char *FIX_FOOTER = R"(Examples:
+  zyrsub fix movie.srt -o fixed.srt          written as the box reads it
+  zyrsub fix --dry-run movie.smi             what would be changed, as a diff
+  zyrsub fix subtitles/ -o fixed/            every file of a tree, under its own path
+
+Each change is told on standard error with the line that it is in, and so is what could not be fixed: then the exit
+code is 3. A file that is right is written as it is.)";
 
 static constexpr const char *FRAMES_FOOTER = R"(Examples:
   zyrsub frames movie.srt                           every frame: from, until, text
@@ -221,7 +230,7 @@ static void Add_FindCommand(CLI::App &stApp, CommandLine &stLine)
     pstFind->footer(FIND_FOOTER);
 }
 
-// Line ends are what lint is about, and its log is joined with what it finds.
+// Line ends are what lint and fix are about, and the log is joined with what they find.
 static void Add_LintSource(CLI::App *pstLint, Options &stOptions)
 {
     SourceOptions &stSource = stOptions.stSource;
@@ -233,11 +242,6 @@ static void Add_LintSource(CLI::App *pstLint, Options &stOptions)
                      "code page of text without a Unicode encoding; auto: what it looks like [CP949]")
         ->type_name("NAME");
     pstLint->add_flag("--single-byte", stSource.bSingleByte, "every byte of such text is one character");
-    pstLint
-        ->add_option("--class", stSource.astrClasses,
-                     "language class to look at, by name or index; repeat for more")
-        ->allow_extra_args(false)
-        ->type_name("NAME|INDEX");
 }
 
 static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
@@ -246,6 +250,11 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
     CLI::App *pstLint =
         Add_Command(stApp, stLine, "lint", "What the box makes of a file that was not meant", Run_Lint);
     Add_LintSource(pstLint, stLine.stOptions);
+    pstLint
+        ->add_option("--class", stLine.stOptions.stSource.astrClasses,
+                     "language class to look at, by name or index; repeat for more")
+        ->allow_extra_args(false)
+        ->type_name("NAME|INDEX");
     pstLint->add_option("--format", stLint.strFormat, "how findings are written [text]")
         ->check(CLI::IsMember({"text", "json", "sarif", "junit"}));
     pstLint
@@ -275,6 +284,22 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
         ->add_option("--explain", stLint.strExplain, "tell what a code means; all: all of them, as Markdown")
         ->type_name("CODE");
     pstLint->footer(LINT_FOOTER);
+}
+
+static void Add_FixCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    FixOptions &stFix = stLine.stOptions.stFix;
+    CLI::App *pstFix =
+        Add_Command(stApp, stLine, "fix", "A file as the box must have it to show what was meant", Run_Fix);
+    Add_LintSource(pstFix, stLine.stOptions);
+    pstFix->get_option("MOVIE")->required();
+    pstFix
+        ->add_option("-o", stFix.strFile,
+                     "file to write; for several inputs the folder for them; - is standard output")
+        ->type_name("FILE|FOLDER");
+    pstFix->add_flag("--dry-run", stFix.bDryRun, "write nothing, and show what would change as a diff");
+    pstFix->add_flag("--force", stFix.bForce, "replace existing files");
+    pstFix->footer(FIX_FOOTER);
 }
 
 static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
@@ -433,6 +458,7 @@ CommandLine Read_CommandLine(int iArguments, char **ppszArguments)
     Add_ReportCommands(stApp, stLine);
     Add_FindCommand(stApp, stLine);
     Add_LintCommand(stApp, stLine);
+    Add_FixCommand(stApp, stLine);
     Add_RenderCommand(stApp, stLine);
     Add_PlayCommand(stApp, stLine);
     Add_ReportCommand(stApp, stLine);

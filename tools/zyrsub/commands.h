@@ -10,6 +10,7 @@ ExitCode Run_Frames(const Options &stOptions);
 ExitCode Run_Convert(const Options &stOptions);
 ExitCode Run_Find(const Options &stOptions);
 ExitCode Run_Render(const Options &stOptions);
+ExitCode Run_Fix(const Options &stOptions);
 ExitCode Run_Lint(const Options &stOptions);
 ExitCode Run_Play(const Options &stOptions);
 ExitCode Run_Report(const Options &stOptions);

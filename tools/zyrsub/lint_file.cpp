@@ -6,9 +6,10 @@
 
 #include "text_tools.h"
 
-static ExitCode Get_ExitCode(int iError)
+ExitCode Get_FindingsCode(const ZyrFindings *pstFindings)
 {
-    switch (iError) {
+    switch (zyrFindings_getError(pstFindings)) {
+    case ZYR_CAPTIONS_OK: return E_EXIT_GOOD;
     case ZYR_CAPTIONS_BAD_ARGUMENT:
     case ZYR_CAPTIONS_NO_CODE_PAGE:
     case ZYR_CAPTIONS_NO_CLASS: return E_EXIT_USAGE;
@@ -17,6 +18,13 @@ static ExitCode Get_ExitCode(int iError)
     case ZYR_CAPTIONS_FOLDER: return E_EXIT_NOT_FOUND;
     default: return E_EXIT_SOME_FAILED;
     }
+}
+
+std::string Get_FindingsText(const ZyrFindings *pstFindings, const std::string &strMovie)
+{
+    const std::string strLead = strMovie + ": ";
+    const std::string strText = zyrFindings_getErrorText(pstFindings);
+    return strText.starts_with(strLead) ? strText.substr(strLead.size()) : strText;
 }
 
 Outcome LintFile::Open(const std::string &strMovie, const Options &stOptions)
@@ -36,11 +44,7 @@ Outcome LintFile::Open(const std::string &strMovie, const Options &stOptions)
     ZyrFinding stFinding;
     for (uint32_t ui = 0; zyrFindings_get(m_pstFindings.get(), ui, &stFinding) == ZYR_CAPTIONS_OK; ++ui)
         if (stFinding.uiSeverity >= stLint.uiLevel) m_astFindings.push_back(stFinding);
-    const int iError = zyrFindings_getError(m_pstFindings.get());
-    if (iError == ZYR_CAPTIONS_OK) return {};
-    const std::string strLead = strMovie + ": ";
-    const std::string strText = zyrFindings_getErrorText(m_pstFindings.get());
-    return {Get_ExitCode(iError), strText.starts_with(strLead) ? strText.substr(strLead.size()) : strText};
+    return {Get_FindingsCode(m_pstFindings.get()), Get_FindingsText(m_pstFindings.get(), strMovie)};
 }
 
 uint32_t LintFile::Count(uint32_t uiSeverity) const

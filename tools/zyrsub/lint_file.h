@@ -34,6 +34,10 @@ struct LintResult {
     Outcome stOutcome;
 };
 
+// How a search that failed ends, and why, without the file's name in front.
+ExitCode Get_FindingsCode(const ZyrFindings *pstFindings);
+std::string Get_FindingsText(const ZyrFindings *pstFindings, const std::string &strMovie);
+
 ZyrFindingRule Get_Rule(uint32_t uiRule);
 
 #endif

@@ -52,6 +52,12 @@ struct PageOptions {
     bool bForce = false;
 };
 
+struct FixOptions {
+    std::string strFile; // a file, a folder for several inputs, "-": standard output
+    bool bDryRun = false;
+    bool bForce = false;
+};
+
 // The output, or one without a name; and how many there are.
 ZyrCaptionOutput Get_Output(uint32_t uiOutput);
 uint32_t Count_Outputs();
@@ -80,6 +86,7 @@ struct Options {
     PlayOptions stPlay;
     LintOptions stLint;
     PageOptions stPage;
+    FixOptions stFix;
     ConvertOptions stConvert;
     bool bWatch = false; // report, play: go on with the file as it is written anew
     int iVerbose = 0;    // 1: the library's errors, 2: all it logs
