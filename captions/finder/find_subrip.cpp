@@ -42,8 +42,16 @@ bool Is_NumberLine(std::string_view strLine)
     return !Is_Empty(strLine) && strLine.find_first_not_of("0123456789 \t") == NOWHERE;
 }
 
+// Where the end of the first time is at the latest: an arrow, or the line's end behind a whole time and nothing else.
 size_t Find_Arrow(std::string_view strLine)
 {
+    static constexpr std::string_view FORM = "00:00:00,000";
+    bool bAlone = strLine.size() == FORM.size();
+    for (size_t ui = 0; bAlone && ui < FORM.size(); ++ui)
+        bAlone = FORM[ui] == ','      ? strLine[ui] == ',' || strLine[ui] == '.'
+                 : Is_Digit(FORM[ui]) ? Is_Digit(strLine[ui])
+                                      : strLine[ui] == ':';
+    if (bAlone) return strLine.size();
     const size_t uiArrow = std::min(strLine.find("-->"), strLine.find("->"));
     if (uiArrow == NOWHERE || strLine.find_first_of("0123456789") > uiArrow) return NOWHERE;
     return strLine.find_first_of(":.,", 0) < uiArrow ? uiArrow : NOWHERE;

@@ -162,6 +162,9 @@ void Find_Breaks(const Comparison &stBoth, const TextMatch &stMatch)
         const PlainCharacter &stShown = stBoth.astShown[stPair.uiShown];
         auto [itUse, bNew] =
             stLines.try_emplace(stMeant.uiLine, LineUse{stShown.uiLine, stShown.uiLine, stPair.uiMeant});
+        if (stMeant.uiCharacter >= FIRST_ASTRAL)
+            Add_Missing(stBoth, E_RULE_TEXT_ASTRAL, stPair.uiMeant, stPair.uiMeant + 1,
+                        " is beyond U+FFFF, and the box draws two wrong shapes for it");
         itUse->second.uiLast = std::max(itUse->second.uiLast, stShown.uiLine);
         const bool bFollows = ui > 0 && stMatch.astPairs[ui - 1].uiMeant + 1 == stPair.uiMeant &&
                               stMatch.astPairs[ui - 1].uiShown + 1 == stPair.uiShown;

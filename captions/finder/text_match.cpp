@@ -7,7 +7,8 @@ namespace
 
 constexpr uint32_t SURE = 4;          // equal characters after which two texts are together again
 constexpr uint32_t MEANT_MOST = 2000; // characters that are looked through for that
-constexpr uint32_t SHOWN_MOST = 24;
+constexpr uint32_t SHOWN_MOST = 64;
+constexpr uint32_t BRACE_MOST = 200;
 
 struct Matcher {
     std::string_view strFile;
@@ -22,6 +23,7 @@ struct Matcher {
     bool Is_Together(uint32_t uiA, uint32_t uiB) const;
     uint32_t Measure_Literal() const;
     void Step_Entity();
+    bool Step_Brace();
     void Step_Apart();
     void Add_Part(uint32_t uiMeantEnd, uint32_t uiShownEnd);
 };
@@ -38,6 +40,7 @@ bool Matcher::Is_Together(uint32_t uiA, uint32_t uiB) const
         const bool bMeantEnds = uiA + ui >= astMeant.size();
         const bool bShownEnds = uiB + ui >= astShown.size();
         if (bMeantEnds || bShownEnds) return bMeantEnds && bShownEnds;
+        if (ui > 0 && astMeant[uiA + ui].usEntity > 0) return true; // what stands for it may be of any length
         if (!Is_Equal(uiA + ui, uiB + ui)) return false;
     }
     return true;
@@ -75,8 +78,24 @@ void Matcher::Step_Entity()
     ++uiMeant;
 }
 
+// An override that is shown ends at its brace, whatever like it stands near.
+bool Matcher::Step_Brace()
+{
+    if (astShown[uiShown].uiCharacter != '{') return false;
+    for (uint32_t ui = uiShown; ui < std::min<size_t>(astShown.size(), uiShown + BRACE_MOST); ++ui)
+        if (astShown[ui].uiCharacter == '}') {
+            const bool bSame =
+                uiMeant < astMeant.size() && ui + 1 < astShown.size() && Is_Equal(uiMeant, ui + 1);
+            if (!bSame && !Is_Together(uiMeant, ui + 1)) return false;
+            Add_Part(uiMeant, ui + 1);
+            return true;
+        }
+    return false;
+}
+
 void Matcher::Step_Apart()
 {
+    if (Step_Brace()) return;
     const auto uiMeantEnd = static_cast<uint32_t>(astMeant.size());
     const auto uiShownEnd = static_cast<uint32_t>(astShown.size());
     for (uint32_t uiTotal = 1; uiTotal <= MEANT_MOST + SHOWN_MOST; ++uiTotal)

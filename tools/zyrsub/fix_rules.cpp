@@ -66,7 +66,10 @@ static void Fix_TimeLine(FixPlan &stPlan, const FixPlace &stPlace)
 
 static void Fix_TimeLineText(FixPlan &stPlan, const FixPlace &stPlace)
 {
-    Replace(stPlan, stPlace, 0, "\n", "the text put on a line of its own");
+    size_t uiFirst = stPlace.uiAt;
+    while (uiFirst > 0 && stPlan.stText.Get()[uiFirst - 1] == ' ') --uiFirst;
+    stPlan.Add(uiFirst, stPlace.uiAt - uiFirst, "\n", stPlace.stFinding.pszCode,
+               "the text put on a line of its own");
 }
 
 // An entry or a frame begins here, and the box does not see it.
@@ -265,8 +268,10 @@ static void Fix_Colour(FixPlan &stPlan, const FixPlace &stPlace)
     Replace(stPlan, stPlace, stPlace.uiBytes, strColour, "the colour written as " + strColour);
 }
 
+// Where it is a <br/> that the box does not know, that is mended.
 static void Fix_Joined(FixPlan &stPlan, const FixPlace &stPlace)
 {
+    if (Lower_Case(Get_Text(stPlan, stPlace)).find("<br/") != NOWHERE) return;
     size_t uiAt = stPlace.uiAt + 1;
     while (uiAt < stPlan.stText.Get().size() && (stPlan.stText.Get()[uiAt] & 0xC0) == 0x80) ++uiAt;
     stPlan.Add(uiAt, 0, " ", stPlace.stFinding.pszCode, "a blank put between the words");

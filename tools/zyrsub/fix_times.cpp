@@ -72,8 +72,21 @@ static std::string Trim(std::string_view strText)
     return std::string(strText.substr(uiFirst, strText.find_last_not_of(" \t") + 1 - uiFirst));
 }
 
+// A whole time, with nothing else on the line: an end is missing.
+static bool Is_Alone(std::string_view strLine)
+{
+    static constexpr std::string_view FORM = "00:00:00,000";
+    if (strLine.size() != FORM.size()) return false;
+    for (size_t ui = 0; ui < FORM.size(); ++ui)
+        if (Is_Digit(FORM[ui]) ? !Is_Digit(strLine[ui])
+                               : strLine[ui] != FORM[ui] && !(FORM[ui] == ',' && strLine[ui] == '.'))
+            return false;
+    return true;
+}
+
 static std::optional<TimeLine> Read_SubRip(std::string_view strLine)
 {
+    if (Is_Alone(strLine)) return TimeLine{*Read_LooseTime(strLine), *Read_LooseTime(strLine), "", ""};
     const size_t uiArrow = std::min(strLine.find("-->"), strLine.find("->"));
     if (uiArrow == NOWHERE) return std::nullopt;
     const std::string_view strEnd = strLine.substr(strLine.find('>', uiArrow) + 1);
