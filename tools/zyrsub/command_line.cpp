@@ -244,17 +244,8 @@ static void Add_LintSource(CLI::App *pstLint, Options &stOptions)
     pstLint->add_flag("--single-byte", stSource.bSingleByte, "every byte of such text is one character");
 }
 
-static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
+static void Add_LintReport(CLI::App *pstLint, LintOptions &stLint)
 {
-    LintOptions &stLint = stLine.stOptions.stLint;
-    CLI::App *pstLint =
-        Add_Command(stApp, stLine, "lint", "What the box makes of a file that was not meant", Run_Lint);
-    Add_LintSource(pstLint, stLine.stOptions);
-    pstLint
-        ->add_option("--class", stLine.stOptions.stSource.astrClasses,
-                     "language class to look at, by name or index; repeat for more")
-        ->allow_extra_args(false)
-        ->type_name("NAME|INDEX");
     pstLint->add_option("--format", stLint.strFormat, "how findings are written [text]")
         ->check(CLI::IsMember({"text", "json", "sarif", "junit"}));
     pstLint
@@ -267,6 +258,20 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
             },
             "tell findings of this severity and of worse ones [doubtful]")
         ->check(CLI::IsMember({"doubtful", "changed", "lost"}));
+}
+
+static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
+{
+    LintOptions &stLint = stLine.stOptions.stLint;
+    CLI::App *pstLint =
+        Add_Command(stApp, stLine, "lint", "What the box makes of a file that was not meant", Run_Lint);
+    Add_LintSource(pstLint, stLine.stOptions);
+    pstLint
+        ->add_option("--class", stLine.stOptions.stSource.astrClasses,
+                     "language class to look at, by name or index; repeat for more")
+        ->allow_extra_args(false)
+        ->type_name("NAME|INDEX");
+    Add_LintReport(pstLint, stLint);
     pstLint->add_option("--cps", stLint.uiSpeed, "more characters a second are too fast to read [25]")
         ->check(CLI::Range(1, 1000))
         ->type_name("N");
