@@ -450,9 +450,10 @@ static void zyr_sub_parse_class_init(ZyrSubParseClass *pstClass)
     pstElement->change_state = Change_State;
     gst_element_class_add_static_pad_template(pstElement, &s_stSinkTemplate);
     gst_element_class_add_static_pad_template(pstElement, &s_stSourceTemplate);
-    // A demuxer to those who plug elements by themselves: several streams come out.
+    // Several streams come out, and so it is a demuxer to those who plug elements by themselves. What they call a
+    // subtitle parser has one.
     gst_element_class_set_static_metadata(
-        pstElement, "Subtitle file parser", "Codec/Demuxer/Parser/Subtitle",
+        pstElement, "Subtitle file parser", "Codec/Demuxer/Subtitle",
         "Reads SAMI, SubRip, SubViewer and SSA files as set-top boxes do, each language a stream",
         "libZYRsubtitle authors");
 }

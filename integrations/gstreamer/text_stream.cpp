@@ -35,8 +35,9 @@ static GstTagList *Make_Tags(const ZyrCaptions *pstCaptions, uint32_t uiClass)
 void Announce_Stream(const TextStream &stStream, GstElement *pstElement, const ZyrCaptions *pstCaptions,
                      uint32_t uiClass, guint uiGroup)
 {
-    gchar *const pszId = gst_pad_create_stream_id(stStream.pstPad, pstElement,
-                                                  Get_ClassTitle(pstCaptions, uiClass).c_str());
+    // Players list streams by their ids.
+    gchar *const pszId = gst_pad_create_stream_id_printf(stStream.pstPad, pstElement, "%03u:%s", uiClass,
+                                                         Get_ClassTitle(pstCaptions, uiClass).c_str());
     GstEvent *const pstStart = gst_event_new_stream_start(pszId);
     g_free(pszId);
     gst_event_set_group_id(pstStart, uiGroup);
