@@ -70,7 +70,8 @@ static ComponentPlace Get_Place(const GstVideoFormatInfo *pstFormat, guint uiCom
 }
 
 // The mean of the picture's pixels under a sample; what lies beside the picture is empty.
-static Weights Get_Mean(const CaptionPicture &stPicture, const ComponentPlace &stPlace, uint32_t uiX, uint32_t uiY)
+static Weights Get_Mean(const CaptionPicture &stPicture, const ComponentPlace &stPlace, uint32_t uiX,
+                        uint32_t uiY)
 {
     const ZyrCaptionBox &stBox = stPicture.stBox;
     const uint32_t uiLeft = std::max(uiX << stPlace.uiShiftX, stBox.uiX);
@@ -94,8 +95,8 @@ static uint8_t Round_Byte(double dValue)
     return static_cast<uint8_t>(std::lround(std::clamp(dValue, 0.0, FULL)));
 }
 
-static void Fill_Component(PlaneMarks &stMarks, const CaptionPicture &stPicture, const ComponentPlace &stPlace,
-                           const Weights &adWeights)
+static void Fill_Component(PlaneMarks &stMarks, const CaptionPicture &stPicture,
+                           const ComponentPlace &stPlace, const Weights &adWeights)
 {
     const uint32_t uiSamples = stMarks.uiRowBytes / stPlace.uiStep;
     for (uint32_t uiRow = 0; uiRow < stMarks.astRows.size(); ++uiRow) {
@@ -103,7 +104,8 @@ static void Fill_Component(PlaneMarks &stMarks, const CaptionPicture &stPicture,
             const Weights adMean =
                 Get_Mean(stPicture, stPlace, stMarks.uiX / stPlace.uiStep + ui, stMarks.uiY + uiRow);
             double dValue = 0;
-            for (size_t uiByte = 0; uiByte < PIXEL_BYTES; ++uiByte) dValue += adMean[uiByte] * adWeights[uiByte];
+            for (size_t uiByte = 0; uiByte < PIXEL_BYTES; ++uiByte)
+                dValue += adMean[uiByte] * adWeights[uiByte];
             const size_t uiAt = size_t{uiRow} * stMarks.uiRowBytes + ui * stPlace.uiStep + stPlace.uiOffset;
             stMarks.aucAdded[uiAt] = Round_Byte(dValue);
             stMarks.aucKept[uiAt] = Round_Byte(FULL - adMean[3]);
@@ -111,7 +113,8 @@ static void Fill_Component(PlaneMarks &stMarks, const CaptionPicture &stPicture,
     }
 }
 
-static PlaneMarks Make_EmptyMarks(const CaptionPicture &stPicture, guint uiPlane, const ComponentPlace &stPlace)
+static PlaneMarks Make_EmptyMarks(const CaptionPicture &stPicture, guint uiPlane,
+                                  const ComponentPlace &stPlace)
 {
     const ZyrCaptionBox &stBox = stPicture.stBox;
     const auto pfLast = [](uint32_t uiEnd, uint32_t uiShift) { return (uiEnd - 1) >> uiShift; };

@@ -105,7 +105,8 @@ static void Load_Track(ZyrCaptionOverlay *pstSelf)
         const int iError = stState.stTrack.Load(strPath, stState.stSettings.stSource);
         GST_INFO_OBJECT(pstSelf, "subtitle of %s: %d", strPath.c_str(), iError);
         if (iError == ZYR_CAPTIONS_NOT_FOUND && !bBeside)
-            GST_ELEMENT_WARNING(pstSelf, RESOURCE, NOT_FOUND, ("%s", stState.stTrack.Get_ErrorText()), (nullptr));
+            GST_ELEMENT_WARNING(pstSelf, RESOURCE, NOT_FOUND, ("%s", stState.stTrack.Get_ErrorText()),
+                                (nullptr));
         else if (iError != ZYR_CAPTIONS_OK && iError != ZYR_CAPTIONS_NOT_FOUND)
             GST_ELEMENT_WARNING(pstSelf, STREAM, DECODE, ("%s", stState.stTrack.Get_ErrorText()), (nullptr));
     }
@@ -114,7 +115,8 @@ static void Load_Track(ZyrCaptionOverlay *pstSelf)
 
 static bool Is_SameSource(const OverlaySettings &stOne, const OverlaySettings &stOther)
 {
-    return stOne.strLocation == stOther.strLocation && stOne.stSource.strCodePage == stOther.stSource.strCodePage &&
+    return stOne.strLocation == stOther.strLocation &&
+           stOne.stSource.strCodePage == stOther.stSource.strCodePage &&
            stOne.stSource.bBoxLineEnds == stOther.stSource.bBoxLineEnds;
 }
 
@@ -136,7 +138,8 @@ static void Take_Settings(ZyrCaptionOverlay *pstSelf)
     if (!bChanged || stState.stTrack.Choose_Class(stState.stSettings.strClass)) return;
     if (!stState.stTrack.List_Classes().empty())
         GST_ELEMENT_WARNING(pstSelf, STREAM, FAILED,
-                            ("The subtitle has no language \"%s\".", stState.stSettings.strClass.c_str()), (nullptr));
+                            ("The subtitle has no language \"%s\".", stState.stSettings.strClass.c_str()),
+                            (nullptr));
 }
 
 /* ---- The picture of the moment. ---- */
@@ -153,7 +156,8 @@ static void Make_Picture(ZyrCaptionOverlay *pstSelf)
 {
     CaptionOverlayState &stState = *pstSelf->pstState;
     Drop_Picture(stState);
-    const int iError = Draw_Caption(stState.stSettings.stScreen, stState.stTrack.Get_Text(), stState.stPicture);
+    const int iError =
+        Draw_Caption(stState.stSettings.stScreen, stState.stTrack.Get_Text(), stState.stPicture);
     if (iError == ZYR_CAPTIONS_BUSY) {
         GST_DEBUG_OBJECT(pstSelf, "the program draws captions itself just now");
         stState.stTrack.Forget_Text();
@@ -200,8 +204,10 @@ static GstBuffer *Blend_Caption(ZyrCaptionOverlay *pstSelf, GstBuffer *pstBuffer
         GST_WARNING_OBJECT(pstSelf, "a frame cannot be written to");
         return pstBuffer;
     }
-    if (stState.eWay == E_WAY_BLEND) Blend_Marks(stState.astMarks, stFrame);
-    else gst_video_overlay_composition_blend(stState.pstComposition, &stFrame);
+    if (stState.eWay == E_WAY_BLEND)
+        Blend_Marks(stState.astMarks, stFrame);
+    else
+        gst_video_overlay_composition_blend(stState.pstComposition, &stFrame);
     gst_video_frame_unmap(&stFrame);
     return pstBuffer;
 }
@@ -209,13 +215,15 @@ static GstBuffer *Blend_Caption(ZyrCaptionOverlay *pstSelf, GstBuffer *pstBuffer
 static GstBuffer *Show_Caption(ZyrCaptionOverlay *pstSelf, GstBuffer *pstBuffer)
 {
     CaptionOverlayState &stState = *pstSelf->pstState;
-    const guint64 ullTime = gst_segment_to_stream_time(&stState.stSegment, GST_FORMAT_TIME, GST_BUFFER_PTS(pstBuffer));
+    const guint64 ullTime =
+        gst_segment_to_stream_time(&stState.stSegment, GST_FORMAT_TIME, GST_BUFFER_PTS(pstBuffer));
     if (!GST_CLOCK_TIME_IS_VALID(ullTime) || stState.eWay == E_WAY_NONE || stState.stSettings.bSilent)
         return pstBuffer;
     const guint64 ullMs = MIN(ullTime / GST_MSECOND, static_cast<guint64>(G_MAXINT32 - 1));
     if (stState.stTrack.Move_To(static_cast<int32_t>(ullMs))) Make_Picture(pstSelf);
     if (stState.stPicture.aucBgra.empty()) return pstBuffer;
-    return stState.eWay == E_WAY_ATTACH ? Attach_Caption(stState, pstBuffer) : Blend_Caption(pstSelf, pstBuffer);
+    return stState.eWay == E_WAY_ATTACH ? Attach_Caption(stState, pstBuffer)
+                                        : Blend_Caption(pstSelf, pstBuffer);
 }
 
 /* ---- Caps. ---- */
@@ -278,7 +286,8 @@ static void Answer_Caps(ZyrCaptionOverlay *pstSelf, GstPad *pstPad, GstQuery *ps
     gst_query_parse_caps(pstQuery, &pstFilter);
     GstCaps *const pstOwn = gst_pad_get_pad_template_caps(pstPad);
     GstCaps *const pstPeer = gst_pad_peer_query_caps(pstOther, nullptr);
-    GstCaps *pstResult = gst_caps_is_any(pstPeer) ? gst_caps_copy(pstOwn) : Merge_Caps(pstOwn, pstPeer, !bSink);
+    GstCaps *pstResult =
+        gst_caps_is_any(pstPeer) ? gst_caps_copy(pstOwn) : Merge_Caps(pstOwn, pstPeer, !bSink);
     if (pstFilter != nullptr) {
         GstCaps *const pstFiltered = gst_caps_intersect_full(pstFilter, pstResult, GST_CAPS_INTERSECT_FIRST);
         gst_caps_unref(pstResult);
@@ -296,8 +305,8 @@ static GstFlowReturn Take_Frame(GstPad *, GstObject *pstParent, GstBuffer *pstBu
 {
     ZyrCaptionOverlay *const pstSelf = Get_Overlay(pstParent);
     GstPad *const pstSourcePad = pstSelf->pstSourcePad;
-    const bool bReady = pstSelf->pstState->bInfo &&
-                        (!gst_pad_check_reconfigure(pstSourcePad) || Negotiate_Again(pstSelf));
+    const bool bReady =
+        pstSelf->pstState->bInfo && (!gst_pad_check_reconfigure(pstSourcePad) || Negotiate_Again(pstSelf));
     if (!bReady) {
         gst_buffer_unref(pstBuffer);
         return GST_PAD_IS_FLUSHING(pstSourcePad) ? GST_FLOW_FLUSHING : GST_FLOW_NOT_NEGOTIATED;
@@ -353,8 +362,10 @@ static void Set_Property(GObject *pstObject, guint uiProperty, const GValue *pst
 {
     CaptionOverlayState &stState = *Get_Overlay(pstObject)->pstState;
     const std::lock_guard<std::mutex> stGuard(stState.stLock);
-    if (Set_OverlaySetting(stState.stNewSettings, uiProperty, pstValue)) stState.bSettingsChanged = true;
-    else G_OBJECT_WARN_INVALID_PROPERTY_ID(pstObject, uiProperty, pstSpec);
+    if (Set_OverlaySetting(stState.stNewSettings, uiProperty, pstValue))
+        stState.bSettingsChanged = true;
+    else
+        G_OBJECT_WARN_INVALID_PROPERTY_ID(pstObject, uiProperty, pstSpec);
 }
 
 static gchar **Make_Names(const std::vector<std::string> &astrNames)
@@ -368,7 +379,8 @@ static void Get_Property(GObject *pstObject, guint uiProperty, GValue *pstValue,
 {
     CaptionOverlayState &stState = *Get_Overlay(pstObject)->pstState;
     const std::lock_guard<std::mutex> stGuard(stState.stLock);
-    if (uiProperty == E_OVERLAY_CLASSES) g_value_take_boxed(pstValue, Make_Names(stState.astrClasses));
+    if (uiProperty == E_OVERLAY_CLASSES)
+        g_value_take_boxed(pstValue, Make_Names(stState.astrClasses));
     else if (!Get_OverlaySetting(stState.stNewSettings, uiProperty, pstValue))
         G_OBJECT_WARN_INVALID_PROPERTY_ID(pstObject, uiProperty, pstSpec);
 }

@@ -31,7 +31,8 @@ int Draw_Caption(const ScreenSettings &stSettings, const std::string &strText, C
     stPicture = {};
     if (strText.empty()) return ZYR_CAPTIONS_OK;
     zyrCaptions_getOutput(stSettings.uiOutput, &stPicture.stOutput);
-    std::vector<uint8_t> aucRgba(size_t{stPicture.stOutput.uiWidth} * stPicture.stOutput.uiHeight * PIXEL_BYTES);
+    std::vector<uint8_t> aucRgba(size_t{stPicture.stOutput.uiWidth} * stPicture.stOutput.uiHeight *
+                                 PIXEL_BYTES);
     const std::lock_guard<std::mutex> stGuard(s_stScreenLock);
     ZyrCaptionScreen *pstScreen = nullptr;
     int iResult = zyrCaptions_openScreen(stPicture.stOutput.pszName, stSettings.uiFontSize,
@@ -69,11 +70,12 @@ static bool Convert_Pixels(const GstVideoInfo &stFrom, const uint8_t *pucFrom, c
     const bool bMapped = gst_video_frame_map(&stFromFrame, &stFrom, pstFrom, GST_MAP_READ) != FALSE &&
                          gst_video_frame_map(&stToFrame, &stTo, pstTo, GST_MAP_WRITE) != FALSE;
     GstVideoConverter *const pstConverter =
-        bMapped ? gst_video_converter_new(&stFrom, &stTo,
-                                          gst_structure_new("options", GST_VIDEO_CONVERTER_OPT_RESAMPLER_METHOD,
-                                                            GST_TYPE_VIDEO_RESAMPLER_METHOD,
-                                                            GST_VIDEO_RESAMPLER_METHOD_LINEAR, nullptr))
-                : nullptr;
+        bMapped
+            ? gst_video_converter_new(&stFrom, &stTo,
+                                      gst_structure_new("options", GST_VIDEO_CONVERTER_OPT_RESAMPLER_METHOD,
+                                                        GST_TYPE_VIDEO_RESAMPLER_METHOD,
+                                                        GST_VIDEO_RESAMPLER_METHOD_LINEAR, nullptr))
+            : nullptr;
     if (pstConverter != nullptr) gst_video_converter_frame(pstConverter, &stFromFrame, &stToFrame);
     if (pstConverter != nullptr) gst_video_converter_free(pstConverter);
     if (bMapped) {
@@ -93,13 +95,15 @@ CaptionPicture Scale_Picture(const CaptionPicture &stPicture, uint32_t uiWidth, 
     stScaled.stBox = Place_Picture(stPicture, uiWidth, uiHeight);
     stScaled.stOutput = {stPicture.stOutput.pszName, uiWidth, uiHeight};
     if (stScaled.stBox.uiWidth == 0 || stScaled.stBox.uiHeight == 0) return {};
-    if (stScaled.stBox.uiWidth == stPicture.stBox.uiWidth && stScaled.stBox.uiHeight == stPicture.stBox.uiHeight) {
+    if (stScaled.stBox.uiWidth == stPicture.stBox.uiWidth &&
+        stScaled.stBox.uiHeight == stPicture.stBox.uiHeight) {
         stScaled.aucBgra = stPicture.aucBgra;
         return stScaled;
     }
     GstVideoInfo stFrom;
     GstVideoInfo stTo;
-    gst_video_info_set_format(&stFrom, GST_VIDEO_FORMAT_BGRA, stPicture.stBox.uiWidth, stPicture.stBox.uiHeight);
+    gst_video_info_set_format(&stFrom, GST_VIDEO_FORMAT_BGRA, stPicture.stBox.uiWidth,
+                              stPicture.stBox.uiHeight);
     gst_video_info_set_format(&stTo, GST_VIDEO_FORMAT_BGRA, stScaled.stBox.uiWidth, stScaled.stBox.uiHeight);
     stScaled.aucBgra.resize(GST_VIDEO_INFO_SIZE(&stTo));
     if (!Convert_Pixels(stFrom, stPicture.aucBgra.data(), stTo, stScaled.aucBgra.data())) return {};
@@ -109,8 +113,7 @@ CaptionPicture Scale_Picture(const CaptionPicture &stPicture, uint32_t uiWidth, 
 // The format of compositions is a 32-bit word of alpha, red, green and blue in the machine's byte order.
 static GstBuffer *Make_CompositionPixels(const CaptionPicture &stPicture)
 {
-    GstBuffer *const pstPixels =
-        gst_buffer_new_memdup(stPicture.aucBgra.data(), stPicture.aucBgra.size());
+    GstBuffer *const pstPixels = gst_buffer_new_memdup(stPicture.aucBgra.data(), stPicture.aucBgra.size());
     if constexpr (G_BYTE_ORDER == G_BIG_ENDIAN) {
         GstMapInfo stMap;
         gst_buffer_map(pstPixels, &stMap, GST_MAP_READWRITE);
@@ -123,7 +126,8 @@ static GstBuffer *Make_CompositionPixels(const CaptionPicture &stPicture)
     return pstPixels;
 }
 
-GstVideoOverlayComposition *Make_Composition(const CaptionPicture &stPicture, uint32_t uiWidth, uint32_t uiHeight)
+GstVideoOverlayComposition *Make_Composition(const CaptionPicture &stPicture, uint32_t uiWidth,
+                                             uint32_t uiHeight)
 {
     const ZyrCaptionBox stPlace = Place_Picture(stPicture, uiWidth, uiHeight);
     GstBuffer *const pstPixels = Make_CompositionPixels(stPicture);

@@ -34,6 +34,7 @@ ZyrCaptionBox Place_Picture(const CaptionPicture &stPicture, uint32_t uiWidth, u
 CaptionPicture Scale_Picture(const CaptionPicture &stPicture, uint32_t uiWidth, uint32_t uiHeight);
 
 // For a sink that puts captions over the film itself.
-GstVideoOverlayComposition *Make_Composition(const CaptionPicture &stPicture, uint32_t uiWidth, uint32_t uiHeight);
+GstVideoOverlayComposition *Make_Composition(const CaptionPicture &stPicture, uint32_t uiWidth,
+                                             uint32_t uiHeight);
 
 #endif

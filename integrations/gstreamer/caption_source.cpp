@@ -38,7 +38,8 @@ static bool Is_NameOfClass(const ZyrCaptions *pstCaptions, uint32_t uiClass, con
     if (*stClass.pszName == '\0') return g_ascii_strcasecmp(pszName, UNNAMED) == 0;
     if (g_ascii_strcasecmp(pszName, stClass.pszName) == 0) return true;
     for (uint32_t ui = 0; ui < stClass.uiFolded; ++ui)
-        if (g_ascii_strcasecmp(pszName, zyrCaptions_getFoldedName(pstCaptions, uiClass, ui)) == 0) return true;
+        if (g_ascii_strcasecmp(pszName, zyrCaptions_getFoldedName(pstCaptions, uiClass, ui)) == 0)
+            return true;
     return false;
 }
 
@@ -78,7 +79,8 @@ static std::string Make_ColorTag(uint16_t usColor)
 // The style that a caption ends with stands for all of it.
 static std::string Make_Markup(const ZyrCaption &stCaption)
 {
-    char *const pszEscaped = g_markup_escape_text(stCaption.pszText, static_cast<gssize>(stCaption.uiTextBytes));
+    char *const pszEscaped =
+        g_markup_escape_text(stCaption.pszText, static_cast<gssize>(stCaption.uiTextBytes));
     std::string strMarkup = pszEscaped;
     g_free(pszEscaped);
     const uint32_t uiMode = stCaption.pstStyle->uiDisplayMode;

@@ -38,7 +38,8 @@ bool Has_CompositionFeature(const GstCaps *pstCaps)
 
 GstCaps *Merge_Caps(GstCaps *pstOwn, const GstCaps *pstOther, bool bWith)
 {
-    GstCaps *const pstChanged = bWith ? Add_CompositionFeature(pstOther) : Remove_CompositionFeature(pstOther);
+    GstCaps *const pstChanged =
+        bWith ? Add_CompositionFeature(pstOther) : Remove_CompositionFeature(pstOther);
     // With the feature first, where it may be chosen: what comes first is preferred.
     GstCaps *const pstBoth = bWith ? gst_caps_merge(pstChanged, gst_caps_copy(pstOther))
                                    : gst_caps_merge(gst_caps_copy(pstOther), pstChanged);
@@ -50,8 +51,9 @@ GstCaps *Merge_Caps(GstCaps *pstOwn, const GstCaps *pstOther, bool bWith)
 bool Asks_ForCompositions(GstPad *pstPad, GstCaps *pstCaps)
 {
     GstQuery *const pstQuery = gst_query_new_allocation(pstCaps, FALSE);
-    const bool bAsks = gst_pad_peer_query(pstPad, pstQuery) &&
-                       gst_query_find_allocation_meta(pstQuery, GST_VIDEO_OVERLAY_COMPOSITION_META_API_TYPE, nullptr);
+    const bool bAsks =
+        gst_pad_peer_query(pstPad, pstQuery) &&
+        gst_query_find_allocation_meta(pstQuery, GST_VIDEO_OVERLAY_COMPOSITION_META_API_TYPE, nullptr);
     gst_query_unref(pstQuery);
     return bAsks;
 }

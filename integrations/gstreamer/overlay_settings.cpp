@@ -9,8 +9,7 @@ static GType Get_OutputType()
         auto *const pastValues = new std::vector<GEnumValue>; // stays as long as the type
         ZyrCaptionOutput stOutput;
         for (gint i = 0; zyrCaptions_getOutput(static_cast<uint32_t>(i), &stOutput) == ZYR_CAPTIONS_OK; ++i) {
-            gchar *const pszSize =
-                g_strdup_printf("%u x %u pixels", stOutput.uiWidth, stOutput.uiHeight);
+            gchar *const pszSize = g_strdup_printf("%u x %u pixels", stOutput.uiWidth, stOutput.uiHeight);
             pastValues->push_back({i, g_intern_string(pszSize), stOutput.pszName});
             g_free(pszSize);
         }
@@ -20,8 +19,8 @@ static GType Get_OutputType()
     return s_uiType;
 }
 
-static constexpr auto STATIC_READWRITE = static_cast<GParamFlags>(
-    G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS | GST_PARAM_MUTABLE_PLAYING);
+static constexpr auto STATIC_READWRITE =
+    static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS | GST_PARAM_MUTABLE_PLAYING);
 static constexpr auto STATIC_READ = static_cast<GParamFlags>(G_PARAM_READABLE | G_PARAM_STATIC_STRINGS);
 
 static void Install_SourceProperties(GObjectClass *pstClass)
@@ -48,23 +47,24 @@ static void Install_SourceProperties(GObjectClass *pstClass)
         g_param_spec_boolean("box-line-ends", "Box line ends",
                              "Only CR LF ends a line, as on the box; otherwise LF and CR do as well", FALSE,
                              STATIC_READWRITE));
-    g_object_class_install_property(
-        pstClass, E_OVERLAY_CLASSES,
-        g_param_spec_boxed("classes", "Classes", "Language classes of the subtitle that is shown", G_TYPE_STRV,
-                           STATIC_READ));
+    g_object_class_install_property(pstClass, E_OVERLAY_CLASSES,
+                                    g_param_spec_boxed("classes", "Classes",
+                                                       "Language classes of the subtitle that is shown",
+                                                       G_TYPE_STRV, STATIC_READ));
 }
 
 static void Install_ScreenProperties(GObjectClass *pstClass)
 {
-    g_object_class_install_property(
-        pstClass, E_OVERLAY_OUTPUT,
-        g_param_spec_enum("output", "Output", "Output of the box whose captions are shown", Get_OutputType(), 0,
-                          STATIC_READWRITE));
+    g_object_class_install_property(pstClass, E_OVERLAY_OUTPUT,
+                                    g_param_spec_enum("output", "Output",
+                                                      "Output of the box whose captions are shown",
+                                                      Get_OutputType(), 0, STATIC_READWRITE));
     g_object_class_install_property(
         pstClass, E_OVERLAY_FONT_SIZE,
-        g_param_spec_uint("font-size", "Font size",
-                          "28, 32, 36 or 40: 4, 8, 12 or 16 pixels above the output's own size; else that size",
-                          0, 100, 0, STATIC_READWRITE));
+        g_param_spec_uint(
+            "font-size", "Font size",
+            "28, 32, 36 or 40: 4, 8, 12 or 16 pixels above the output's own size; else that size", 0, 100, 0,
+            STATIC_READWRITE));
     g_object_class_install_property(
         pstClass, E_OVERLAY_POSITION,
         g_param_spec_int("position", "Position",

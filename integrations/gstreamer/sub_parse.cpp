@@ -92,7 +92,8 @@ static void Finish_Segment(ZyrSubParse *pstSelf)
     if (!(stSegment.flags & GST_SEGMENT_FLAG_SEGMENT)) return Push_ToAll(stState, gst_event_new_eos());
     const gint64 llEnd = static_cast<gint64>(stSegment.rate < 0 ? stSegment.start : stSegment.stop);
     GstElement *const pstElement = &pstSelf->stElement;
-    gst_element_post_message(pstElement, gst_message_new_segment_done(GST_OBJECT(pstElement), GST_FORMAT_TIME, llEnd));
+    gst_element_post_message(pstElement,
+                             gst_message_new_segment_done(GST_OBJECT(pstElement), GST_FORMAT_TIME, llEnd));
     Push_ToAll(stState, gst_event_new_segment_done(GST_FORMAT_TIME, llEnd));
 }
 
@@ -141,7 +142,8 @@ static bool Set_Segment(SubParseState &stState, GstEvent *pstSeek)
                              eStopType, static_cast<guint64>(llStop), nullptr))
         return false;
     stState.stSegment = stSegment;
-    for (TextStream &stStream : stState.astStreams) Rewind_Stream(stStream, stSegment, gst_event_get_seqnum(pstSeek));
+    for (TextStream &stStream : stState.astStreams)
+        Rewind_Stream(stStream, stSegment, gst_event_get_seqnum(pstSeek));
     gst_flow_combiner_reset(stState.pstFlows);
     return true;
 }
@@ -428,10 +430,10 @@ static void Install_Properties(GObjectClass *pstClass)
                             "Code page of text without a Unicode encoding, as iconv names it; without it "
                             "the bytes tell",
                             nullptr, eFlags));
-    g_object_class_install_property(
-        pstClass, E_PARSE_SUBTITLE_ENCODING,
-        g_param_spec_string("subtitle-encoding", "Subtitle encoding",
-                            "The code page by the name that playbin sets it by", nullptr, eFlags));
+    g_object_class_install_property(pstClass, E_PARSE_SUBTITLE_ENCODING,
+                                    g_param_spec_string("subtitle-encoding", "Subtitle encoding",
+                                                        "The code page by the name that playbin sets it by",
+                                                        nullptr, eFlags));
     g_object_class_install_property(
         pstClass, E_PARSE_LINE_ENDS,
         g_param_spec_boolean("box-line-ends", "Box line ends",

@@ -75,8 +75,8 @@ void Rewind_Stream(TextStream &stStream, const GstSegment &stSegment, guint32 ui
         stStream.uiNext = static_cast<size_t>(
             astSpans.end() - std::partition_point(astSpans.begin(), astSpans.end(), pfBefore));
     else
-        stStream.uiNext = static_cast<size_t>(
-            std::partition_point(astSpans.begin(), astSpans.end(), pfOver) - astSpans.begin());
+        stStream.uiNext = static_cast<size_t>(std::partition_point(astSpans.begin(), astSpans.end(), pfOver) -
+                                              astSpans.begin());
 }
 
 std::optional<GstClockTime> Get_NextTime(const TextStream &stStream, const GstSegment &stSegment)
@@ -123,7 +123,8 @@ GstFlowReturn Push_Next(TextStream &stStream, const GstSegment &stSegment)
     if (!gst_segment_clip(&stSegment, GST_FORMAT_TIME, Make_ClockTime(stSpan.iStart), ullEnd, &ullStart,
                           &ullStop))
         return GST_FLOW_OK;
-    const GstClockTime ullDuration = GST_CLOCK_TIME_IS_VALID(ullStop) ? ullStop - ullStart : GST_CLOCK_TIME_NONE;
+    const GstClockTime ullDuration =
+        GST_CLOCK_TIME_IS_VALID(ullStop) ? ullStop - ullStart : GST_CLOCK_TIME_NONE;
     if (!stSpan.strMarkup.empty()) return Push_Text(stStream, stSpan, ullStart, ullDuration);
     gst_pad_push_event(stStream.pstPad, gst_event_new_gap(ullStart, ullDuration));
     return GST_FLOW_OK;

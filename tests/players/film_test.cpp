@@ -19,7 +19,8 @@ protected:
         s_pstFolder = new TestFolder;
         std::filesystem::copy_file(Sample("sami-bilingual.smi"), s_pstFolder->Path("film.smi"));
         const Pipeline stPipeline(
-            "videotestsrc num-buffers=140 pattern=black ! video/x-raw,width=800,height=480,framerate=10/1 ! vp8enc "
+            "videotestsrc num-buffers=140 pattern=black ! video/x-raw,width=800,height=480,framerate=10/1 ! "
+            "vp8enc "
             "deadline=1 keyframe-max-dist=30 ! matroskamux name=m ! filesink location=" +
             s_pstFolder->Path("film.mkv") +
             " audiotestsrc num-buffers=603 volume=0.01 ! audio/x-raw,rate=44100 ! vorbisenc ! queue ! m.");
@@ -60,10 +61,11 @@ constexpr struct {
 
 TEST_F(Film, OverlayShowsWhatTheBoxShows)
 {
-    const Pipeline stPipeline("playbin flags=video+audio+text uri=" + Get_Uri("film.mkv") +
-                              " audio-sink=\"fakesink sync=true\" video-filter=\"zyrcaptionoverlay name=overlay\" "
-                              "video-sink=\"videoconvert ! capsfilter caps=video/x-raw,format=RGBA ! appsink "
-                              "name=screen max-buffers=1 drop=true wait-on-eos=false\"");
+    const Pipeline stPipeline(
+        "playbin flags=video+audio+text uri=" + Get_Uri("film.mkv") +
+        " audio-sink=\"fakesink sync=true\" video-filter=\"zyrcaptionoverlay name=overlay\" "
+        "video-sink=\"videoconvert ! capsfilter caps=video/x-raw,format=RGBA ! appsink "
+        "name=screen max-buffers=1 drop=true wait-on-eos=false\"");
     ASSERT_TRUE(stPipeline.Go_To(GST_STATE_PAUSED));
     const ElementPtr pstOverlay = stPipeline.Find("overlay");
     const ElementPtr pstScreen = stPipeline.Find("screen");
@@ -102,7 +104,8 @@ TEST_F(Film, LanguagesAreStreamsOfThePlayer)
 {
     Set_Rank("zyrsubparse", GST_RANK_PRIMARY);
     Set_Rank("subparse", GST_RANK_NONE);
-    const Pipeline stPipeline("playbin flags=video+audio+text uri=" + Get_Uri("film.mkv") + " suburi=" + Get_Uri("film.smi") +
+    const Pipeline stPipeline("playbin flags=video+audio+text uri=" + Get_Uri("film.mkv") +
+                              " suburi=" + Get_Uri("film.smi") +
                               " audio-sink=\"fakesink sync=true\" video-sink=\"fakesink sync=true\" "
                               "text-sink=\"appsink name=text async=false wait-on-eos=false\"");
     ASSERT_TRUE(stPipeline.Go_To(GST_STATE_PAUSED));
@@ -112,7 +115,8 @@ TEST_F(Film, LanguagesAreStreamsOfThePlayer)
     EXPECT_EQ(iStreams, 2);
     for (const auto &stStop : STOPS) {
         Play_For(stPipeline, 100 * GST_MSECOND);
-        g_object_set(stPipeline.Get(), "current-text", std::string(stStop.pszClass) == "KRCC" ? 0 : 1, nullptr);
+        g_object_set(stPipeline.Get(), "current-text", std::string(stStop.pszClass) == "KRCC" ? 0 : 1,
+                     nullptr);
         Play_For(stPipeline, 300 * GST_MSECOND);
         ASSERT_TRUE(stPipeline.Go_To(GST_STATE_PAUSED));
         ASSERT_TRUE(stPipeline.Seek(1, stStop.llMs));
@@ -121,6 +125,17 @@ TEST_F(Film, LanguagesAreStreamsOfThePlayer)
     ASSERT_TRUE(stPipeline.Seek(1, 13500)); // behind all captions
     stPipeline.Go_To(GST_STATE_PLAYING);
     EXPECT_EQ(stPipeline.Wait_ForEnd(), "");
+}
+
+TEST_F(Film, ExampleOfAPlayer)
+{
+    const RunResult stRun =
+        Run_Program("printf 'lllo s<q' | env -u GST_TRACERS -u GST_DEBUG " ZYR_EXAMPLE " " +
+                    s_pstFolder->Path("film.mkv") + " lcd fakesink fakesink");
+    EXPECT_EQ(stRun.iCode, 0) << stRun.strErr;
+    EXPECT_EQ(stRun.strErr, "");
+    EXPECT_EQ(stRun.strOut, "language: KRCC\nlanguage: ENCC\nlanguage: all\noutput: hdmi-1080p\npaused\n"
+                            "captions: off\nat 0.0 s\n");
 }
 
 } // namespace

@@ -44,7 +44,8 @@ ElementPtr Pipeline::Find(const char *pszName) const
 bool Pipeline::Go_To(GstState eState) const
 {
     gst_element_set_state(m_pstPipeline, eState);
-    const bool bGood = gst_element_get_state(m_pstPipeline, nullptr, nullptr, PATIENCE) == GST_STATE_CHANGE_SUCCESS;
+    const bool bGood =
+        gst_element_get_state(m_pstPipeline, nullptr, nullptr, PATIENCE) == GST_STATE_CHANGE_SUCCESS;
     EXPECT_TRUE(bGood) << Wait_ForEnd();
     return bGood;
 }
@@ -54,8 +55,8 @@ bool Pipeline::Seek(double dRate, int64_t llMs) const
     const auto eFlags = static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE);
     const gint64 llAt = llMs * static_cast<gint64>(GST_MSECOND);
     const bool bForward = dRate > 0;
-    if (!gst_element_seek(m_pstPipeline, dRate, GST_FORMAT_TIME, eFlags, GST_SEEK_TYPE_SET, bForward ? llAt : 0,
-                          GST_SEEK_TYPE_SET, bForward ? -1 : llAt))
+    if (!gst_element_seek(m_pstPipeline, dRate, GST_FORMAT_TIME, eFlags, GST_SEEK_TYPE_SET,
+                          bForward ? llAt : 0, GST_SEEK_TYPE_SET, bForward ? -1 : llAt))
         return false;
     return gst_element_get_state(m_pstPipeline, nullptr, nullptr, PATIENCE) != GST_STATE_CHANGE_FAILURE;
 }
@@ -102,7 +103,8 @@ size_t Count_Differences(const Picture &stOne, const Picture &stOther)
     if (stOne.aucRgba.size() != stOther.aucRgba.size()) return SIZE_MAX;
     size_t uiDifferent = 0;
     for (size_t ui = 0; ui < stOne.aucRgba.size(); ++ui)
-        if (ui % 4 != 3) uiDifferent += std::abs(stOne.aucRgba[ui] - stOther.aucRgba[ui]) > SMALL_DIFFERENCE ? 1 : 0;
+        if (ui % 4 != 3)
+            uiDifferent += std::abs(stOne.aucRgba[ui] - stOther.aucRgba[ui]) > SMALL_DIFFERENCE ? 1 : 0;
     return uiDifferent;
 }
 

@@ -75,8 +75,10 @@ int main(int argc, char **argv)
         std::fputs("overlay_cost SUBTITLE OUTPUT: a subtitle whose caption stands for ten seconds\n", stderr);
         return 2;
     }
-    const std::string strOverlay = std::string("zyrcaptionoverlay location=") + argv[1] + " output=" + argv[2];
+    const std::string strOverlay =
+        std::string("zyrcaptionoverlay location=") + argv[1] + " output=" + argv[2];
     bool bGood = true;
-    for (const char *const pszFormat : {"I420", "NV12", "BGRx"}) bGood = Report(pszFormat, strOverlay) && bGood;
+    for (const char *const pszFormat : {"I420", "NV12", "BGRx"})
+        bGood = Report(pszFormat, strOverlay) && bGood;
     return bGood ? 0 : 1;
 }

@@ -31,7 +31,8 @@ GstBuffer *Convert(GstBuffer *pstBuffer, const GstVideoInfo &stFrom, const GstVi
 GstVideoInfo Make_RgbaInfo(gint iWidth, gint iHeight)
 {
     GstVideoInfo stInfo;
-    gst_video_info_set_format(&stInfo, GST_VIDEO_FORMAT_RGBA, static_cast<guint>(iWidth), static_cast<guint>(iHeight));
+    gst_video_info_set_format(&stInfo, GST_VIDEO_FORMAT_RGBA, static_cast<guint>(iWidth),
+                              static_cast<guint>(iHeight));
     return stInfo;
 }
 
@@ -54,7 +55,8 @@ public:
         : m_pstHarness(gst_harness_new_parse(("zyrcaptionoverlay " + strProperties).c_str()))
     {
         if (bMeta)
-            gst_harness_add_propose_allocation_meta(m_pstHarness, GST_VIDEO_OVERLAY_COMPOSITION_META_API_TYPE, nullptr);
+            gst_harness_add_propose_allocation_meta(m_pstHarness, GST_VIDEO_OVERLAY_COMPOSITION_META_API_TYPE,
+                                                    nullptr);
         GstCaps *const pstCaps = gst_caps_from_string(strCaps.c_str());
         gst_video_info_from_caps(&m_stInfo, pstCaps);
         gst_harness_set_src_caps(m_pstHarness, pstCaps);
@@ -95,7 +97,8 @@ public:
         gst_buffer_map(m_pstPlain, &stPlain, GST_MAP_READ);
         gst_buffer_map(pstBuffer, &stShown, GST_MAP_READ);
         size_t uiChanged = 0;
-        for (gsize ui = 0; ui < stPlain.size; ++ui) uiChanged += static_cast<size_t>(std::abs(stPlain.data[ui] - stShown.data[ui]));
+        for (gsize ui = 0; ui < stPlain.size; ++ui)
+            uiChanged += static_cast<size_t>(std::abs(stPlain.data[ui] - stShown.data[ui]));
         gst_buffer_unmap(pstBuffer, &stShown);
         gst_buffer_unmap(m_pstPlain, &stPlain);
         gst_buffer_unref(pstBuffer);
@@ -133,9 +136,10 @@ TEST(Overlay, EveryFormatShowsTheBoxsPicture)
     static const struct {
         const char *pszFormat;
         size_t uiMost;
-    } astRows[] = {{"RGBA", 0}, {"BGRx", 0}, {"xRGB", 0},  {"RGB", 0},  {"BGR", 0},       {"Y444", 0},   {"AYUV", 0},
-                   {"GBR", 0},  {"I420", 0}, {"YV12", 0},  {"NV12", 0}, {"NV21", 0},      {"YUY2", 0},   {"UYVY", 0},
-                   {"Y42B", 0}, {"Y41B", 0}, {"GRAY8", 0}, {"v308", 0}, {"I420_10LE", 0}, {"P010_10LE", 0}};
+    } astRows[] = {{"RGBA", 0}, {"BGRx", 0},  {"xRGB", 0}, {"RGB", 0},       {"BGR", 0},
+                   {"Y444", 0}, {"AYUV", 0},  {"GBR", 0},  {"I420", 0},      {"YV12", 0},
+                   {"NV12", 0}, {"NV21", 0},  {"YUY2", 0}, {"UYVY", 0},      {"Y42B", 0},
+                   {"Y41B", 0}, {"GRAY8", 0}, {"v308", 0}, {"I420_10LE", 0}, {"P010_10LE", 0}};
     for (const auto &stRow : astRows) {
         const Overlay stOverlay(SUBTITLE + " position=33", Make_Caps(stRow.pszFormat));
         const Picture stPlain = stOverlay.See(0);
@@ -205,7 +209,8 @@ TEST(Overlay, ScalesToTheFilm)
 // Rectangles beside a frame.
 GstVideoOverlayComposition *Get_Composition(GstBuffer *pstBuffer)
 {
-    const GstVideoOverlayCompositionMeta *const pstMeta = gst_buffer_get_video_overlay_composition_meta(pstBuffer);
+    const GstVideoOverlayCompositionMeta *const pstMeta =
+        gst_buffer_get_video_overlay_composition_meta(pstBuffer);
     return pstMeta == nullptr ? nullptr : pstMeta->overlay;
 }
 
@@ -223,9 +228,11 @@ TEST(Overlay, BesideTheFramesWhereThatIsWanted)
     guint uiWidth = 0;
     guint uiHeight = 0;
     gst_video_overlay_rectangle_get_render_rectangle(
-        gst_video_overlay_composition_get_rectangle(Get_Composition(pstFirst), 0), &iX, &iY, &uiWidth, &uiHeight);
+        gst_video_overlay_composition_get_rectangle(Get_Composition(pstFirst), 0), &iX, &iY, &uiWidth,
+        &uiHeight);
     EXPECT_NEAR(iX + static_cast<int>(uiWidth) / 2, WIDTH, 2) << "in the middle";
-    EXPECT_NEAR(iY + static_cast<int>(uiHeight), 2 * (HEIGHT - 16), 2) << "16 pixels of the output above its bottom";
+    EXPECT_NEAR(iY + static_cast<int>(uiHeight), 2 * (HEIGHT - 16), 2)
+        << "16 pixels of the output above its bottom";
     EXPECT_EQ(stOverlay.Sum_Changes(CAPTION), 0U) << "the frame is left as it is";
     for (GstBuffer *const pstBuffer : {pstFirst, pstSecond, pstEmpty}) gst_buffer_unref(pstBuffer);
 }
@@ -233,7 +240,8 @@ TEST(Overlay, BesideTheFramesWhereThatIsWanted)
 TEST(Overlay, KeepsWhatIsBesideTheFrameAlready)
 {
     const Overlay stOverlay(
-        SUBTITLE, "video/x-raw(meta:GstVideoOverlayComposition),framerate=25/1,format=NV12,width=800,height=480");
+        SUBTITLE,
+        "video/x-raw(meta:GstVideoOverlayComposition),framerate=25/1,format=NV12,width=800,height=480");
     GstBuffer *const pstFirst = stOverlay.Show(CAPTION); // gives a composition to begin with
     ASSERT_NE(Get_Composition(pstFirst), nullptr);
     GST_BUFFER_PTS(pstFirst) = 4500 * GST_MSECOND;

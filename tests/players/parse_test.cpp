@@ -93,9 +93,10 @@ public:
         const auto pfTime = [](int64_t llMs) {
             return llMs < 0 ? gint64{-1} : llMs * static_cast<gint64>(GST_MSECOND);
         };
-        return gst_harness_push_upstream_event(
-            m_apstOut.at(0), gst_event_new_seek(dRate, GST_FORMAT_TIME, GST_SEEK_FLAG_FLUSH, GST_SEEK_TYPE_SET,
-                                                pfTime(llStart), GST_SEEK_TYPE_SET, pfTime(llStop)));
+        return gst_harness_push_upstream_event(m_apstOut.at(0),
+                                               gst_event_new_seek(dRate, GST_FORMAT_TIME, GST_SEEK_FLAG_FLUSH,
+                                                                  GST_SEEK_TYPE_SET, pfTime(llStart),
+                                                                  GST_SEEK_TYPE_SET, pfTime(llStop)));
     }
     std::string Get_Error() const
     {
@@ -186,8 +187,16 @@ TEST(SubParse, Seeks)
         std::vector<ParsedText> astTexts;
     } astRows[] = {
         {1, 4600, -1, {{4600, 400, "long"}}}, // into a caption: the rest of it
-        {1, 1500, 3500, {{1500, 500, "<span foreground=\"#FF0000\"><i>Tom &amp; Jerry</i></span>"}, {3000, 500, "long"}}},
-        {-1, 0, 4200, {{4000, 200, "long\nshort"}, {3000, 1000, "long"}, {1000, 1000, "<span foreground=\"#FF0000\"><i>Tom &amp; Jerry</i></span>"}}},
+        {1,
+         1500,
+         3500,
+         {{1500, 500, "<span foreground=\"#FF0000\"><i>Tom &amp; Jerry</i></span>"}, {3000, 500, "long"}}},
+        {-1,
+         0,
+         4200,
+         {{4000, 200, "long\nshort"},
+          {3000, 1000, "long"},
+          {1000, 1000, "<span foreground=\"#FF0000\"><i>Tom &amp; Jerry</i></span>"}}},
         {2, 5000, -1, {}}, // behind all
         {1, 0, 900, {}},   // before all
         {1, 4400, -1, {{4400, 100, "long\nshort"}, {4500, 500, "long"}}},
