@@ -122,6 +122,27 @@ TEST(ZyrsubRender, NothingIsReplacedAndStandardOutput)
         << stWhale.strErr;
 }
 
+// Marks alone for a player that lays them over its film: put over black, they are the picture.
+TEST(ZyrsubRender, RawMarksAndSizes)
+{
+    const TestFolder stFolder;
+    for (const char *const pszSize : {"", "--size 800x480", "--size 400x240", "--size 1280x720"}) {
+        const std::string strOptions = std::string("sami-cp949.smi --at 1500 ") + pszSize;
+        const Picture stPicture = Render(strOptions);
+        ASSERT_EQ(Run_Zyrsub("render " + strOptions + " --force -o " + stFolder.Path("x.bgra")).iCode, 0);
+        const std::string strRaw = Read_File(stFolder.Path("x.bgra"));
+        ASSERT_EQ(strRaw.size(), stPicture.aucRgba.size()) << pszSize;
+        size_t uiSeen = 0;
+        for (size_t ui = 0; ui < strRaw.size(); ui += 4) {
+            ASSERT_EQ(static_cast<uint8_t>(strRaw[ui]), stPicture.aucRgba[ui + 2]) << pszSize << " at " << ui;
+            ASSERT_EQ(strRaw[ui + 3] == 0, stPicture.aucRgba[ui] == 0) << pszSize << " at " << ui;
+            uiSeen += strRaw[ui + 3] != 0 ? 1 : 0;
+        }
+        EXPECT_GT(uiSeen, 200U) << pszSize;
+    }
+    EXPECT_EQ(Run_Zyrsub("render subrip-lf.srt --size 0x10").iCode, 2);
+}
+
 TEST(ZyrsubRender, LongSheetsArePaged)
 {
     const TestFolder stFolder;

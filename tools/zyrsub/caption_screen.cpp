@@ -32,6 +32,13 @@ Picture CaptionScreen::Draw(const std::string &strText)
     return stPicture;
 }
 
+Picture CaptionScreen::Draw_Marks(const std::string &strText)
+{
+    Picture stPicture{Get_Width(), Get_Height(), std::vector<uint8_t>(m_stBackground.aucRgba.size(), 0)};
+    zyrCaptions_draw(m_pstScreen.get(), strText.c_str(), stPicture.aucRgba.data(), nullptr);
+    return stPicture;
+}
+
 Picture CaptionScreen::Draw_Label(const std::string &strText)
 {
     Picture stPicture = Make_Picture(Get_Width(), Get_Height());

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
 #include <string_view>
 
 #include "closest_name.h"
@@ -307,6 +308,18 @@ static void Add_FixCommand(CLI::App &stApp, CommandLine &stLine)
     pstFix->footer(FIX_FOOTER);
 }
 
+// A picture's size, as 1280x720.
+static void Set_Size(const std::string &strText, RenderOptions &stRender)
+{
+    static constexpr uint32_t LARGEST = 8192;
+    char cEnd = 0;
+    const bool bRead =
+        std::sscanf(strText.c_str(), "%5ux%5u%c", &stRender.uiWidth, &stRender.uiHeight, &cEnd) == 2;
+    if (!bRead || stRender.uiWidth == 0 || stRender.uiHeight == 0 || stRender.uiWidth > LARGEST ||
+        stRender.uiHeight > LARGEST)
+        throw CLI::ValidationError("--size", "'" + strText + "' is not a size (1280x720)");
+}
+
 static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
 {
     RenderOptions &stRender = stLine.stOptions.stRender;
@@ -316,7 +329,14 @@ static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
     Add_ScreenOptions(pstRender, stLine.stOptions);
     Add_Time(pstRender, "--at", stRender.uiAt, "the time on screen [the first caption's start]");
     pstRender
-        ->add_option("-o", stRender.strPicture, "PNG to write; - is standard output [MOVIE-TIME-OUTPUT.png]")
+        ->add_option_function<std::string>(
+            "--size", [&stRender](const std::string &strText) { Set_Size(strText, stRender); },
+            "pixels of the picture [the display's]")
+        ->type_name("WxH");
+    pstRender
+        ->add_option("-o", stRender.strPicture,
+                     "PNG to write, or marks alone as raw pixels (.bgra); - is standard output "
+                     "[MOVIE-TIME-OUTPUT.png]")
         ->type_name("FILE");
     CLI::Option *pstSheet =
         pstRender
@@ -324,7 +344,7 @@ static void Add_RenderCommand(CLI::App &stApp, CommandLine &stLine)
                          "PNG for all captions at once; -2 and so on for more than 8192 rows of pixels")
             ->type_name("FILE");
     pstRender->add_flag("--all", stRender.bAll, "every caption, on one sheet")->needs(pstSheet);
-    pstSheet->excludes("--at")->excludes("-o");
+    pstSheet->excludes("--at")->excludes("-o")->excludes("--size");
     pstRender->add_flag("--force", stRender.bForce, "replace an existing file");
     pstRender->footer(std::string(RENDER_FOOTER) + List_OutputNames());
 }

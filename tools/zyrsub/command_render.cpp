@@ -9,6 +9,7 @@
 #include "caption_screen.h"
 #include "file_tree.h"
 #include "movie_search.h"
+#include "safe_file.h"
 #include "text_tools.h"
 #include "time_text.h"
 
@@ -71,21 +72,47 @@ static void Warn_Missing(const CaptionFile &stFile, const CaptionScreen &stScree
                                  (uiShown < astrMissing.size() ? " ..." : ""));
 }
 
+// For players that lay a picture over their film: marks alone, multiplied by their alpha, as blue, green, red, alpha.
+static bool Is_RawName(const std::string &strFile)
+{
+    return strFile.ends_with(".bgra");
+}
+
+static std::string Make_RawBytes(const Picture &stPicture)
+{
+    std::string strBytes(stPicture.aucRgba.begin(), stPicture.aucRgba.end());
+    for (size_t uiPixel = 0; uiPixel < strBytes.size(); uiPixel += 4)
+        std::swap(strBytes[uiPixel], strBytes[uiPixel + 2]);
+    return strBytes;
+}
+
+static Outcome Write_Picture(const RenderOptions &stRender, const std::string &strFile,
+                             const std::string &strCaption, CaptionScreen &stScreen)
+{
+    const bool bRaw = Is_RawName(strFile);
+    Picture stPicture = bRaw ? stScreen.Draw_Marks(strCaption) : stScreen.Draw(strCaption);
+    if (stRender.uiWidth > 0) stPicture = Scale_Picture(stPicture, stRender.uiWidth, stRender.uiHeight);
+    return bRaw ? Write_Safely(strFile, Make_RawBytes(stPicture), stRender.bForce)
+                : Write_Png(strFile, stPicture);
+}
+
 static Outcome Render_One(const Options &stOptions, const CaptionFile &stFile, CaptionScreen &stScreen)
 {
+    const RenderOptions &stRender = stOptions.stRender;
     const ZyrCaptionOutput stOutput = Get_Output(stOptions.stScreen.uiOutput);
-    const int64_t llMs = stOptions.stRender.uiAt ? *stOptions.stRender.uiAt : Find_FirstCaption(stFile);
+    const int64_t llMs = stRender.uiAt ? *stRender.uiAt : Find_FirstCaption(stFile);
     const std::string strCaption = Get_TextAt(stFile.Get_List(), llMs);
-    const std::string strFile = stOptions.stRender.strPicture.empty()
+    const std::string strFile = stRender.strPicture.empty()
                                     ? Make_PictureName(stOptions.astrMovies.front(), llMs, stOutput)
-                                    : stOptions.stRender.strPicture;
-    Outcome stWritten = Check_Free(strFile, stOptions.stRender.bForce);
-    if (stWritten.IsGood()) stWritten = Write_Png(strFile, stScreen.Draw(strCaption));
+                                    : stRender.strPicture;
+    Outcome stWritten = Check_Free(strFile, stRender.bForce);
+    if (stWritten.IsGood()) stWritten = Write_Picture(stRender, strFile, strCaption, stScreen);
     if (!stWritten.IsGood() || strFile == "-") return stWritten;
     const std::string strShown =
         strCaption.empty() ? "(no caption)" : Join_Lines(Split_Lines(strCaption), " / ");
     std::printf("%s  %s  %s %ux%u  %s\n", strFile.c_str(), Format_Time(static_cast<int32_t>(llMs)).c_str(),
-                stOutput.pszName, stScreen.Get_Width(), stScreen.Get_Height(),
+                stOutput.pszName, stRender.uiWidth > 0 ? stRender.uiWidth : stScreen.Get_Width(),
+                stRender.uiWidth > 0 ? stRender.uiHeight : stScreen.Get_Height(),
                 Make_Printable(strShown).c_str());
     return {};
 }

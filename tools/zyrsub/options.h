@@ -24,6 +24,8 @@ struct ScreenOptions {
 
 struct RenderOptions {
     std::optional<uint32_t> uiAt; // ms
+    uint32_t uiWidth = 0;         // pixels of the picture; 0: the display's
+    uint32_t uiHeight = 0;
     std::string strPicture;
     std::string strSheet;
     bool bForce = false;
