@@ -99,9 +99,9 @@ TEST_F(Film, OverlayShowsWhatTheBoxShows)
         const Picture stFrame = stScreen.See(stStop.llMs);
         const Picture stPlain = stScreen.See(stStop.llMs, false);
         Write_Png(s_pstFolder->Path("plain.png"), stPlain);
-        const Picture stExpected =
-            Render("sami-bilingual.smi", stStop.llMs,
-                   std::string("--class ") + stStop.pszClass + " --background " + s_pstFolder->Path("plain.png"));
+        const Picture stExpected = Render("sami-bilingual.smi", stStop.llMs,
+                                          std::string("--class ") + stStop.pszClass + " --background " +
+                                              s_pstFolder->Path("plain.png"));
         EXPECT_GT(Count_Differences(stFrame, stPlain), 1000U) << stStop.pszText;
         EXPECT_EQ(Count_Differences(stFrame, stExpected), 0U) << stStop.pszText;
     }

@@ -11,16 +11,14 @@ import pathlib
 import shutil
 import signal
 import socket
-import struct
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
-import zlib
 
-PATIENCE = 30  # seconds
-WIDTH, HEIGHT = 800, 480
+from player_kit import HEIGHT, PATIENCE, WIDTH, Screen, make_film, render, wait_for, write_png
+
 ZYRSUB, SCRIPT, SAMPLES = sys.argv[1:4]
 
 # When, forward and back, in which language, and what stands there.
@@ -31,57 +29,6 @@ STOPS = [
     (8.0, "KRCC", "아무도 소리 내어 세지 않습니다."),
     (10.0, "ENCC", "The kettle is on."),
 ]
-
-
-def wait_for(ask, wanted=True):
-    """The last answer, as soon as it is the wanted one."""
-    end = time.monotonic() + PATIENCE
-    while True:
-        answer = ask()
-        if answer == wanted or time.monotonic() > end:
-            return answer
-        time.sleep(0.05)
-
-
-def write_png(path, pixels):
-    """Blue, green and red of each pixel of a screen as a PNG file."""
-    pixels = bytearray(pixels)
-    pixels[0::3], pixels[2::3] = pixels[2::3], pixels[0::3]
-    rows = b"".join(b"\0" + pixels[at:at + 3 * WIDTH] for at in range(0, len(pixels), 3 * WIDTH))
-
-    def part(name, data):
-        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
-
-    head = struct.pack(">IIBBBBB", WIDTH, HEIGHT, 8, 2, 0, 0, 0)
-    path.write_bytes(b"\x89PNG\r\n\x1a\n" + part(b"IHDR", head) + part(b"IDAT", zlib.compress(rows, 9)) +
-                     part(b"IEND", b""))
-
-
-class Screen:
-    """An X server that keeps its screen in a file."""
-
-    def __init__(self, folder):
-        self.image = folder / "Xvfb_screen0"
-        number, write = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp",
-             "-fbdir", str(folder)], pass_fds=[write], stderr=subprocess.DEVNULL)
-        os.close(write)
-        with os.fdopen(number) as answer:
-            self.display = ":" + answer.readline().strip()
-
-    def read(self):
-        """Blue, green and red of each pixel."""
-        data = self.image.read_bytes()
-        head = struct.unpack(">25I", data[:100])
-        start = head[0] + head[19] * 12
-        pixels = bytearray(data[start:start + WIDTH * HEIGHT * 4])
-        del pixels[3::4]
-        return bytes(pixels)
-
-    def close(self):
-        self.server.terminate()
-        self.server.wait()
 
 
 class Mpv:
@@ -139,11 +86,7 @@ class MpvTest(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = pathlib.Path(tempfile.mkdtemp(prefix="zyr-mpv-test-"))
         cls.film = cls.folder / "it's a film.mkv"
-        subprocess.run(
-            ["gst-launch-1.0", "-q", "videotestsrc", "num-buffers=140", "pattern=ball",
-             "background-color=0xff0c1830", "foreground-color=0xffd0d4d8", "!",
-             f"video/x-raw,width={WIDTH},height={HEIGHT},framerate=10/1", "!", "vp8enc", "deadline=1", "!",
-             "matroskamux", "!", "filesink", f"location={cls.film}"], check=True)
+        make_film(cls.film)
         cls.screen = Screen(cls.folder)
 
     @classmethod
@@ -175,10 +118,7 @@ class MpvTest(unittest.TestCase):
         self.mpv.set("sid", next(track["id"] for track in self.mpv.tracks() if track.get("title") == title))
 
     def render(self, seconds, title="0"):
-        raw = self.folder / "expected.bgra"
-        subprocess.run([ZYRSUB, "render", self.film, "--at", f"{seconds}s", "--class", title, "--force", "-o", raw],
-                       check=True, stdout=subprocess.DEVNULL)
-        return raw.read_bytes()
+        return render(ZYRSUB, self.folder, self.film, seconds, title)
 
     def plain(self, seconds):
         """The screen without captions, to be expected below those of a picture."""
@@ -209,9 +149,12 @@ class MpvTest(unittest.TestCase):
         self.assertEqual([(track["title"], track["lang"]) for track in mpv.tracks()],
                          [("KRCC", "ko"), ("ENCC", "en")])
         self.assertTrue(wait_for(lambda: mpv.tracks()[0]["selected"]))
-        mpv.set("pause", False)
         for seconds, title, text in STOPS:
+            mpv.set("pause", False)
+            time.sleep(0.1)
             self.choose(title)
+            time.sleep(0.1)
+            mpv.set("pause", True)
             mpv.go_to(seconds)
             self.assertEqual(wait_for(lambda text=text: mpv.get("sub-text"), text), text)
         self.assertNotEqual(list((self.folder / "tmp").iterdir()), [])

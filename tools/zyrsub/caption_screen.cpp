@@ -32,6 +32,11 @@ Picture CaptionScreen::Draw(const std::string &strText)
     return stPicture;
 }
 
+void CaptionScreen::Draw_Over(Picture &stPicture, const std::string &strText)
+{
+    zyrCaptions_draw(m_pstScreen.get(), strText.c_str(), stPicture.aucRgba.data(), nullptr);
+}
+
 Picture CaptionScreen::Draw_Marks(const std::string &strText)
 {
     Picture stPicture{Get_Width(), Get_Height(), std::vector<uint8_t>(m_stBackground.aucRgba.size(), 0)};

@@ -18,6 +18,9 @@ public:
     // The display with a text (UTF-8, lines by newlines); an empty one is no caption.
     Picture Draw(const std::string &strText);
 
+    // The text over a picture of the display's size.
+    void Draw_Over(Picture &stPicture, const std::string &strText);
+
     // The text alone, over nothing: alpha 0 beside its marks.
     Picture Draw_Marks(const std::string &strText);
 

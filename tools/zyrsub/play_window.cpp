@@ -8,6 +8,8 @@
 #include <string_view>
 
 #include "caption_screen.h"
+#include "commands.h"
+#include "film.h"
 
 static constexpr int POLL_MS = 10;
 
@@ -93,6 +95,7 @@ struct WindowPlay {
     ScreenOptions stScreenOptions;
     CaptionScreen stScreen;
     WindowPtr pstWindow{nullptr, SDL_DestroyWindow};
+    Film stFilm;
     std::string strShown;
     std::string strTitle;
     bool bRedraw = true;
@@ -109,7 +112,20 @@ static Outcome Change_Output(WindowPlay &stPlay)
     SDL_SetWindowPosition(stPlay.pstWindow.get(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
     stPlay.strShown.clear();
     stPlay.bRedraw = true;
+    if (stPlay.stFilm.Is_Open())
+        stPlay.stFilm.Set_Size(stPlay.stScreen.Get_Width(), stPlay.stScreen.Get_Height());
     return {};
+}
+
+// What a key does to the captions it does to the film.
+static void Apply_Command(WindowPlay &stPlay, PlayCommand eCommand)
+{
+    const int64_t llBefore = stPlay.stPlayback.Get_Position();
+    stPlay.stPlayback.Apply(eCommand);
+    if (!stPlay.stFilm.Is_Open()) return;
+    const int64_t llNow = stPlay.stPlayback.Get_Position();
+    if (llNow != llBefore) stPlay.stFilm.Seek(llNow);
+    stPlay.stFilm.Pause(stPlay.stPlayback.Is_Paused());
 }
 
 static Outcome Handle_Event(WindowPlay &stPlay, const SDL_Event &stEvent)
@@ -120,7 +136,7 @@ static Outcome Handle_Event(WindowPlay &stPlay, const SDL_Event &stEvent)
     const PlayCommand eCommand = Get_KeyCommand(stEvent.key.keysym.sym);
     if (eCommand == E_PLAY_QUIT) stPlay.bQuit = true;
     if (eCommand == E_PLAY_OUTPUT) return Change_Output(stPlay);
-    stPlay.stPlayback.Apply(eCommand);
+    Apply_Command(stPlay, eCommand);
     return {};
 }
 
@@ -142,9 +158,26 @@ static void Update_Caption(WindowPlay &stPlay)
         stPlay.bRedraw = true;
     }
     if (!stPlay.bRedraw) return;
-    Picture stPicture = stPlay.stScreen.Draw(strCaption);
+    Picture stPicture =
+        stPlay.stFilm.Is_Open() ? stPlay.stFilm.Get_Frame() : stPlay.stScreen.Draw(strCaption);
+    if (stPlay.stFilm.Is_Open()) stPlay.stScreen.Draw_Over(stPicture, strCaption);
     Draw_Window(stPlay.pstWindow.get(), stPicture);
     stPlay.bRedraw = false;
+}
+
+static void Follow_Film(WindowPlay &stPlay)
+{
+    if (stPlay.stFilm.Take_Frame()) stPlay.bRedraw = true;
+    stPlay.stPlayback.Follow(stPlay.stFilm.Get_Time());
+    Update_Caption(stPlay);
+}
+
+static void Follow_Clock(WindowPlay &stPlay, uint64_t ullElapsedMs)
+{
+    bool bMore = stPlay.stPlayback.Advance(static_cast<double>(ullElapsedMs));
+    Update_Caption(stPlay);
+    for (; bMore; bMore = stPlay.stPlayback.Advance(0)) Update_Caption(stPlay);
+    Update_Caption(stPlay);
 }
 
 // At the end the last picture stays until the viewer quits or seeks back.
@@ -158,14 +191,27 @@ static Outcome Run_Loop(WindowPlay &stPlay)
             if (!stHandled.IsGood()) return stHandled;
         }
         const uint64_t ullNow = SDL_GetTicks64();
-        bool bMore = stPlay.stPlayback.Advance(static_cast<double>(ullNow - ullLast));
+        if (stPlay.stFilm.Is_Open())
+            Follow_Film(stPlay);
+        else
+            Follow_Clock(stPlay, ullNow - ullLast);
         ullLast = ullNow;
-        Update_Caption(stPlay);
-        for (; bMore; bMore = stPlay.stPlayback.Advance(0)) Update_Caption(stPlay);
-        Update_Caption(stPlay);
         Update_Title(stPlay);
     }
     return {};
+}
+
+// A film that does not play leaves its captions, as one that is not there.
+static void Open_Film(WindowPlay &stPlay)
+{
+    const std::string &strMovie = stPlay.stOptions.astrMovies.front();
+    const PlayOptions &stOptions = stPlay.stOptions.stPlay;
+    const std::string strError = stPlay.stFilm.Open(strMovie, stOptions.uiFrom, stOptions.dSpeed);
+    if (!strError.empty()) Report_Problem(strMovie, "its captions are played alone: " + strError);
+    if (!stPlay.stFilm.Is_Open()) return;
+    stPlay.stFilm.Set_Size(stPlay.stScreen.Get_Width(), stPlay.stScreen.Get_Height());
+    if (stPlay.stFilm.Get_Duration() > 0) stPlay.stPlayback.Set_Duration(stPlay.stFilm.Get_Duration());
+    stPlay.stFilm.Pause(false);
 }
 
 Outcome Play_Window(const Options &stOptions, Playback &stPlayback)
@@ -174,7 +220,7 @@ Outcome Play_Window(const Options &stOptions, Playback &stPlayback)
     if (!stSession.bGood)
         return {E_EXIT_SOME_FAILED,
                 std::string("there is no window system (") + SDL_GetError() + "); try --terminal"};
-    WindowPlay stPlay{stOptions, stPlayback, stOptions.stScreen, {}, {nullptr, SDL_DestroyWindow}, "", "",
+    WindowPlay stPlay{stOptions, stPlayback, stOptions.stScreen, {}, {nullptr, SDL_DestroyWindow}, {}, "", "",
                       true,      false};
     Outcome stOpened = stPlay.stScreen.Open(stPlay.stScreenOptions);
     if (!stOpened.IsGood()) return stOpened;
@@ -183,5 +229,6 @@ Outcome Play_Window(const Options &stOptions, Playback &stPlayback)
                                             stSize.iWidth, stSize.iHeight, SDL_WINDOW_RESIZABLE));
     if (!stPlay.pstWindow)
         return {E_EXIT_SOME_FAILED, std::string("no window can be opened: ") + SDL_GetError()};
+    Open_Film(stPlay);
     return Run_Loop(stPlay);
 }

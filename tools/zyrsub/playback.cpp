@@ -51,6 +51,12 @@ bool Playback::Advance(double dElapsedMs)
     return bChange;
 }
 
+void Playback::Follow(int64_t llPosition)
+{
+    m_dPosition = static_cast<double>(llPosition);
+    m_dBehind = 0;
+}
+
 void Playback::Seek_By(double dMs)
 {
     const auto dEnd = static_cast<double>(m_llEnd);

@@ -40,6 +40,10 @@ public:
 
     void Apply(PlayCommand eCommand);
 
+    // A film has the clock: where it stands, and how long it is.
+    void Follow(int64_t llPosition);
+    void Set_Duration(int64_t llDuration) { m_llEnd = llDuration; }
+
     std::string Get_Caption() const { return Get_TextAt(m_stFile.Get_List(), Get_Position(), Get_Class()); }
     int64_t Get_Position() const { return static_cast<int64_t>(m_dPosition); }
     bool Is_Paused() const { return m_bPaused; }
