@@ -18,9 +18,10 @@ enum SubParseProperty { E_PARSE_CLASS = 1, E_PARSE_CODE_PAGE, E_PARSE_SUBTITLE_E
 // The file is collected until its end. Then the pads come, and a task of the element's own passes the spans on, so
 // that seeks are answered from the list and nothing is read again.
 struct SubParseState {
-    std::mutex stLock; // of the settings
+    std::mutex stLock; // of the settings, and of the last seek
     SourceSettings stSettings;
     std::string strClass;
+    guint32 uiLastSeek = GST_SEQNUM_INVALID;
 
     GstAdapter *pstAdapter = gst_adapter_new();
     bool bRefused = false; // more came than is read
@@ -142,8 +143,8 @@ static bool Set_Segment(SubParseState &stState, GstEvent *pstSeek)
                              eStopType, static_cast<guint64>(llStop), nullptr))
         return false;
     stState.stSegment = stSegment;
-    for (TextStream &stStream : stState.astStreams)
-        Rewind_Stream(stStream, stSegment, gst_event_get_seqnum(pstSeek));
+    stState.uiSeqnum = gst_event_get_seqnum(pstSeek);
+    for (TextStream &stStream : stState.astStreams) Rewind_Stream(stStream, stSegment, stState.uiSeqnum);
     gst_flow_combiner_reset(stState.pstFlows);
     return true;
 }
@@ -168,8 +169,8 @@ static gboolean Handle_Seek(ZyrSubParse *pstSelf, GstEvent *pstSeek)
     const bool bFlush = (eFlags & GST_SEEK_FLAG_FLUSH) != 0;
     {
         const std::lock_guard<std::mutex> stGuard(stState.stLock);
-        if (uiSeqnum == stState.uiSeqnum) return TRUE;
-        stState.uiSeqnum = uiSeqnum;
+        if (uiSeqnum == stState.uiLastSeek) return TRUE;
+        stState.uiLastSeek = uiSeqnum;
     }
     if (bFlush) Push_Flush(stState, gst_event_new_flush_start(), uiSeqnum);
     gst_task_pause(stState.pstTask);
@@ -348,7 +349,7 @@ static void Stop_Streams(ZyrSubParse *pstSelf)
     }
     stState.astStreams.clear();
     stState.pstCaptions.reset();
-    stState.uiSeqnum = GST_SEQNUM_INVALID;
+    stState.uiSeqnum = stState.uiLastSeek = GST_SEQNUM_INVALID;
     stState.bRefused = false;
     gst_adapter_clear(stState.pstAdapter);
 }
