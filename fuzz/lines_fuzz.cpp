@@ -15,22 +15,10 @@ namespace
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view PIECES[] = {"a"sv,
-                                       "\xEA\xB0\x80"sv,
-                                       " "sv,
-                                       "&nbsp;"sv,
-                                       "<br>"sv,
-                                       "word "sv,
-                                       "\t"sv,
-                                       "\xC3\xA9"sv,
-                                       "&lt;"sv,
-                                       "<b>x</b>"sv,
-                                       "&#9;<br>"sv,
-                                       "<br>"sv,
-                                       "&#32;"sv,
-                                       "\xEB\x82\x98"sv,
-                                       "&#55357;"sv,
-                                       "&#56832;"sv};
+constexpr std::string_view PIECES[] = {"a"sv,     "\xEA\xB0\x80"sv, " "sv,        "&nbsp;"sv,
+                                       "<br>"sv,  "word "sv,        "\t"sv,       "\xC3\xA9"sv,
+                                       "&lt;"sv,  "<b>x</b>"sv,     "&#9;<br>"sv, "<br>"sv,
+                                       "&#32;"sv, "\xEB\x82\x98"sv, "&#55357;"sv, "&#56832;"sv};
 constexpr uint32_t TEXT_BYTES = ZYR_OUT_TEXT_BYTES - 2;
 
 /** A text from pairs of bytes: what, and how often. */

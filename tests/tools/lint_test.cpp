@@ -35,7 +35,7 @@ TEST(ZyrsubLint, LevelsAndExitCodes)
         {"lint", 2},
         {"lint --level bad subrip-crlf.srt", 2},
         {"lint --output vhs subrip-crlf.srt", 2},
-        {"lint --explain ZYR-XXX-001", 2},
+        {"lint --explain ZYR-NONE-1", 2},
         {"lint --explain zyr-srt-005", 0},
         {"lint --cps 5 --level doubtful subrip-crlf.srt", 1},
         {"lint --longest 1s subrip-crlf.srt", 1},

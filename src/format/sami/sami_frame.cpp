@@ -31,7 +31,6 @@ enum SamiFrameState : uint32_t {
     E_FRAME_OTHER_TAG,
 };
 
-
 /** A tag before the text, as far as its name tells. */
 enum HeadTag : uint32_t {
     E_HEAD_NAME,  // the name has not ended yet

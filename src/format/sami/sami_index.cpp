@@ -20,8 +20,8 @@ constexpr uint32_t BYTES_PER_FRAME = 40; // no reasonable file has more SYNC tag
 constexpr uint32_t SPARE_FRAMES = 100;   // and these
 constexpr uint32_t FIRST_FRAMES = 1024;  // entries to begin with: a quarter of the most, but so many at least
 constexpr uint32_t FIRST_FRAMES_MAX = 8192; // and so many at most
-constexpr uint32_t FRAME_GROWTH = 4;         // and so many times as many whenever they do not do
-constexpr uint32_t NEAR_FRAMES = 4;          // entries to look at before the class's own list is searched
+constexpr uint32_t FRAME_GROWTH = 4;        // and so many times as many whenever they do not do
+constexpr uint32_t NEAR_FRAMES = 4;         // entries to look at before the class's own list is searched
 
 uint32_t s_uiIndexedOption = 0;                   // how bytes were taken for characters
 bool s_bSorted = true;                            // the entries stand in time order
