@@ -495,8 +495,8 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
 
 bool Pass_UsualText(const UsualText &stText, uint32_t uiHeadUnits, uint8_t ucOdd)
 {
-    const uint8_t *const pucLineEnd = stText.pucByte + size_t{uiHeadUnits - 2} * stText.uiUnitBytes;
-    const uint8_t *const pucBehind = Find_EmptyLine(stText.eKind, pucLineEnd, stText.pucEnd, ucOdd);
+    const uint8_t *const pucLine = stText.pucByte + size_t{uiHeadUnits} * stText.uiUnitBytes;
+    const uint8_t *const pucBehind = Find_EmptyLine(stText.eKind, pucLine, stText.pucEnd, ucOdd);
     if (pucBehind == nullptr) return false;
     Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(pucBehind - stText.pucByte);
     return true;

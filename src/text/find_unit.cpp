@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstring>
 
 #include "text/char_reader.h"
 #include "text/text_block.h"
@@ -15,15 +16,6 @@ struct UnitSearch {
     uint8_t ucSecond;
     bool bBigEndian;
 };
-
-/** @return whether a character in good form begins here, three bytes of which can be looked at. */
-bool Begins_Utf8(const uint8_t *pucByte)
-{
-    const auto fnContinues = [=](uint32_t uiByte) { return (pucByte[uiByte] & 0xC0) == 0x80; };
-    if (pucByte[0] < 0x80) return true;
-    if ((pucByte[0] & 0xE0) == 0xC0) return fnContinues(1);
-    return (pucByte[0] & 0xF0) == 0xE0 && fnContinues(1) && fnContinues(2);
-}
 
 /** A block's hits, a bit for each byte, and the bytes that may hide one. */
 struct BlockHits {
@@ -91,30 +83,52 @@ inline bool Is_Unit(const uint8_t *pucUnit, uint8_t ucUnit, const UnitSearch &st
     return (KIND == E_TEXT_UTF16 ? Get_Utf16Unit(pucUnit, stSearch.bBigEndian) : *pucUnit) == ucUnit;
 }
 
-/** @return the place behind CR LF CR LF, or NULL as Find_EmptyLine() */
+/** @return whether CR LF stands at a place. */
 template <TextKind KIND>
-const uint8_t *Search_EmptyLine(const uint8_t *pucByte, const uint8_t *pucEnd, const UnitSearch &stSearch)
+inline bool Is_CrLf(const uint8_t *pucUnit, const UnitSearch &stSearch)
+{
+    if (KIND == E_TEXT_UTF16)
+        return Is_Unit<KIND>(pucUnit, '\r', stSearch) && Is_Unit<KIND>(pucUnit + 2, '\n', stSearch);
+    uint16_t usBytes;
+    std::memcpy(&usBytes, pucUnit, sizeof(usBytes));
+    return usBytes == ('\n' << 8 | '\r');
+}
+
+/** @return the place behind the empty line, or NULL as Find_EmptyLine() */
+template <TextKind KIND>
+inline const uint8_t *Search_EmptyLine(const uint8_t *pucByte, const uint8_t *pucEnd, UnitSearch stSearch)
 {
     constexpr size_t UNIT_BYTES = KIND == E_TEXT_UTF16 ? 2 : 1;
-    const uint8_t *pucLine = pucByte; // where the last line seen begins
+    const uint8_t *const pucLast = pucEnd - (FOUND_AHEAD + static_cast<ptrdiff_t>(BLOCK_BYTES));
+    const uint8_t *pucLine = pucByte; // where the current line begins
     uint32_t uiCarry = 0;
-    for (; pucEnd - pucByte >= FOUND_AHEAD + static_cast<int32_t>(BLOCK_BYTES); pucByte += BLOCK_BYTES) {
+    for (; pucByte <= pucLast; pucByte += BLOCK_BYTES) {
         const BlockHits stHits = Look_AtBlock<KIND>(pucByte, stSearch, uiCarry);
         if (stHits.uiUnsure != 0) return nullptr;
         for (uint32_t uiHit = stHits.uiHit; uiHit != 0; uiHit &= uiHit - 1) {
             const uint8_t *const pucUnit = pucByte + std::countr_zero(uiHit);
-            if (pucUnit < pucLine) continue; // of a line end that has been seen
-            if (!Is_Unit<KIND>(pucUnit, '\r', stSearch) ||
-                !Is_Unit<KIND>(pucUnit + UNIT_BYTES, '\n', stSearch))
-                return nullptr;
+            const bool bTwice = KIND == E_TEXT_UTF16 || stSearch.ucSecond != '\r'; // a line end may hit again
+            if (bTwice && pucUnit < pucLine) continue;
+            // A line of bytes that decode to nothing would be an empty one.
+            if (!Is_CrLf<KIND>(pucUnit, stSearch) || !Is_CountedAlone(KIND, pucLine, pucUnit)) return nullptr;
+            if (pucUnit == pucLine) return pucUnit + 2 * UNIT_BYTES;
             pucLine = pucUnit + 2 * UNIT_BYTES;
-            if (KIND == E_TEXT_UTF8 && !Begins_Utf8(pucLine)) return nullptr; // where it begins is not sure
-            if (!Is_Unit<KIND>(pucLine, '\r', stSearch)) continue;
-            const bool bEmpty = Is_Unit<KIND>(pucLine + UNIT_BYTES, '\n', stSearch);
-            return bEmpty ? pucLine + 2 * UNIT_BYTES : nullptr;
         }
     }
     return nullptr;
+}
+
+/** Find_EmptyLine(), made once more where there is no odd character. */
+[[gnu::always_inline]] inline const uint8_t *Find_Empty(TextKind eKind, const uint8_t *pucByte,
+                                                        const uint8_t *pucEnd, UnitSearch stSearch)
+{
+    switch (eKind) {
+    case E_TEXT_UTF8: return Search_EmptyLine<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
+    case E_TEXT_DOUBLE: return Search_EmptyLine<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_SINGLE: return Search_EmptyLine<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch);
+    case E_TEXT_UTF16: return Search_EmptyLine<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
+    default: return nullptr;
+    }
 }
 
 } // namespace
@@ -153,14 +167,9 @@ uint32_t Skip_To(uint8_t ucFirst, uint8_t ucSecond)
 
 const uint8_t *Find_EmptyLine(TextKind eKind, const uint8_t *pucByte, const uint8_t *pucEnd, uint8_t ucOdd)
 {
-    const UnitSearch stSearch = {'\r', ucOdd, Is_BigEndianText()};
-    switch (eKind) {
-    case E_TEXT_UTF8: return Search_EmptyLine<E_TEXT_UTF8>(pucByte, pucEnd, stSearch);
-    case E_TEXT_DOUBLE: return Search_EmptyLine<E_TEXT_DOUBLE>(pucByte, pucEnd, stSearch);
-    case E_TEXT_SINGLE: return Search_EmptyLine<E_TEXT_SINGLE>(pucByte, pucEnd, stSearch);
-    case E_TEXT_UTF16: return Search_EmptyLine<E_TEXT_UTF16>(pucByte, pucEnd, stSearch);
-    default: return nullptr;
-    }
+    const bool bBigEndian = Is_BigEndianText();
+    return ucOdd == '\r' ? Find_Empty(eKind, pucByte, pucEnd, {'\r', '\r', bBigEndian})
+                         : Find_Empty(eKind, pucByte, pucEnd, {'\r', ucOdd, bBigEndian});
 }
 
 uint32_t Find_LineEnd(uint32_t uiSkipUnits)

@@ -46,9 +46,9 @@ inline bool Is_CountedAlone(TextKind eKind, const uint8_t *pucFrom, const uint8_
 uint32_t Find_LineEnd(uint32_t uiSkipUnits);
 
 /**
- * Find the first empty line, CR LF CR LF.
+ * Find the first empty line: a CR LF right behind another.
  *
- * @param[in] pucByte  where a CR LF stands
+ * @param[in] pucByte  where a line begins
  * @param[in] pucEnd   as Find_Unit()
  * @param[in] ucOdd    a character that makes it unsure when it stands before; CR = none
  * @return the byte behind it; NULL when it is not sure that there is one
