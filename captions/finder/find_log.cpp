@@ -14,7 +14,7 @@ constexpr std::string_view PARSER_TAG = "ZYR_SUBTITLE_PARSER";
 std::string Strip_Message(std::string_view strMessage)
 {
     const size_t uiBracket = strMessage.find("] ");
-    if (uiBracket != std::string_view::npos && uiBracket < 12) strMessage.remove_prefix(uiBracket + 2);
+    if (uiBracket < 12) strMessage.remove_prefix(uiBracket + 2);
     while (!strMessage.empty() && static_cast<unsigned char>(strMessage.back()) <= ' ')
         strMessage.remove_suffix(1);
     return std::string(strMessage);

@@ -159,10 +159,10 @@ void Find_InDialogue(Finder &stFinder, const Dialogue &stLine, uint32_t uiCaptio
                             " where the box takes 9 and the text",
                         uiCaption);
     const std::string_view strEnd = Get_Field(stFinder, stLine, E_FIELD_END);
-    if (!Read_Time(strEnd))
-        stFinder.Add(E_RULE_SSA_END, stLine.auiFields[E_FIELD_END], strEnd.size(), uiCaption,
-                     "the box cannot read the end " + Quote(strEnd) + ": to it the line ends at " +
-                         Show_Time(stFinder.astCaptions[uiCaption].iEnd));
+    if (!Read_Time(strEnd) && stFinder.astCaptions[uiCaption].iEnd == 0)
+        return stFinder.Add(E_RULE_SSA_END, stLine.auiFields[E_FIELD_END], strEnd.size(), uiCaption,
+                            "the box cannot read the end " + Quote(strEnd) +
+                                " and does not show the line's text");
     Find_Style(stFinder, stLine, uiCaption);
     PlainText stMeant(stFinder.stFile.Get_Text());
     stMeant.Read_Ssa(stLine.auiFields[FIELDS], stLine.uiEnd);

@@ -147,6 +147,22 @@ void Find_InField(Finder &stFinder, size_t uiFirst, size_t uiClose, size_t uiEnd
                      "the box cannot read " + Quote(strValue) + " and leaves " + strName + " as it was");
 }
 
+// Behind [SUBTITLE] a line without a bracket is the text of a frame whose time line is not there.
+void Find_HeaderText(Finder &stFinder, size_t uiEnd)
+{
+    const size_t uiFirst = stFinder.stFile.Get_Text().find("[SUBTITLE]");
+    const std::vector<PlainLine> &astLines = stFinder.stFile.Get_Lines();
+    for (size_t uiLine = 0; uiLine < astLines.size() && astLines[uiLine].uiText < uiEnd; ++uiLine) {
+        const std::string_view strLine = stFinder.stFile.Get_Line(uiLine);
+        const size_t uiText = strLine.find_first_not_of(" \t");
+        if (uiFirst > astLines[uiLine].uiText || uiText == NOWHERE || strLine[uiText] == '[' ||
+            Is_TimeLine(strLine))
+            continue;
+        stFinder.Add(E_RULE_TEXT_MISSING, astLines[uiLine].uiText, strLine.size(), ZYR_CAPTIONS_NONE,
+                     Quote(strLine) + " stands in the header and is not shown");
+    }
+}
+
 // A line that begins with a digit.
 size_t Find_HeaderEnd(const PlainFile &stFile)
 {
@@ -175,5 +191,6 @@ void Find_InSubViewer(Finder &stFinder)
 {
     const std::vector<ViewerFrame> astFrames = Read_Frames(stFinder.stFile);
     Find_InHeader(stFinder, Find_HeaderEnd(stFinder.stFile));
+    Find_HeaderText(stFinder, Find_HeaderEnd(stFinder.stFile));
     Find_InFrames(stFinder, astFrames);
 }

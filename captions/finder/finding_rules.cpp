@@ -292,8 +292,8 @@ constexpr RuleRow RULES[] = {
      "hours "
      "on.",
      "movie.ssa", "[Script Info]\n[Events]\nDialogue: Marked=0,0:00:00.00,0:00:02.00,,,0,0,0,,Hello\n"},
-    {E_RULE_SSA_END, "ZYR-SSA-002", CHANGED, "SSA", "a line whose end cannot be read",
-     "An end is written H:MM:SS.CC. Any other one does not say when the caption goes.", "movie.ssa",
+    {E_RULE_SSA_END, "ZYR-SSA-002", LOST, "SSA", "a line whose end cannot be read",
+     "An end is written H:MM:SS.CC. With any other one the text of the line is not shown.", "movie.ssa",
      "[Script Info]\n[Events]\nDialogue: Marked=0,0:00:01.00,0:00:2,,,0,0,0,,Hello\n"},
     {E_RULE_SSA_SECTION, "ZYR-SSA-003", LOST, "SSA", "a Dialogue line outside the sections that are read",
      "Lines are read in the sections [Script Info], [v4 Styles] and [Events]; all others are passed over, "

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -124,6 +125,57 @@ TEST(Findings, PlacesAndCodes)
          "[Events]\nDialogue: Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,a\n"
          "Dialogue: Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,b{\\q2}\n",
          "SSA-007 3:52"},
+        {"a whole file that is junk", "a.srt", "hello\nworld\n", ""},
+        {"an arrow in the text", "a.srt", "1\n00:00:01,000 --> 00:00:02,000\nfrom A --> B\n\n", ""},
+        {"a clock in the text", "a.srt", "1\n00:00:01,000 --> 00:00:02,000\nat 12:30\n\n", ""},
+        {"an entry without an end", "a.srt", "1\n00:00:01,000\na\n\n", "SRT-001 2:1"},
+        {"a blank behind the number", "a.srt", "1 \n00:00:01,000 --> 00:00:02,000\na\n\n", "FILE-009 1:1"},
+        {"a fraction of two digits", "a.srt", "1\n00:00:01,50 --> 00:00:02,000\na\n\n", "SRT-002 2:1"},
+        {"nothing but blanks on the sixth line", "a.srt",
+         "1\n00:00:01,000 --> 00:00:09,000\na\nb\nc\nd\ne\n \nf\n\n", ""},
+        {"a seventh line of two words", "a.srt",
+         "1\n00:00:01,000 --> 00:00:09,000\na\nb\nc\nd\ne\nf\ng h\n\n", "TEXT-001 9:1"},
+        {"64 characters fit", "a.srt",
+         "1\n00:00:01,000 --> 00:00:09,000\n0123456789 0123456789 0123456789 0123456789 0123456789 "
+         "012345678\n\n",
+         ""},
+        {"65 do not", "a.srt",
+         "1\n00:00:01,000 --> 00:00:09,000\n0123456789 0123456789 0123456789 0123456789 0123456789 "
+         "0123456789\n\n",
+         "TEXT-002 3:1"},
+        {"a note in a known tag", "a.srt", "1\n00:00:01,000 --> 00:00:02,000\n<span class=x>a</span>\n\n",
+         ""},
+        {"a colour of another length", "a.srt",
+         "1\n00:00:01,000 --> 00:00:02,000\n<font color=\"#FFFF\">a</font>\n\n", "TEXT-011 3:14"},
+        {"a colour by name", "a.srt", "1\n00:00:01,000 --> 00:00:02,000\n<font color=Red>a</font>\n\n", ""},
+        {"an override in the middle", "a.srt", "1\n00:00:01,000 --> 00:00:02,000\na{\\an8}b\n\n",
+         "TEXT-012 3:2"},
+        {"the file ends in a number", "a.srt", "1\n00:00:01,000 --> 00:00:02,000\na\n\n2\n",
+         "SRT-006 5:1 SRT-007 5:1"},
+        {"emoji in a row", "a.srt",
+         "\xEF\xBB\xBF"
+         "1\n00:00:01,000 --> 00:00:02,000\na \xF0\x9F\x98\x80\xF0\x9F\x98\x81 b\n\n",
+         "TEXT-004 3:3"},
+        {"[br] in the middle", "a.sub", "[SUBTITLE]\n00:00:01.00,00:00:02.00\na[br]b [x] c\n\n", ""},
+        {"digits alone", "a.sub", "[SUBTITLE]\n00000100,00000200\na\n\n", ""},
+        {"a frame behind a bad one", "a.sub",
+         "[SUBTITLE]\n00:00:01.00;00:00:02.00\na\n\n00:00:03.00,00:00:04.00\nb\n\n", "SUB-001 2:1"},
+        {"text behind an empty line", "a.sub",
+         "[SUBTITLE]\n00:00:01.00,00:00:02.00\na\n\nb\n\n00:00:03.00,00:00:04.00\nc\n\n", "SUB-003 5:1"},
+        {"a style by the beginning of its name", "a.ssa",
+         "[v4 Styles]\nStyle: Default,Arial,20,255,255,255,0,0,0,1,2,0,2,10,10,10,0,0\n"
+         "[Events]\nDialogue: Marked=0,0:00:01.00,0:00:02.00,Def,,0,0,0,,a\n",
+         ""},
+        {"overrides that are known", "a.ssa",
+         "[Events]\nDialogue: "
+         "Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,{\\b1}a{\\fs20}b{\\c&HFF&}c{\\r}{\\fnArial}d\n",
+         ""},
+        {"an end that is none", "a.ssa", "[Events]\nDialogue: Marked=0,0:00:01.00,soon,,,0,0,0,,a\n",
+         "SSA-002 2:31"},
+        {"a comment line and a format line", "a.ssa",
+         "[Events]\nFormat: a, b\nComment: Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,x\n"
+         "Dialogue: Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,a\n",
+         ""},
     };
     for (const auto &stCase : astCases)
         EXPECT_EQ(Findings(Expand(stCase.pszText), stCase.pszName).Show(), stCase.pszFindings)
@@ -201,4 +253,162 @@ TEST(Findings, CutAnywhere)
     EXPECT_EQ(Findings("", "a.srt").Show(), "FILE-001 0:0");
     EXPECT_EQ(zyrFindings_getError(nullptr), ZYR_CAPTIONS_NO_MEMORY);
     EXPECT_EQ(zyrFindings_findRule("ZYR-SRT"), ZYR_CAPTIONS_NONE);
+}
+
+// Times have their own findings, and their limits can be set.
+TEST(Findings, TimesAndLimits)
+{
+    static constexpr const char *SLOW = "1\n00:00:01,000 --> 00:00:02,000\n0123456789\n\n";
+    static constexpr struct {
+        const char *pszWhy, *pszName, *pszText;
+        uint32_t uiSpeed, uiLongestMs;
+        const char *pszFindings;
+    } astCases[] = {
+        {"ten characters a second", "a.srt", SLOW, 10, 0, ""},
+        {"nine are the most", "a.srt", SLOW, 9, 0, "TIME-006 1:1"},
+        {"any number is fine", "a.srt", SLOW, ZYR_CAPTIONS_NONE, 0, ""},
+        {"a second is the most", "a.srt", SLOW, 0, 1000, ""},
+        {"less than a second is", "a.srt", SLOW, 0, 999, "TIME-005 1:1"},
+        {"they touch", "a.srt",
+         "1\n00:00:01,000 --> 00:00:02,000\na\n\n2\n00:00:02,000 --> 00:00:03,000\nb\n\n", 0, 0, ""},
+        {"they overlap", "a.sub", "[SUBTITLE]\n00:00:01.00,00:00:03.00\na\n\n00:00:02.00,00:00:04.00\nb\n\n",
+         0, 0, "TIME-001 5:1"},
+        {"an empty one overlaps", "a.srt",
+         "1\n00:00:01,000 --> 00:00:03,000\n\n2\n00:00:02,000 --> 00:00:03,000\nb\n\n", 0, 0, "TIME-004 1:1"},
+        {"out of order", "a.srt",
+         "1\n00:00:05,000 --> 00:00:06,000\na\n\n2\n00:00:01,000 --> 00:00:02,000\nb\n\n", 0, 0,
+         "TIME-002 5:1"},
+        {"SSA is sorted by the box", "a.ssa",
+         "[Events]\nDialogue: Marked=0,0:00:01.00,0:00:02.00,,,0,0,0,,a\n"
+         "Dialogue: Marked=0,0:00:09.00,0:00:10.00,,,0,0,0,,b\nDialogue: "
+         "Marked=0,0:00:05.00,0:00:06.00,,,0,0,0,,c\n",
+         0, 0, ""},
+        {"no time at all", "a.srt", "1\n00:00:05,000 --> 00:00:05,000\na\n\n", 0, 0, "TIME-003 1:1"},
+        {"blanks alone clear in SAMI", "a.smi", "<SYNC Start=1000><P>a\n<SYNC Start=2000><P>&nbsp;\n", 0, 0,
+         ""},
+        {"an END is an end", "a.smi", "<SYNC Start=1000 End=2000><P>a\n", 0, 0, ""},
+        {"nothing ends it", "a.smi", "<SYNC Start=1000><P>a\n", 0, 0, "TIME-007 1:1"},
+    };
+    for (const auto &stCase : astCases) {
+        ZyrFindingsOptions stOptions = {};
+        stOptions.uiCharactersPerSecond = stCase.uiSpeed;
+        stOptions.uiLongestMs = stCase.uiLongestMs;
+        EXPECT_EQ(Findings(Expand(stCase.pszText), stCase.pszName, stOptions).Show(true), stCase.pszFindings)
+            << stCase.pszWhy;
+    }
+}
+
+// What only an output can tell, with the sentence that it is told in.
+TEST(Findings, OnAnOutput)
+{
+    ZyrFindingsOptions stOptions = {};
+    stOptions.pszOutput = "lcd";
+    const std::string strText =
+        "\xEF\xBB\xBF"
+        "1\n00:00:01,000 --> 00:00:09,000\nshort\n"
+        "wwwwwwwwwwwwwww wwwwwwwwwwwwwww wwwwwwwwwwwwwww wwwwwwwwwwwwww\n\xE1\x9A\xA0\n\n";
+    const Findings stFindings(Expand(strText.c_str()), "a.srt", stOptions);
+    EXPECT_EQ(stFindings.Show(), "OUT-002 4:1 OUT-001 5:1");
+    EXPECT_NE(std::string(stFindings.List()[0].pszSentence).find("takes 2 rows"), std::string::npos);
+    stOptions.pszOutput = "vhs";
+    EXPECT_EQ(zyrFindings_getError(Findings(Expand(strText.c_str()), "a.srt", stOptions).Get()),
+              ZYR_CAPTIONS_NO_SCREEN);
+}
+
+// A class that goes into another is told at each of its paragraphs, the captions without a class too.
+TEST(Findings, ClassesOfSami)
+{
+    std::string strMany;
+    std::string strEight = "<SYNC Start=1><P Class=A>a";
+    for (int i = 1; i <= 31; ++i)
+        strMany += "<SYNC Start=" + std::to_string(i * 1000) + "><P Class=MAIN>" + std::to_string(i) + "\r\n";
+    for (const char cName : std::string("BCDEFGH"))
+        strEight += std::string("<P Class=") + cName + ">" + cName;
+    const struct {
+        const char *pszWhy;
+        std::string strText;
+        const char *pszFindings;
+    } astCases[] = {
+        {"31 and one",
+         strMany + "<SYNC Start=90000><P Class=SLIP>x\r\n<SYNC Start=91000><P Class=MAIN>&nbsp;",
+         "SMI-011 32:19"},
+        {"31 and one without a class",
+         strMany + "<SYNC Start=90000><P>x\r\n<SYNC Start=91000><P Class=MAIN>&nbsp;", "SMI-011 32:19"},
+        {"eight beside each other", strEight + "\r\n<SYNC Start=1000><P Class=A>&nbsp;",
+         "SMI-013 1:75 SMI-013 1:87 SMI-012 1:99"},
+        {"the same name twice", "<SYNC Start=1><P Class=a>x<SYNC Start=9><P Class=A>&nbsp;", ""},
+        {"a long name once",
+         "<SYNC Start=1><P Class=ABCDEFGHIJKLM>x<SYNC Start=9><P Class=ABCDEFGHIJKLM>&nbsp;", "SMI-010 1:15"},
+        {"a tag begins a text for all", "<SYNC Start=1><B>x</B><P Class=A>y<SYNC Start=9><P Class=A>&nbsp;",
+         ""},
+        {"text in front of the paragraph", "<SYNC Start=1>x<P Class=A>y<SYNC Start=9><P Class=A>&nbsp;",
+         "SMI-005 1:15"},
+        {"a SYNC behind the body", "<SYNC Start=1><P>x</BODY><SYNC Start=9><P>y", "SMI-006 1:26"},
+        {"a bare SYNC with nothing to say", "<SYNC Start=1><P>x<SYNC><SYNC Start=9><P>&nbsp;", ""},
+        {"a bare SYNC with text", "<SYNC Start=1><P>x<SYNC><P>y<SYNC Start=9><P>&nbsp;", "SMI-003 1:19"},
+    };
+    for (const auto &stCase : astCases)
+        EXPECT_EQ(Findings(stCase.strText, "a.smi").Show(), stCase.pszFindings) << stCase.pszWhy;
+}
+
+namespace
+{
+
+struct Shown {
+    std::string strWhat; // times and text
+    uint32_t uiLine;     // 0 on
+};
+
+std::vector<Shown> List_Shown(const ZyrCaptions *pstCaptions, const std::string &strBytes)
+{
+    std::vector<Shown> astShown;
+    ZyrCaption stCaption;
+    for (uint32_t ui = 0; zyrCaptions_get(pstCaptions, ui, &stCaption) == ZYR_CAPTIONS_OK; ++ui)
+        astShown.push_back({std::to_string(stCaption.iStart) + " " + std::to_string(stCaption.iEnd) + " " +
+                                stCaption.pszText,
+                            static_cast<uint32_t>(
+                                std::count(strBytes.begin(), strBytes.begin() + stCaption.uiSource, '\n'))});
+    return astShown;
+}
+
+bool Is_Text(const std::string &strLine)
+{
+    return strLine.find_first_not_of("0123456789:,.-> \r\n") != std::string::npos;
+}
+
+} // namespace
+
+// A line that is missing costs captions: each of them is named where it stands, by something that changes or loses.
+TEST(Findings, WhatAMissingLineCostsIsNamed)
+{
+    uint32_t uiCosts = 0;
+    for (const char *pszName : {"subrip-crlf.srt", "subviewer.sub"}) {
+        const std::string strGood = Read_File(Sample(pszName));
+        const std::vector<Shown> astGood = List_Shown(Load_Text(strGood, pszName).get(), strGood);
+        std::vector<std::string> astrLines;
+        for (size_t uiAt = 0; uiAt < strGood.size(); uiAt = strGood.find('\n', uiAt) + 1)
+            astrLines.push_back(strGood.substr(uiAt, strGood.find('\n', uiAt) + 1 - uiAt));
+        for (uint32_t uiGone = astGood[0].uiLine; uiGone < astrLines.size(); ++uiGone) {
+            if (Is_Text(astrLines[uiGone])) continue;
+            std::string strBad;
+            for (uint32_t ui = 0; ui < astrLines.size(); ++ui) strBad += ui == uiGone ? "" : astrLines[ui];
+            const Findings stFindings(strBad, pszName);
+            std::set<std::string> astrStill;
+            for (const Shown &stShown : List_Shown(zyrFindings_getBoxCaptions(stFindings.Get()), strBad))
+                astrStill.insert(stShown.strWhat);
+            for (size_t ui = 0; ui < astGood.size(); ++ui) {
+                if (astrStill.count(astGood[ui].strWhat) > 0) continue;
+                ++uiCosts;
+                const uint32_t uiEnd = ui + 1 < astGood.size() ? astGood[ui + 1].uiLine + 3 : UINT32_MAX;
+                bool bNamed = false;
+                for (const ZyrFinding &stFinding : stFindings.List())
+                    bNamed = bNamed || (stFinding.uiSeverity >= ZYR_FINDING_CHANGED &&
+                                        stFinding.uiLine >= astGood[ui].uiLine && stFinding.uiLine <= uiEnd);
+                EXPECT_TRUE(bNamed) << pszName << " without line " << uiGone + 1 << ": "
+                                    << astGood[ui].strWhat << "\n"
+                                    << stFindings.Show(true);
+            }
+        }
+    }
+    EXPECT_GT(uiCosts, 10U);
 }
