@@ -91,7 +91,7 @@ void Index_Styles()
         return Compare_Names(uiA, s_pastStyle[uiB].stStyle.ausStyleName, ZYR_SSA_NAME_UNITS) < 0;
     });
     for (uint32_t uiPos = s_uiStyles; --uiPos > 0;)
-        s_puiIndex[uiPos] = std::min(s_puiIndex[2 * uiPos], s_puiIndex[2 * uiPos + 1]);
+        s_puiIndex[uiPos] = std::min(s_puiIndex[size_t{2} * uiPos], s_puiIndex[size_t{2} * uiPos + 1]);
 }
 
 const SSAStyleInfo *Find_Style(const uint16_t *pusText, uint32_t uiLen)
