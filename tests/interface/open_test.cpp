@@ -148,7 +148,11 @@ TEST_F(Interface, BadArguments)
         EXPECT_EQ(zyrSubtitle_getFrame(&uiNumber, fnOr(0, &iTime), fnOr(1, &iTime), fnOr(2, &uiNumber),
                                        fnOr(3, &uiNumber), fnOr(4, &pucText)),
                   2u);
+        EXPECT_EQ(zyrSubtitleHandler_getFrameInfo(&uiNumber, fnOr(0, &iTime), fnOr(1, &iTime),
+                                                  fnOr(2, &uiNumber), fnOr(3, &uiNumber), fnOr(4, &pucText)),
+                  2u);
     }
+    EXPECT_EQ(zyrSubtitle_selectClass(1, nullptr), 2u);
     EXPECT_EQ(Call_All(nullptr, nullptr), std::vector<uint32_t>(4, 2));
     EXPECT_EQ(zyrSubtitle_selectClass(0, &uiNumber), 2u);
     EXPECT_EQ(zyrSubtitle_selectClass(-1, &uiNumber), 2u);
@@ -184,6 +188,7 @@ TEST_F(Interface, HostCallbacks)
     EXPECT_EQ(QUIBCAPTCB_ConvertANSI2Unicode(aucBytes, &usUnit), 2);
     EXPECT_EQ(usUnit, 0xB1B0);
     EXPECT_EQ(QUIBCAPTCB_ConvertANSI2Unicode(nullptr, &usUnit), 0);
+    EXPECT_EQ(QUIBCAPTCB_ConvertANSI2Unicode(aucBytes, nullptr), 0);
     EXPECT_EQ(QUIBCAPTCB_GetFileHandleOfSubtitle(), nullptr);
     EXPECT_EQ(Count_Log("[QUIBCAPTCB_GetFileHandleOfSubtitle]"), 1u);
     EXPECT_EQ(QUIBCAPTPARS_Get_VerInfo(), 36u);
@@ -192,9 +197,12 @@ TEST_F(Interface, HostCallbacks)
     void *const hFile = TRACK_GetFileHandleOfSubtitleData();
     EXPECT_EQ(QUIBCAPTCB_FileSeek(hFile, 0, 2), static_cast<int64_t>(SRT.size()));
     const uint32_t uiSeeks = zyr_host_fileCalls(2);
-    EXPECT_EQ(QUIBCAPTCB_FileSeek(hFile, 0, 3), -1);
+    for (const int32_t iOrigin : {-1, 3}) EXPECT_EQ(QUIBCAPTCB_FileSeek(hFile, 0, iOrigin), -1);
     EXPECT_EQ(zyr_host_fileCalls(2), uiSeeks) << "a bad origin does not touch the file";
     EXPECT_EQ(QUIBCAPTCB_FileSeek(hFile, -1, 0), -2);
+    uint8_t ucByte = 0;
+    for (void *const hNone : {hFile, static_cast<void *>(nullptr)})
+        EXPECT_LT(QUIBCAPTCB_FileRead(hNone, hNone == nullptr ? &ucByte : nullptr, 1), 0);
     zyr_host_failFile(3, 1, -9, 0);
     EXPECT_EQ(QUIBCAPTCB_FileTell(hFile), -9);
     zyr_host_failAllocation(1, 0);

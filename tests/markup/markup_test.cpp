@@ -127,6 +127,8 @@ TEST(TextHelpers, Comparisons)
     EXPECT_EQ(QUIBCAPTPARS_StrCmp(vecA.data(), vecB.data(), 2), 1);
     EXPECT_EQ(QUIBCAPTPARS_StrCmp(vecA.data(), vecB.data(), 3), -1);
     EXPECT_EQ(QUIBCAPTPARS_StrCmp(nullptr, nullptr, 0), 1);
+    EXPECT_EQ(QUIBCAPTPARS_StrCmp(vecA.data(), nullptr, 1), -1);
+    EXPECT_EQ(QUIBCAPTPARS_StrCmp(nullptr, vecB.data(), 1), -1);
     EXPECT_EQ(Compare_StringNoCase("white", "WHITE", 5), 1u);
     EXPECT_EQ(Compare_StringNoCase("a\0b", "A\0c", 3), 0u);
     EXPECT_EQ(Compare_StringNoCase("a", "a", 0), 0u);
