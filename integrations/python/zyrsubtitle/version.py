@@ -1,0 +1,2 @@
+"""The version, which is the library's."""
+VERSION = "1.0.0"
