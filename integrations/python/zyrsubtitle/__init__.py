@@ -27,6 +27,7 @@ from .captions import (
     loads,
 )
 from .errors import ErrorKind, LibraryError, SubtitleError
+from .findings import Finding, Findings, Rule, Severity, lint, lints, rules
 from .screen import Box, Output, Screen, outputs
 from .version import VERSION as __version__
 
@@ -39,15 +40,22 @@ __all__ = [
     "Encoding",
     "EncodingRule",
     "ErrorKind",
+    "Finding",
+    "Findings",
     "LanguageClass",
     "LibraryError",
     "LogLine",
     "Output",
+    "Rule",
     "Screen",
+    "Severity",
     "SsaStyle",
     "Style",
     "SubtitleError",
+    "lint",
+    "lints",
     "load",
     "loads",
     "outputs",
+    "rules",
 ]

@@ -4,7 +4,7 @@ from __future__ import annotations
 import enum
 import os
 from collections.abc import Iterator, Sequence
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from typing import Any, Callable, Optional, TypeVar, Union, overload
 
 from .errors import ErrorKind, SubtitleError
@@ -207,7 +207,7 @@ class LogLine:
 
 
 @dataclass(frozen=True)
-class _Request:
+class Request:
     """All that a load is told; what a pickle holds."""
 
     path: Optional[bytes]
@@ -249,8 +249,8 @@ def load(
     <Captions of day.srt: SubRip, 1 caption>
     """
     return Captions(
-        _Request(
-            os.fsencode(path), None, None, code_page, _class_names(classes), single_byte, box_line_ends, together, start
+        Request(
+            os.fsencode(path), None, None, code_page, class_names(classes), single_byte, box_line_ends, together, start
         )
     )
 
@@ -276,13 +276,13 @@ def loads(
     'Good morning'
     """
     return Captions(
-        _Request(
-            None, bytes(data), name, code_page, _class_names(classes), single_byte, box_line_ends, together, start
+        Request(
+            None, bytes(data), name, code_page, class_names(classes), single_byte, box_line_ends, together, start
         )
     )
 
 
-def _class_names(classes: Sequence[Union[str, int]]) -> tuple[str, ...]:
+def class_names(classes: Sequence[Union[str, int]]) -> tuple[str, ...]:
     if isinstance(classes, str):
         raise TypeError("classes is a list of names")
     return tuple(str(name) for name in classes)
@@ -291,20 +291,33 @@ def _class_names(classes: Sequence[Union[str, int]]) -> tuple[str, ...]:
 class Captions(Sequence[Caption]):
     """The captions of one file, in the order in which a player gets them. Made by load() and loads()."""
 
-    def __init__(self, request: _Request) -> None:
+    def __init__(self, request: Request) -> None:
         self._request = request
         handle = _run_load(request)
         if handle == ffi.NULL:
-            raise SubtitleError(ErrorKind.NO_MEMORY, _name_of(request), "there is no memory for the captions")
-        self._handle = ffi.gc(handle, lib.zyrCaptions_free)
+            raise SubtitleError(ErrorKind.NO_MEMORY, name_of(request), "there is no memory for the captions")
         error = lib.zyrCaptions_getError(handle)
+        sentence = text(lib.zyrCaptions_getErrorText(handle))
+        self._take(ffi.gc(handle, lib.zyrCaptions_free), None)
         if error != lib.ZYR_CAPTIONS_OK:
-            raise SubtitleError(ErrorKind(error), _name_of(request), text(lib.zyrCaptions_getErrorText(handle)))
+            raise SubtitleError(ErrorKind(error), name_of(request), sentence)
+
+    @classmethod
+    def of_findings(cls, request: Request, handle: Any, owner: Any, box: bool) -> Captions:
+        """For Findings: a list that belongs to its owner."""
+        captions = cls.__new__(cls)
+        captions._request = replace(request, box_line_ends=box)
+        captions._take(handle, owner)
+        return captions
+
+    def _take(self, handle: Any, owner: Any) -> None:
+        self._handle = handle
+        self._owner = owner  # lives as long as its list is asked
         self._file = ffi.new("ZyrCaptionsFile *")
         lib.zyrCaptions_getFile(handle, self._file)
         self._count: int = lib.zyrCaptions_count(handle)
 
-    def __reduce__(self) -> tuple[type[Captions], tuple[_Request]]:
+    def __reduce__(self) -> tuple[type[Captions], tuple[Request]]:
         return Captions, (self._request,)
 
     def __repr__(self) -> str:
@@ -361,7 +374,7 @@ class Captions(Sequence[Caption]):
         room = 8
         while True:
             indexes = ffi.new("uint32_t[]", room)
-            number = lib.zyrCaptions_getAt(self._handle, _class(language), check_ms("ms", ms), indexes, room)
+            number = lib.zyrCaptions_getAt(self._handle, class_number(language), check_ms("ms", ms), indexes, room)
             if number <= room:
                 return [self._get(indexes[at]) for at in range(number)]
             room = number
@@ -383,7 +396,7 @@ class Captions(Sequence[Caption]):
         >>> day.next(0).start, day.next(1000)
         (1000, None)
         """
-        return self._perhaps(lib.zyrCaptions_getNext(self._handle, _class(language), check_ms("ms", ms)))
+        return self._perhaps(lib.zyrCaptions_getNext(self._handle, class_number(language), check_ms("ms", ms)))
 
     def previous(self, ms: int, language: Optional[int] = None) -> Optional[Caption]:
         """The last caption that starts before a time, or None.
@@ -393,7 +406,7 @@ class Captions(Sequence[Caption]):
         >>> day.previous(1001).start, day.previous(1000)
         (1000, None)
         """
-        return self._perhaps(lib.zyrCaptions_getPrevious(self._handle, _class(language), check_ms("ms", ms)))
+        return self._perhaps(lib.zyrCaptions_getPrevious(self._handle, class_number(language), check_ms("ms", ms)))
 
     def next_change(self, ms: int) -> Optional[int]:
         """The next time after this one at which a caption comes or goes, or None.
@@ -522,20 +535,20 @@ class Captions(Sequence[Caption]):
 # ------------------------------------------------------------------------------------------------- the C values
 
 
-def _run_load(request: _Request) -> Any:
+def _run_load(request: Request) -> Any:
     options, _alive = make_options(request)
     if request.path is not None:
-        return lib.zyrCaptions_load(_bytes_without_zero(request.path), options)
-    name = ffi.NULL if request.name is None else ffi.new("char[]", _bytes_without_zero(os.fsencode(request.name)))
+        return lib.zyrCaptions_load(bytes_without_zero(request.path), options)
+    name = ffi.NULL if request.name is None else ffi.new("char[]", bytes_without_zero(os.fsencode(request.name)))
     data = ffi.from_buffer(request.data)
     return lib.zyrCaptions_loadMemory(data, len(request.data or b""), name, options)
 
 
-def make_options(request: _Request) -> tuple[Any, Any]:
+def make_options(request: Request) -> tuple[Any, Any]:
     """The options of a load, and what must stay while they are used."""
     options = ffi.new("ZyrCaptionsOptions *")
-    page = ffi.NULL if request.code_page is None else ffi.new("char[]", _bytes_without_zero(request.code_page.encode()))
-    names = [ffi.new("char[]", _bytes_without_zero(name.encode())) for name in request.classes]
+    page = ffi.NULL if request.code_page is None else ffi.new("char[]", bytes_without_zero(request.code_page.encode()))
+    names = [ffi.new("char[]", bytes_without_zero(name.encode())) for name in request.classes]
     pointers = ffi.new("char *[]", names)
     options.pszCodePage = page
     options.ppszClasses = pointers if names else ffi.NULL
@@ -551,13 +564,13 @@ def make_options(request: _Request) -> tuple[Any, Any]:
     return options, (page, names, pointers)
 
 
-def _bytes_without_zero(value: bytes) -> bytes:
+def bytes_without_zero(value: bytes) -> bytes:
     if b"\0" in value:
         raise ValueError("a name with a zero byte in it")
     return value
 
 
-def _name_of(request: _Request) -> str:
+def name_of(request: Request) -> str:
     return (request.name or "") if request.path is None else os.fsdecode(request.path)
 
 
@@ -569,7 +582,7 @@ def _index(value: int) -> Optional[int]:
     return None if value == NONE else value
 
 
-def _class(language: Optional[int]) -> int:
+def class_number(language: Optional[int]) -> int:
     return NONE if language is None else language
 
 

@@ -202,3 +202,54 @@ int zyrCaptions_drawAt(ZyrCaptionScreen *pstScreen, const ZyrCaptions *pstCaptio
                                int32_t iTime, uint8_t *pucRgba, ZyrCaptionBox *pstBox);
 uint32_t zyrCaptions_getMissing(const ZyrCaptionScreen *pstScreen, const char *pszText,
                                         uint32_t *puiCharacters, uint32_t uiRoom);
+typedef struct ZyrFindings ZyrFindings;
+enum {
+    ZYR_FINDING_DOUBTFUL = 1,
+    ZYR_FINDING_CHANGED = 2,
+    ZYR_FINDING_LOST = 3
+};
+typedef struct ZyrFindingRule {
+    const char *pszCode;
+    uint32_t uiSeverity;
+    const char *pszSeverity;
+    const char *pszFormats;
+    const char *pszTitle;
+    const char *pszExplanation;
+    const char *pszFile;
+    const char
+        *pszExample;
+} ZyrFindingRule;
+int zyrFindings_getRule(uint32_t uiRule, ZyrFindingRule *pstRule);
+uint32_t zyrFindings_findRule(const char *pszCode);
+typedef struct ZyrFindingsOptions {
+    const ZyrCaptionsOptions *pstCaptions;
+    uint32_t
+        uiCharactersPerSecond;
+    uint32_t uiLongestMs;
+    const char *pszOutput;
+    uint32_t uiFontSize;
+} ZyrFindingsOptions;
+typedef struct ZyrFinding {
+    uint32_t uiRule;
+    const char *pszCode;
+    uint32_t uiSeverity;
+    uint32_t uiLine;
+    uint32_t uiColumn;
+    uint32_t uiColumns;
+    size_t uiOffset;
+    uint32_t uiCaption;
+    uint32_t uiClass;
+    const char *pszSentence;
+    const char *pszText;
+    const char *pszLine;
+} ZyrFinding;
+ZyrFindings *zyrFindings_load(const char *pszPath, const ZyrFindingsOptions *pstOptions);
+ZyrFindings *zyrFindings_loadMemory(const void *pvData, size_t uiBytes, const char *pszName,
+                                            const ZyrFindingsOptions *pstOptions);
+void zyrFindings_free(ZyrFindings *pstFindings);
+int zyrFindings_getError(const ZyrFindings *pstFindings);
+const char *zyrFindings_getErrorText(const ZyrFindings *pstFindings);
+uint32_t zyrFindings_count(const ZyrFindings *pstFindings);
+int zyrFindings_get(const ZyrFindings *pstFindings, uint32_t uiIndex, ZyrFinding *pstFinding);
+const ZyrCaptions *zyrFindings_getCaptions(const ZyrFindings *pstFindings);
+const ZyrCaptions *zyrFindings_getBoxCaptions(const ZyrFindings *pstFindings);

@@ -6,7 +6,7 @@ from dataclasses import dataclass
 from types import TracebackType
 from typing import TYPE_CHECKING, Any, Optional
 
-from .captions import Captions, _class
+from .captions import Captions, class_number
 from .errors import ErrorKind, SubtitleError
 from .library import check_ms, ffi, lib, text
 
@@ -148,7 +148,7 @@ class Screen:
         with self._lock:
             time = check_ms("ms", ms)
             _check(
-                lib.zyrCaptions_drawAt(self._opened(), captions._handle, _class(language), time, pixels, ffi.NULL)
+                lib.zyrCaptions_drawAt(self._opened(), captions._handle, class_number(language), time, pixels, ffi.NULL)
             )
         return picture
 
