@@ -6,6 +6,7 @@ import fcntl
 import io
 import json
 import os
+import re
 import time
 from collections.abc import Iterable, Iterator
 from typing import BinaryIO, Optional
@@ -33,7 +34,7 @@ def encode_csv(record: Record) -> str:
     """A record as rows. A cell never holds a line end, so that a line is a row."""
     rows = io.StringIO()
     writer = csv.writer(rows, lineterminator="\n")
-    common = [record[column] for column in _FILE_COLUMNS]
+    common = [_escape(record["file"]), *(record[column] for column in _FILE_COLUMNS[1:])]
     findings = record["findings"]
     if not findings:
         writer.writerow([*map(_cell, common), 0, 0, *[""] * len(_FINDING_COLUMNS)])
@@ -45,6 +46,19 @@ def encode_csv(record: Record) -> str:
 
 def _cell(value: object) -> str:
     return "" if value is None else str(value).replace("\r", " ").replace("\n", " ")
+
+
+# A name may hold any byte but zero, and must come back as it was.
+_ESCAPES = {"\\": "\\\\", "\n": "\\n", "\r": "\\r"}
+_UNESCAPES = {escape: character for character, escape in _ESCAPES.items()}
+
+
+def _escape(name: str) -> str:
+    return "".join(_ESCAPES.get(character, character) for character in name)
+
+
+def _unescape(name: str) -> str:
+    return re.sub(r"\\[\\nr]", lambda found: _UNESCAPES[found[0]], name)
 
 
 def read_records(file: str) -> Iterator[Record]:
@@ -92,6 +106,7 @@ def _scan_csv(stream: BinaryIO) -> Iterator[tuple[Record, int]]:
             raise ResultsError(f"byte {end - len(line)} of the results is no row")
         if record is None or row["finding"] in (0, 1):
             record = {column: row[column] for column in _FILE_COLUMNS}
+            record["file"] = _unescape(record["file"])
             record["findings"] = []
         if row["findings"]:
             record["findings"].append({column: row[column] for column in _FINDING_COLUMNS})

@@ -162,7 +162,7 @@ class _Cluster:
         """Keep the workers busy, and no more than that, so that memory stays flat."""
         room = self.plan.ahead * self._count_threads(client)
         while len(self.running) < room:
-            batch: Optional[Batch] = self.waiting.popleft() if self.waiting else next(batches, None)
+            batch = next(batches, None) if not self.waiting else self.waiting.popleft()
             if batch is None:
                 break
             self._start(client, batch)
