@@ -22,9 +22,8 @@ def make_templates(samples: pathlib.Path) -> dict[str, tuple[bytes, Optional[str
     for sample in sorted(samples.glob("*.s*")):
         templates[sample.name] = (sample.read_bytes(), None)
     for rule in zyrsubtitle.rules():
-        text = rule.example.replace("\n", "\r\n").replace("\1", "\0")
-        text = text.replace("\r\r\n", "\n") if "\r\r\n" in text else text
-        templates[f"{rule.code}-{rule.file}"] = (text.encode(), rule.code)
+        shows = rule.code if not rule.code.startswith("ZYR-OUT") else None  # those are of an output
+        templates[f"{rule.code}-{rule.file}"] = (rule.example, shows)
     return {name: row for name, row in templates.items() if name.endswith(ENDINGS)}
 
 

@@ -137,6 +137,40 @@ def test_threads_ask_one_list(samples):
             assert answers == expected
 
 
+def test_every_example_has_its_finding():
+    """What the library's table says of its codes, and what the package gives of each, are one."""
+    rules = zyrsubtitle.rules()
+    assert len(rules) > 50
+    for rule in rules:
+        output = "lcd" if rule.code.startswith("ZYR-OUT") else None
+        found = zyrsubtitle.lints(rule.example, rule.file, output=output)
+        mine = [finding for finding in found if finding.code == rule.code]
+        assert mine and all(finding.severity is rule.severity for finding in mine), rule.code
+        again = pickle.loads(pickle.dumps(found))
+        assert list(again) == list(found)
+        for finding in mine:
+            assert finding.sentence and (finding.line == 0) == (finding.column == 0)
+            if finding.caption is not None:
+                assert found.captions[finding.caption].language == finding.language
+
+
+def test_findings_by_line_ends_and_limits():
+    data = SRT.replace(b"\r\n", b"\n") + b"2\n00:00:03,000 --> 00:00:23,000\nlong\n\n"
+    found = zyrsubtitle.lints(data, "a.srt")
+    captions, box = found.captions, found.box_captions
+    del found  # its lists keep it
+    assert len(captions) == 2 and len(box) < 2
+    assert list(pickle.loads(pickle.dumps(box))) == list(box)
+    cases = [({}, True), ({"longest": 20_000}, False), ({"longest": 0}, False)]
+    for options, told in cases:
+        codes = {one.code for one in zyrsubtitle.lints(data.replace(b"\n", b"\r\n"), "a.srt", **options)}
+        assert ("ZYR-TIME-006" in codes or "ZYR-TIME-005" in codes) == told, options
+    with pytest.raises(SubtitleError):
+        zyrsubtitle.lint("/nowhere/a.srt")
+    refused = zyrsubtitle.lints(b"", "a.srt")
+    assert len(refused) == 1 and refused.captions is None
+
+
 def test_screen():
     numpy = pytest.importorskip("numpy")
     with zyrsubtitle.Screen("hdmi-720p", font_size=40, position=50) as screen:

@@ -124,7 +124,7 @@ def test_a_file_at_which_workers_die(tmp_path):
     poison = folder / "000" / "000031-poison.srt"
     poison.write_bytes(b"1\r\n00:00:01,000 --> 00:00:02,000\r\nx\r\n")
     (tmp_path / "poisoned.py").write_text(
-        "import os, zyrcatalogue.examine as examine\n"
+        "import os, zyrcatalogue.examination as examine\n"
         "real = examine._read\n"
         "def read(file):\n"
         "    return os._exit(1) if 'poison' in file else real(file)\n"

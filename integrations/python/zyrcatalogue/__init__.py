@@ -3,7 +3,7 @@
     python3 -m zyrcatalogue run FOLDER -o results.jsonl
     python3 -m zyrcatalogue report results.jsonl -o catalogue.html
 """
-from .examine import UNREADABLE, WORKER_DIED, Reading, examine, find_maker
+from .examination import UNREADABLE, WORKER_DIED, Reading, examine, find_maker
 from .report import write_report
 from .results import ResultsError, read_records
 from .run import Plan, RunError, run

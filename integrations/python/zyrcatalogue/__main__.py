@@ -9,7 +9,7 @@ import time
 from collections.abc import Iterator
 from typing import Optional
 
-from .examine import Reading
+from .examination import Reading
 from .report import write_report
 from .results import ResultsError
 from .run import Plan, RunError, run
@@ -57,6 +57,7 @@ def _add_run(commands: argparse._SubParsersAction[argparse.ArgumentParser]) -> N
     parser.add_argument("--since", type=parse_since, metavar="TIME", help="only files written since: 2026-01-31, 36h, 7d")
     parser.add_argument("--codepage", metavar="NAME", help="of text without a Unicode encoding [found out]")
     parser.add_argument("--single-byte", action="store_true", help="every byte of such text is one character")
+    parser.add_argument("--output", metavar="NAME", help="also try how captions fit this output, as lcd or hdmi-720p")
     parser.add_argument("--quiet", action="store_true", help="no progress and no summary")
 
 
@@ -87,7 +88,7 @@ def _run(options: argparse.Namespace) -> None:
         plan=Plan(
             scheduler=options.scheduler, workers=options.workers, batch=options.batch, patience=options.patience
         ),
-        reading=Reading(options.codepage, options.single_byte),
+        reading=Reading(options.codepage, options.single_byte, options.output),
         since=options.since,
         quiet=options.quiet,
     )

@@ -9,7 +9,7 @@ from typing import Any, Optional
 
 import zyrsubtitle
 
-from .examine import Record
+from .examination import Record
 from .results import read_records
 from .summary import Group, Summary
 
@@ -111,7 +111,7 @@ def _list_worst(records: list[Record], page: pathlib.Path) -> list[dict[str, Any
                 "lost": severities.count("lost"),
                 "changed": severities.count("changed"),
                 "doubtful": severities.count("doubtful"),
-                "first": max(record["findings"], key=lambda one: _rank(one["severity"]))["sentence"],
+                "first": max(record["findings"], key=lambda one: _rank(one["severity"]))["message"],
             }
         )
     return rows

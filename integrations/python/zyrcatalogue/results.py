@@ -11,13 +11,13 @@ import time
 from collections.abc import Iterable, Iterator
 from typing import BinaryIO, Optional
 
-from .examine import Record
+from .examination import Record
 
 _FILE_COLUMNS = ("file", "bytes", "format", "encoding", "maker", "captions", "captions_on_the_box")
-_FINDING_COLUMNS = ("code", "severity", "line", "column", "caption", "sentence")
+_FINDING_COLUMNS = ("code", "severity", "line", "column", "offset", "caption", "message")
 COLUMNS = (*_FILE_COLUMNS, "findings", "finding", *_FINDING_COLUMNS)
 """Of CSV: a row for each finding, the finding-th of so many; one row with 0 of 0 for a file without any."""
-_NUMBERS = {"bytes", "captions", "captions_on_the_box", "findings", "finding", "line", "column", "caption"}
+_NUMBERS = {"bytes", "captions", "captions_on_the_box", "findings", "finding", "line", "column", "offset", "caption"}
 _SYNC_SECONDS = 1.0
 
 

@@ -8,7 +8,7 @@ from collections.abc import Callable, Iterable, Iterator
 from dataclasses import dataclass, field
 from typing import Any, Optional
 
-from .examine import WORKER_DIED, Reading, Record, examine_all, refuse
+from .examination import WORKER_DIED, Reading, Record, examine_all, refuse
 from .progress import Progress
 from .results import Results
 from .summary import Summary

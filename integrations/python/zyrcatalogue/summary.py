@@ -5,7 +5,7 @@ import heapq
 from collections import Counter
 from dataclasses import dataclass, field
 
-from .examine import UNREADABLE, WORKER_DIED, Record
+from .examination import UNREADABLE, WORKER_DIED, Record
 
 _WEIGHTS = {"lost": 10_000, "changed": 100, "doubtful": 1}
 

@@ -36,8 +36,8 @@ class Rule:
     """What the box does, and what to write instead."""
     file: str
     """A name for a file of the example."""
-    example: str
-    """A file that has it; a newline stands for CR LF, a carriage return for LF, U+0001 for the character 0."""
+    example: bytes
+    """A file that has it."""
 
 
 @dataclass(frozen=True)
@@ -70,6 +70,8 @@ class Finding:
 class _Limits:
     characters_per_second: int
     longest: int
+    output: Optional[str]
+    font_size: int
 
 
 def lint(
@@ -80,11 +82,15 @@ def lint(
     single_byte: bool = False,
     characters_per_second: int = 25,
     longest: int = 15_000,
+    output: Optional[str] = None,
+    font_size: int = 0,
 ) -> Findings:
     """Look for all findings of a subtitle file, or of the subtitle beside a movie.
 
     characters_per_second: more are too fast to read; 0 says that any number is fine.
     longest: a caption that stays longer (ms) is doubtful; 0 says that none is.
+    output: also try how the captions fit this one of outputs(); font_size as Screen takes it. It wants the display
+    of the process, so that no Screen may be open.
     The other options are those of load().
 
     Raises SubtitleError for a file whose bytes cannot be read. One that the box does not read is a finding.
@@ -97,7 +103,7 @@ def lint(
     """
     names = class_names(classes)
     request = Request(os.fsencode(path), None, None, code_page, names, single_byte, False, False, 0)
-    return Findings(request, _Limits(characters_per_second, longest))
+    return Findings(request, _Limits(characters_per_second, longest, output, font_size))
 
 
 def lints(
@@ -109,6 +115,8 @@ def lints(
     single_byte: bool = False,
     characters_per_second: int = 25,
     longest: int = 15_000,
+    output: Optional[str] = None,
+    font_size: int = 0,
 ) -> Findings:
     """Look for all findings of a file in memory; options are those of lint(), and the name that of loads().
 
@@ -118,7 +126,7 @@ def lints(
     """
     names = class_names(classes)
     request = Request(None, bytes(data), name, code_page, names, single_byte, False, False, 0)
-    return Findings(request, _Limits(characters_per_second, longest))
+    return Findings(request, _Limits(characters_per_second, longest, output, font_size))
 
 
 class Findings(Sequence[Finding]):
@@ -213,10 +221,18 @@ def rules() -> tuple[Rule, ...]:
                 text(row.pszTitle),
                 text(row.pszExplanation),
                 text(row.pszFile),
-                text(row.pszExample),
+                _make_example(ffi.string(row.pszExample)),
             )
         )
     return tuple(found)
+
+
+# What line ends and the character 0 are written as, so that an example is a C string that can be read.
+_EXAMPLE_BYTES = {b"\n"[0]: b"\r\n", b"\r"[0]: b"\n", b"\1"[0]: b"\0"}
+
+
+def _make_example(written: bytes) -> bytes:
+    return b"".join(_EXAMPLE_BYTES.get(byte, bytes([byte])) for byte in written)
 
 
 def _run_load(request: Request, limits: _Limits) -> Any:
@@ -225,6 +241,9 @@ def _run_load(request: Request, limits: _Limits) -> Any:
     options.pstCaptions = captions
     options.uiCharactersPerSecond = limits.characters_per_second or NONE
     options.uiLongestMs = limits.longest or NONE
+    output = ffi.NULL if limits.output is None else ffi.new("char[]", bytes_without_zero(limits.output.encode()))
+    options.pszOutput = output
+    options.uiFontSize = limits.font_size
     if request.path is not None:
         return lib.zyrFindings_load(bytes_without_zero(request.path), options)
     name = ffi.NULL if request.name is None else ffi.new("char[]", bytes_without_zero(os.fsencode(request.name)))

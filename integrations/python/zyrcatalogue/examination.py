@@ -35,6 +35,8 @@ class Reading:
 
     code_page: Optional[str] = None
     single_byte: bool = False
+    output: Optional[str] = None
+    """Also try how captions fit this output; it costs many times as much."""
 
 
 def examine(file: str, reading: Reading = Reading()) -> Record:
@@ -48,7 +50,9 @@ def examine(file: str, reading: Reading = Reading()) -> Record:
     except OSError as error:
         return refuse(file, UNREADABLE, error.strerror or str(error))
     try:
-        found = zyrsubtitle.lints(data, file, code_page=reading.code_page, single_byte=reading.single_byte)
+        found = zyrsubtitle.lints(
+            data, file, code_page=reading.code_page, single_byte=reading.single_byte, output=reading.output
+        )
     except zyrsubtitle.SubtitleError as error:
         return refuse(file, UNREADABLE, error.reason, len(data))
     return _describe_file(file, data, found)
@@ -76,7 +80,8 @@ def examine_all(files: list[str], reading: Reading) -> list[Record]:
 
 def refuse(file: str, code: str, sentence: str, size: int = 0) -> Record:
     """The record of a file that no finder has seen."""
-    finding = {"code": code, "severity": "lost", "line": 0, "column": 0, "caption": None, "sentence": sentence}
+    finding: Record = {"code": code, "severity": "lost", "line": 0, "column": 0, "offset": 0}
+    finding |= {"caption": None, "message": sentence}
     return _make_record(file, size, "none", "none", "", 0, 0, [finding])
 
 
@@ -116,8 +121,9 @@ def _describe(finding: zyrsubtitle.Finding) -> Record:
         "severity": finding.severity.name.lower(),
         "line": finding.line,
         "column": finding.column,
+        "offset": finding.offset,
         "caption": finding.caption,
-        "sentence": finding.sentence,
+        "message": finding.sentence,
     }
 
 
