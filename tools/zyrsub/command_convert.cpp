@@ -5,13 +5,14 @@
 #include <climits>
 #include <cstdio>
 #include <filesystem>
-#include <unistd.h>
+#include <fstream>
+#include <iterator>
 
 #include "convert_write.h"
-#include "file_tree.h"
 #include "report_json.h"
 #include "safe_file.h"
 #include "text_tools.h"
+#include "tree_run.h"
 
 static constexpr size_t CLASS_NAME_UNITS = 12; // longer names are cut
 static constexpr size_t SAMI_CLASSES = 7;      // more are not read
@@ -93,6 +94,13 @@ static size_t Count_Captions(const Track &stTrack)
                       [](const Frame &stFrame) { return !stFrame.astrLines.empty(); }));
 }
 
+// Left by a run that was stopped before it could tell of it.
+static bool Holds_Text(const std::string &strFile, const std::string &strText)
+{
+    std::ifstream stFile(strFile, std::ios::binary);
+    return stFile && std::string(std::istreambuf_iterator<char>(stFile), {}) == strText;
+}
+
 static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::string &strFile,
                                   std::span<const Track> astTracks)
 {
@@ -115,6 +123,9 @@ static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::st
         std::fwrite(strText.data(), 1, strText.size(), stdout);
     else
         stOutput.stOutcome = Write_Safely(strFile, strText, stConvert.bForce);
+    if (stConvert.bSameIsGood && stOutput.stOutcome.eCode == E_EXIT_SOME_FAILED &&
+        Holds_Text(strFile, strText))
+        stOutput.stOutcome = {};
     return stOutput;
 }
 
@@ -249,32 +260,30 @@ static ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
     return eRead == E_EXIT_GOOD && eAll == E_EXIT_GOOD && bLost ? E_EXIT_TEXT_LOST : eAll;
 }
 
-// Each file of a tree becomes one of its own, below the folder that -o names, under its own path.
-static ExitCode Convert_Tree(const Options &stOptions, const std::vector<TreeFile> &astFiles)
+// A file of a tree becomes one of its own, below the folder that -o names, under its own path.
+static ExitCode Convert_TreeFile(const Options &stOptions, const TreeFile &stFile)
 {
-    std::vector<ExitCode> aeCodes;
-    for (const TreeFile &stFile : astFiles) {
-        Options stOne = stOptions;
-        const std::filesystem::path stTarget =
-            std::filesystem::path(stOptions.stConvert.strFile) / stFile.strBelow;
-        std::error_code stIgnored; // the write tells what is wrong
-        std::filesystem::create_directories(stTarget.parent_path(), stIgnored);
-        stOne.astrMovies = {stFile.strPath};
-        stOne.stConvert.strFile = std::filesystem::path(stTarget)
-                                      .replace_extension(stOptions.stConvert.pstFormat->pszName)
-                                      .string();
-        JsonReport stJson;
-        aeCodes.push_back(Convert_Inputs(stOne, stJson));
-        if (stOptions.stReport.bJson) stJson.Print_Line();
-        if (isatty(STDOUT_FILENO) == 0) Show_Progress(aeCodes.size(), astFiles.size());
-    }
-    return Report_Tree(aeCodes);
+    Options stOne = stOptions;
+    const std::filesystem::path stTarget =
+        std::filesystem::path(stOptions.stConvert.strFile) / stFile.strBelow;
+    std::error_code stIgnored; // the write tells what is wrong
+    std::filesystem::create_directories(stTarget.parent_path(), stIgnored);
+    stOne.astrMovies = {stFile.strPath};
+    stOne.stConvert.bSameIsGood = !stOptions.stTree.strResults.empty();
+    stOne.stConvert.strFile =
+        std::filesystem::path(stTarget).replace_extension(stOptions.stConvert.pstFormat->pszName).string();
+    JsonReport stJson;
+    const ExitCode eCode = Convert_Inputs(stOne, stJson);
+    if (stOptions.stReport.bJson) stJson.Print_Line();
+    return eCode;
 }
 
 ExitCode Run_Convert(const Options &stOptions)
 {
-    const std::vector<TreeFile> astFiles = List_Trees(stOptions.astrMovies);
-    if (!astFiles.empty() && stOptions.stConvert.strFile != "-") return Convert_Tree(stOptions, astFiles);
+    if (Is_TreeRun(stOptions) && stOptions.stConvert.strFile != "-")
+        return Run_Tree(stOptions, [&](const TreeFile &stFile) {
+            return TreeReport{Convert_TreeFile(stOptions, stFile), "", "", {}, ""};
+        });
     JsonReport stJson;
     const ExitCode eCode = Convert_Inputs(stOptions, stJson);
     if (stOptions.stReport.bJson) stJson.Print();

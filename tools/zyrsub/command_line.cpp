@@ -8,6 +8,7 @@
 #include "closest_name.h"
 #include "report_json.h"
 #include "time_text.h"
+#include "tree_run.h"
 #include "zyr/zyr_findings.h"
 
 static constexpr const char *MAIN_FOOTER = R"(Examples:
@@ -195,13 +196,44 @@ static CLI::App *Add_Command(CLI::App &stApp, CommandLine &stLine, const char *p
     return pstApp;
 }
 
+// Of commands that take folders.
+static void Add_TreeOptions(CLI::App *pstApp, Options &stOptions)
+{
+    TreeOptions &stTree = stOptions.stTree;
+    pstApp
+        ->add_option_function<std::string>(
+            "--results",
+            [&stOptions](const std::string &strFile) {
+                stOptions.stTree.strResults = strFile;
+                stOptions.stReport.bJson = true;
+            },
+            "folders: lines of JSON for this file; the same command goes on with a run that was stopped")
+        ->type_name("FILE");
+    pstApp
+        ->add_option_function<std::string>(
+            "--since",
+            [&stTree](const std::string &strText) {
+                stTree.llSince = Parse_Since(strText);
+                if (!stTree.llSince)
+                    throw CLI::ValidationError("--since",
+                                               "'" + strText + "' is not a date, and no 90m, 36h, 7d, 2w");
+            },
+            "folders: only files last written since then: 2026-01-31, 2026-01-31T12:00, 36h, 7d")
+        ->type_name("TIME");
+    pstApp->add_option("--jobs", stTree.uiJobs, "folders: processes that read [one for each core]")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("N");
+}
+
 static void Add_ReportCommands(CLI::App &stApp, CommandLine &stLine)
 {
     Options &stOptions = stLine.stOptions;
     CLI::App *pstInfo =
         Add_Command(stApp, stLine, "info", "What a subtitle file is: format, encoding, languages", Run_Info);
     Add_SourceOptions(pstInfo, stOptions, true);
-    pstInfo->add_flag("--json", stOptions.stReport.bJson, "print one JSON document");
+    pstInfo->add_flag("--json", stOptions.stReport.bJson,
+                      "print one JSON document; of folders a line for each file");
+    Add_TreeOptions(pstInfo, stOptions);
     pstInfo->footer(INFO_FOOTER);
 
     ReportOptions &stReport = stOptions.stReport;
@@ -248,7 +280,7 @@ static void Add_LintSource(CLI::App *pstLint, Options &stOptions)
 static void Add_LintReport(CLI::App *pstLint, LintOptions &stLint)
 {
     pstLint->add_option("--format", stLint.strFormat, "how findings are written [text]")
-        ->check(CLI::IsMember({"text", "json", "sarif", "junit"}));
+        ->check(CLI::IsMember({"text", "json", "jsonl", "sarif", "junit"}));
     pstLint
         ->add_option_function<std::string>(
             "--level",
@@ -267,6 +299,7 @@ static void Add_LintCommand(CLI::App &stApp, CommandLine &stLine)
     CLI::App *pstLint =
         Add_Command(stApp, stLine, "lint", "What the box makes of a file that was not meant", Run_Lint);
     Add_LintSource(pstLint, stLine.stOptions);
+    Add_TreeOptions(pstLint, stLine.stOptions);
     pstLint
         ->add_option("--class", stLine.stOptions.stSource.astrClasses,
                      "language class to look at, by name or index; repeat for more")
@@ -406,6 +439,7 @@ static void Add_ConvertCommand(CLI::App &stApp, CommandLine &stLine)
     Add_ConvertOptions(pstConvert, stLine.stOptions.stConvert);
     pstConvert->add_flag("--json", stLine.stOptions.stReport.bJson,
                          "report what was written, and what was lost, as one JSON document");
+    Add_TreeOptions(pstConvert, stLine.stOptions);
 }
 
 static std::string Suggest_Name(const std::string &strWrong, const std::vector<std::string> &astrNames)

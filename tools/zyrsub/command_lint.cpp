@@ -8,6 +8,8 @@
 #include "closest_name.h"
 #include "file_tree.h"
 #include "lint_write.h"
+#include "progress.h"
+#include "tree_run.h"
 
 static void Print(const std::string &strText)
 {
@@ -87,6 +89,21 @@ static ExitCode Get_Worst(const std::vector<LintResult> &astResults)
     return Combine_Codes(aeCodes);
 }
 
+// Of a tree, which may be large: a file's findings go out as soon as they are known.
+static ExitCode Lint_Tree(const Options &stOptions)
+{
+    const bool bLines = stOptions.stLint.strFormat == "jsonl" || !stOptions.stTree.strResults.empty();
+    const bool bColour = Is_Coloured();
+    return Run_Tree(stOptions, [&](const TreeFile &stFile) {
+        const LintResult stResult = Lint_File(stOptions, stFile.strPath);
+        Print(bLines ? Write_LintLine(stResult) : Write_LintText(stResult, bColour));
+        TreeReport stReport{Get_Code(stResult), "", "", {}, ""};
+        for (const ZyrFinding &stFinding : stResult.stFile.Get_Findings())
+            ++stReport.mapTally[stFinding.pszCode];
+        return stReport;
+    });
+}
+
 ExitCode Run_Lint(const Options &stOptions)
 {
     const LintOptions &stLint = stOptions.stLint;
@@ -95,6 +112,9 @@ ExitCode Run_Lint(const Options &stOptions)
         std::fputs("zyrsub: MOVIE is required ('zyrsub lint --help' tells more)\n", stderr);
         return E_EXIT_USAGE;
     }
+    if (stLint.strFormat == "jsonl" || !stOptions.stTree.strResults.empty() ||
+        (stLint.strFormat == "text" && Is_TreeRun(stOptions)))
+        return Lint_Tree(stOptions);
     std::vector<LintResult> astResults;
     const std::vector<std::string> astrFiles = List_Files(stOptions);
     for (const std::string &strMovie : astrFiles) {

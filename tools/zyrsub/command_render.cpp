@@ -7,8 +7,8 @@
 #include <functional>
 
 #include "caption_screen.h"
-#include "file_tree.h"
 #include "movie_search.h"
+#include "progress.h"
 #include "safe_file.h"
 #include "text_tools.h"
 #include "time_text.h"

@@ -4,12 +4,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#include <unistd.h>
 
-#include "file_tree.h"
 #include "report_json.h"
 #include "report_text.h"
 #include "text_tools.h"
+#include "tree_run.h"
 
 void Report_Problem(const std::string &strMovie, const std::string &strText)
 {
@@ -51,20 +50,6 @@ static ExitCode Run_Files(const Options &stOptions, const FileStep &pfStep)
     return Combine_Codes(aeCodes);
 }
 
-// With one line of JSON for each file: a tree may be large.
-static ExitCode Run_Tree(const Options &stOptions, const std::vector<TreeFile> &astFiles,
-                         const FileStep &pfStep)
-{
-    std::vector<ExitCode> aeCodes;
-    for (const TreeFile &stFile : astFiles) {
-        JsonReport stJson;
-        aeCodes.push_back(Run_File(stOptions, stFile.strPath, pfStep, stJson));
-        if (stOptions.stReport.bJson) stJson.Print_Line();
-        if (isatty(STDOUT_FILENO) == 0) Show_Progress(aeCodes.size(), astFiles.size());
-    }
-    return Report_Tree(aeCodes);
-}
-
 ExitCode Run_Info(const Options &stOptions)
 {
     const FileStep pfInfo = [&](const std::string &strMovie, const CaptionFile &stFile, JsonReport &stJson) {
@@ -75,8 +60,13 @@ ExitCode Run_Info(const Options &stOptions)
             Print_Info(strMovie, stFile, stEnds);
         return Outcome{};
     };
-    const std::vector<TreeFile> astFiles = List_Trees(stOptions.astrMovies);
-    return astFiles.empty() ? Run_Files(stOptions, pfInfo) : Run_Tree(stOptions, astFiles, pfInfo);
+    if (!Is_TreeRun(stOptions)) return Run_Files(stOptions, pfInfo);
+    return Run_Tree(stOptions, [&](const TreeFile &stFile) {
+        JsonReport stJson;
+        TreeReport stReport{Run_File(stOptions, stFile.strPath, pfInfo, stJson), "", "", {}, ""};
+        if (stOptions.stReport.bJson) stJson.Print_Line();
+        return stReport;
+    });
 }
 
 static Outcome Report_Frames(const ReportOptions &stReport, const CaptionFile &stFile, JsonReport &stJson)

@@ -73,6 +73,11 @@ std::string Write_LintJson(const std::vector<LintResult> &astResults)
     return Dump(jsDocument);
 }
 
+std::string Write_LintLine(const LintResult &stResult)
+{
+    return Describe_File(stResult).dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+}
+
 static const char *Get_SarifLevel(uint32_t uiSeverity)
 {
     return uiSeverity == ZYR_FINDING_LOST ? "error" : uiSeverity == ZYR_FINDING_CHANGED ? "warning" : "note";

@@ -15,6 +15,9 @@ std::string Write_LintJson(const std::vector<LintResult> &astResults);
 std::string Write_LintSarif(const std::vector<LintResult> &astResults);
 std::string Write_LintJunit(const std::vector<LintResult> &astResults);
 
+// One file's findings as one line of JSON.
+std::string Write_LintLine(const LintResult &stResult);
+
 // What a code means; and all of them, as a page of Markdown.
 std::string Explain_Rule(const ZyrFindingRule &stRule);
 std::string Write_RulePage();

@@ -76,8 +76,16 @@ struct ConvertOptions {
     double dScale = 1;
     uint32_t uiOpenMs = 5000; // how long a caption stays whose end nothing tells
     bool bForce = false;
-    bool bMark = false;   // a byte order mark before UTF-8
-    bool bStrict = false; // write nothing that loses text
+    bool bMark = false;       // a byte order mark before UTF-8
+    bool bStrict = false;     // write nothing that loses text
+    bool bSameIsGood = false; // a file that is there and holds what would be written is no failure
+};
+
+// Of a run through folders.
+struct TreeOptions {
+    std::string strResults;         // empty: results go to standard output
+    std::optional<int64_t> llSince; // seconds since 1970
+    uint32_t uiJobs = 0;            // 0: as many processes as there are cores
 };
 
 struct Options {
@@ -90,6 +98,7 @@ struct Options {
     PageOptions stPage;
     FixOptions stFix;
     ConvertOptions stConvert;
+    TreeOptions stTree;
     bool bWatch = false; // report, play: go on with the file as it is written anew
     int iVerbose = 0;    // 1: the library's errors, 2: all it logs
     std::vector<std::string> astrMovies;

@@ -7,8 +7,8 @@
 
 #include "base64.h"
 #include "caption_screen.h"
-#include "file_tree.h"
 #include "line_ends.h"
+#include "progress.h"
 #include "report_text.h"
 #include "text_tools.h"
 #include "time_text.h"
