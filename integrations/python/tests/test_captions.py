@@ -171,6 +171,24 @@ def test_findings_by_line_ends_and_limits():
     assert len(refused) == 1 and refused.captions is None
 
 
+def test_fix(tmp_path):
+    broken = b"1\r\n0:0:1.0 --> 0:0:2.5\r\none\r\n2\r\n00:00:03,000 --> 00:00:04,000\r\ntwo\r\n\r\n"
+    fixed = zyrsubtitle.fixes(broken, "a.srt")
+    assert [caption.text for caption in zyrsubtitle.loads(fixed.data, "a.srt", box_line_ends=True)] == ["one", "two"]
+    assert fixed.ending == ".srt" and fixed.changes and len(fixed.left) < len(zyrsubtitle.lints(broken, "a.srt"))
+    codes = {finding.code for finding in zyrsubtitle.lints(broken, "a.srt")}
+    assert {change.code for change in fixed.changes} <= codes
+    assert all(change.line > 0 and change.what for change in fixed.changes)
+    assert zyrsubtitle.fixes(SRT, "a.srt") == zyrsubtitle.Fixed(SRT, ".srt", ())
+    odd = tmp_path / "d:12: A-B-1: x.srt"
+    odd.write_bytes(broken)
+    assert zyrsubtitle.fix(odd) == fixed and odd.read_bytes() == broken
+    for call, name in ((lambda: zyrsubtitle.fix("/nowhere/a.srt"), "/nowhere/a.srt"), (lambda: zyrsubtitle.fixes(b"", "b.srt"), "b.srt")):
+        with pytest.raises(SubtitleError) as raised:
+            call()
+        assert raised.value.file == name and name in raised.value.reason
+
+
 def test_screen():
     numpy = pytest.importorskip("numpy")
     with zyrsubtitle.Screen("hdmi-720p", font_size=40, position=50) as screen:
@@ -202,3 +220,15 @@ def test_library_that_is_not_there():
         text=True,
     )
     assert run.returncode == 1 and "/nowhere/lib.so" in run.stderr and "ZYRSUBTITLE_LIBRARY" in run.stderr
+
+
+def test_what_readme_shows_runs():
+    folder = pathlib.Path(__file__).resolve().parents[1]
+    text = (folder / "README.md").read_text(encoding="utf-8")
+    blocks = [block.split("```")[0] for block in text.split("```python\n")[1:]]
+    environment = {**os.environ, "PYTHONPATH": str(folder)}
+    run = subprocess.run(
+        [sys.executable, "-c", "\n".join(blocks)], cwd=folder.parents[1], env=environment, capture_output=True, text=True
+    )
+    assert run.returncode == 0, run.stderr
+    assert "It turns once in ten seconds," in run.stdout and "0 findings left" in run.stdout

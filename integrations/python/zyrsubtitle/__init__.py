@@ -28,6 +28,7 @@ from .captions import (
 )
 from .errors import ErrorKind, LibraryError, SubtitleError
 from .findings import Finding, Findings, Rule, Severity, lint, lints, rules
+from .fixing import Change, Fixed, fix, fixes
 from .screen import Box, Output, Screen, outputs
 from .version import VERSION as __version__
 
@@ -35,6 +36,7 @@ __all__ = [
     "Box",
     "Caption",
     "Captions",
+    "Change",
     "CodePage",
     "DisplayMode",
     "Encoding",
@@ -42,6 +44,7 @@ __all__ = [
     "ErrorKind",
     "Finding",
     "Findings",
+    "Fixed",
     "LanguageClass",
     "LibraryError",
     "LogLine",
@@ -52,6 +55,8 @@ __all__ = [
     "SsaStyle",
     "Style",
     "SubtitleError",
+    "fix",
+    "fixes",
     "lint",
     "lints",
     "load",
