@@ -25,6 +25,8 @@ constexpr ptrdiff_t TAG_BYTES_MAX = 200;
 constexpr uint32_t ENTITY_UNITS_MAX = 12;
 constexpr uint32_t BLOCK_BITS = (1u << BLOCK_BYTES) - 1;
 
+static_assert(USUAL_AHEAD + BLOCK_BYTES <= STREAM_PAD_BYTES); // a block may begin at the last byte to look at
+
 // No byte of an entry becomes more than two, and a block is stored whole.
 static_assert(2 * ENTRY_BYTES + BLOCK_BYTES <= TEXT_BUF_UNITS * sizeof(uint16_t));
 
@@ -361,7 +363,9 @@ bool Take_Entry(UsualText &stText, const UsualForm &stForm)
         if (!Take_Characters<KIND>(stText, stStops)) return false;
         eStep = Take_Stop<KIND>(stText, stForm);
     }
-    return eStep == E_USUAL_END && Close_Line(stText, KIND == E_TEXT_UTF16 ? 2 : 1);
+    // The last byte that was read may be half of a unit.
+    const bool bWhole = KIND != E_TEXT_UTF16 || stText.pucByte <= stText.Get_TextEnd();
+    return eStep == E_USUAL_END && bWhole && Close_Line(stText, KIND == E_TEXT_UTF16 ? 2 : 1);
 }
 
 const uint8_t *Narrow_Head(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)
@@ -386,7 +390,8 @@ inline bool Point_Text(UsualText &stText)
     stText.bBigEndian = s_uiTextEncoding == E_TEXT_ENCODING_UTF16BE;
     stText.pucByte = stStream.pucStreamBuf + stStream.iStreamBufIndex;
     stText.pucEnd = std::min<const uint8_t *>(stStream.pucStreamBuf + stStream.iStreamDataSize,
-                                              stText.pucByte + ENTRY_BYTES);
+                                              stText.pucByte + ENTRY_BYTES) +
+                    USUAL_AHEAD;
     return true;
 }
 
@@ -496,7 +501,7 @@ bool Begin_UsualText(UsualText *pstText, uint32_t uiSkipUnits)
 bool Pass_UsualText(const UsualText &stText, uint32_t uiHeadUnits, uint8_t ucOdd)
 {
     const uint8_t *const pucLine = stText.pucByte + size_t{uiHeadUnits} * stText.uiUnitBytes;
-    const uint8_t *const pucBehind = Find_EmptyLine(stText.eKind, pucLine, stText.pucEnd, ucOdd);
+    const uint8_t *const pucBehind = Find_EmptyLine(stText.eKind, pucLine, stText.Get_TextEnd(), ucOdd);
     if (pucBehind == nullptr) return false;
     Get_StreamInfo().iStreamBufIndex += static_cast<int32_t>(pucBehind - stText.pucByte);
     return true;
@@ -627,7 +632,7 @@ bool Take_UsualEmptyLine(UsualText &stText)
 {
     if (stText.pucEnd - stText.pucByte < USUAL_AHEAD || stText.Get_Unit(1) != '\n') return false;
     stText.Take_Units(2);
-    return true;
+    return stText.pucByte <= stText.Get_TextEnd();
 }
 
 const uint8_t *Get_UsualHead(const UsualText &stText, uint8_t *pucTarget, uint32_t uiUnits)

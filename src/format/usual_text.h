@@ -38,7 +38,8 @@ struct UsualText {
     static constexpr uint32_t TAGS_MAX = 12;
 
     const uint8_t *pucByte; // next byte of the entry
-    const uint8_t *pucEnd; // behind the last byte that the read buffer holds, or that may belong to the entry
+    const uint8_t
+        *pucEnd; // USUAL_AHEAD bytes behind the last one that the buffer holds, or that may be the entry's
     const uint8_t *pucFileLine; // where the current line of the file begins
     uint8_t *pucStore;          // the stream's text buffer: lines with a newline behind each
     uint8_t *pucLine;           // in it: where the current line begins
@@ -78,7 +79,7 @@ struct UsualText {
         pucFileLine = pucByte;
     }
     bool Is_LineEmpty() const { return pucOut == pucLine; }
-    /** Only for a text whose end is known: where it ends. */
+    /** @return the byte behind the last one that may be the entry's. */
     inline const uint8_t *Get_TextEnd() const;
 };
 

@@ -34,7 +34,7 @@ bool Allocate_ReadBuffer(uint32_t uiStream)
 {
     CaptionStreamInfo &stStream = pstQuibCaptionParserInfo->astStreamInfo[uiStream];
     if (stStream.pucStreamBuf == nullptr)
-        stStream.pucStreamBuf = static_cast<uint8_t *>(ZYR_malloc(STREAM_BUF_BYTES));
+        stStream.pucStreamBuf = static_cast<uint8_t *>(ZYR_malloc(STREAM_BUF_ROOM));
     stStream.iStreamDataSize = 0;
     stStream.iStreamBufIndex = 0;
     if (stStream.pucStreamBuf != nullptr) return true;

@@ -124,7 +124,7 @@ bool Make_Record()
         return false;
     }
     std::memset(pstInfo->puiLineLength, 0, LINE_LENGTH_BYTES);
-    pstInfo->astStreamInfo[0].pucStreamBuf = static_cast<uint8_t *>(ZYR_malloc(STREAM_BUF_BYTES));
+    pstInfo->astStreamInfo[0].pucStreamBuf = static_cast<uint8_t *>(ZYR_malloc(STREAM_BUF_ROOM));
     if (pstInfo->astStreamInfo[0].pucStreamBuf != nullptr) return true;
     LOG_HANDLER("QUIB_CAPTION_Open() - Stream Buffer Memory allocation Error!\n");
     return false;

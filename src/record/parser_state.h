@@ -23,7 +23,9 @@ enum ParsingOption : uint32_t {
 };
 
 constexpr uint32_t CONV_BUF_UNITS = 300;
-constexpr uint32_t STREAM_BUF_BYTES = 65536;
+constexpr uint32_t STREAM_BUF_BYTES = 65536; // that a read buffer holds of the file
+constexpr uint32_t STREAM_PAD_BYTES = 64;    // zeros behind what it holds: blocks may be looked at whole
+constexpr uint32_t STREAM_BUF_ROOM = STREAM_BUF_BYTES + STREAM_PAD_BYTES;
 constexpr uint32_t LINE_UNITS = 64;        // units of an output line
 constexpr uint32_t TEXT_BUF_UNITS = 15360; // units of a stream's text buffer
 constexpr uint32_t TAG_BUF_UNITS = 512;

@@ -1,5 +1,7 @@
 #include "text/char_reader.h"
 
+#include <cstring>
+
 #include <cstddef>
 
 #include "record/engine_log.h"
@@ -142,6 +144,11 @@ int32_t Get_AnsiChar(void *hFile, uint16_t *pusChar, int32_t iRawMode)
     return Convert_DoubleByte(aucByte, pusChar);
 }
 
+void Put_ZerosBehind(CaptionStreamInfo &stStream)
+{
+    std::memset(stStream.pucStreamBuf + stStream.iStreamDataSize, 0, STREAM_PAD_BYTES);
+}
+
 /** Seek to the file's start and read up to uiBytes bytes. @return bytes read, or a value below 1. */
 int32_t Read_FileStart(void *hFile, uint32_t uiBytes)
 {
@@ -238,6 +245,7 @@ int32_t Fill_StreamBuffer(void *hFile)
     const int32_t iRead = QUIBCAPTCB_FileRead(hFile, stInfo.pucStreamBuf, uiBytes);
     stInfo.iStreamDataSize = iRead;
     if (iRead < 0) s_llReaderPos = -1;
+    if (iRead > 0) Put_ZerosBehind(stInfo);
     if (iRead != 0) {
         stWindow.llStart = s_llReaderPos;
         stWindow.iBytes = iRead > 0 && s_llReaderPos >= 0 ? iRead : 0;
@@ -318,6 +326,7 @@ int32_t QuibCaptionParser_Init_CaptionStreamVariables(void *hFile)
 
     stStream.iStreamDataSize = Read_FileStart(hFile, s_uiStreamBufSize);
     if (stStream.iStreamDataSize < 1) return -1;
+    Put_ZerosBehind(stStream);
     stStream.iStreamBufIndex = 0;
     s_astStreamWindow[0] = {0, stStream.iStreamDataSize, 0};
     s_llReaderPos = stStream.iStreamDataSize;

@@ -465,7 +465,7 @@ TEST_F(SamiTest, EverySelectionOfSevenClasses)
     Open_File(strFile);
     const QuibCaptionParserInfo &stInfo = *pstQuibCaptionParserInfo;
     ASSERT_EQ(stInfo.uiClassNums, 7u);
-    constexpr uint64_t STREAM_BYTES = 30720 + 65536;
+    constexpr uint64_t STREAM_BYTES = 30720 + 65536 + 64; // zeros stand behind what is read
     const uint64_t ullBase = zyr_host_liveBytes() - 5 * STREAM_BYTES;
     std::vector<uint32_t> vecClasses = {0, 1, 2, 3, 4, 5, 6};
     uint32_t uiSelections = 0;
