@@ -106,7 +106,8 @@ static void Fill_Component(PlaneMarks &stMarks, const CaptionPicture &stPicture,
             double dValue = 0;
             for (size_t uiByte = 0; uiByte < PIXEL_BYTES; ++uiByte)
                 dValue += adMean[uiByte] * adWeights[uiByte];
-            const size_t uiAt = size_t{uiRow} * stMarks.uiRowBytes + ui * stPlace.uiStep + stPlace.uiOffset;
+            const size_t uiAt =
+                size_t{uiRow} * stMarks.uiRowBytes + size_t{ui} * stPlace.uiStep + stPlace.uiOffset;
             stMarks.aucAdded[uiAt] = Round_Byte(dValue);
             stMarks.aucKept[uiAt] = Round_Byte(FULL - adMean[3]);
         }

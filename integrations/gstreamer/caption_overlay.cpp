@@ -370,8 +370,10 @@ static void Set_Property(GObject *pstObject, guint uiProperty, const GValue *pst
 
 static gchar **Make_Names(const std::vector<std::string> &astrNames)
 {
-    gchar **const ppszNames = g_new0(gchar *, astrNames.size() + 1);
-    for (size_t ui = 0; ui < astrNames.size(); ++ui) ppszNames[ui] = g_strdup(astrNames[ui].c_str());
+    GStrvBuilder *const pstBuilder = g_strv_builder_new();
+    for (const std::string &strName : astrNames) g_strv_builder_add(pstBuilder, strName.c_str());
+    gchar **const ppszNames = g_strv_builder_end(pstBuilder);
+    g_strv_builder_unref(pstBuilder);
     return ppszNames;
 }
 

@@ -230,7 +230,7 @@ TEST(Overlay, BesideTheFramesWhereThatIsWanted)
     gst_video_overlay_rectangle_get_render_rectangle(
         gst_video_overlay_composition_get_rectangle(Get_Composition(pstFirst), 0), &iX, &iY, &uiWidth,
         &uiHeight);
-    EXPECT_NEAR(iX + static_cast<int>(uiWidth) / 2, WIDTH, 2) << "in the middle";
+    EXPECT_NEAR(2 * iX + static_cast<int>(uiWidth), 2 * WIDTH, 4) << "in the middle";
     EXPECT_NEAR(iY + static_cast<int>(uiHeight), 2 * (HEIGHT - 16), 2)
         << "16 pixels of the output above its bottom";
     EXPECT_EQ(stOverlay.Sum_Changes(CAPTION), 0U) << "the frame is left as it is";

@@ -83,7 +83,7 @@ public:
         gst_event_parse_tag(pstEvent, &pstTags);
         gchar *pszText = nullptr;
         gst_tag_list_get_string(pstTags, pszTag, &pszText);
-        const std::string strText = pszText == nullptr ? "" : pszText;
+        std::string strText = pszText == nullptr ? "" : pszText;
         g_free(pszText);
         gst_event_unref(pstEvent);
         return strText;
@@ -104,7 +104,7 @@ public:
         if (pstMessage == nullptr) return "";
         GError *pstError = nullptr;
         gst_message_parse_error(pstMessage, &pstError, nullptr);
-        const std::string strText = pstError->message;
+        std::string strText = pstError->message;
         g_error_free(pstError);
         gst_message_unref(pstMessage);
         return strText;
