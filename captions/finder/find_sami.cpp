@@ -151,11 +151,13 @@ void End_Sync(SamiFile &stFile, size_t uiAt)
 void Scan_Tags(SamiFile &stFile)
 {
     size_t uiComment = 0; // its end
+    bool bEnds = true;    // one may come
     bool bBehind = false;
     for (size_t uiAt = stFile.strText.find('<'); uiAt != NOWHERE; uiAt = stFile.strText.find('<', uiAt + 1)) {
-        if (uiAt >= uiComment && stFile.strText.substr(uiAt).starts_with("<!--")) {
+        if (uiAt >= uiComment && bEnds && stFile.strText.substr(uiAt).starts_with("<!--")) {
             const size_t uiClose = stFile.strText.find("-->", uiAt);
-            uiComment = uiClose == NOWHERE ? uiComment : uiClose;
+            bEnds = uiClose != NOWHERE;
+            uiComment = bEnds ? uiClose : uiComment;
         } else if (Is_Tag(stFile, uiAt, "/body") || Is_Tag(stFile, uiAt, "/sami")) {
             End_Sync(stFile, uiAt);
             bBehind = true;

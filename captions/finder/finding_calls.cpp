@@ -1,6 +1,6 @@
 // The calls of zyr_findings.h.
 #include <algorithm>
-#include <cstring>
+#include <map>
 #include <new>
 #include <optional>
 
@@ -15,8 +15,10 @@ struct KeptFinding {
     ZyrFinding stTold; // its texts are set when it is asked for
     std::string strSentence;
     std::string strText;
-    std::string strLine;
 };
+
+// Of a text without line ends; what it is about is seen by then.
+constexpr size_t TEXT_MOST = 1000;
 
 } // namespace
 
@@ -26,6 +28,7 @@ struct ZyrFindings {
     CaptionsOwner pstMeant;
     CaptionsOwner pstBox; // empty where it is the same list
     std::vector<KeptFinding> astKept;
+    std::map<uint32_t, std::string> astrLines; // that findings are on
 };
 
 namespace
@@ -79,6 +82,26 @@ uint32_t Count_Columns(const FindingRecord &stRecord, const PlainFile &stFile)
     return std::max(uiColumns, 1U);
 }
 
+// Between two characters.
+size_t Cut_Text(const std::string &strText, size_t uiText, size_t uiBytes)
+{
+    if (uiBytes <= TEXT_MOST) return uiBytes;
+    uiBytes = TEXT_MOST;
+    while (uiBytes > 0 && uiText + uiBytes < strText.size() && (strText[uiText + uiBytes] & 0xC0) == 0x80)
+        --uiBytes;
+    return uiBytes;
+}
+
+// Each line once, however many findings are on it.
+void Keep_Line(ZyrFindings &stFindings, const PlainFile &stFile, uint32_t uiLine)
+{
+    if (uiLine == 0) return;
+    const auto [itLine, bNew] = stFindings.astrLines.try_emplace(uiLine);
+    if (!bNew) return;
+    itLine->second = stFile.Get_Line(uiLine - 1);
+    std::replace(itLine->second.begin(), itLine->second.end(), '\0', ' ');
+}
+
 KeptFinding Keep_Finding(const FindingRecord &stRecord, const Finder &stFinder)
 {
     const PlainFile &stFile = stFinder.stFile;
@@ -101,8 +124,6 @@ KeptFinding Keep_Finding(const FindingRecord &stRecord, const Finder &stFinder)
     stKept.stTold.uiColumns = Count_Columns(stRecord, stFile);
     stKept.strText =
         stFile.Get_Text().substr(std::min(stRecord.uiText, stFile.Get_Text().size()), stRecord.uiTextBytes);
-    stKept.strLine = stFile.Get_Line(stPlace.uiLine - 1);
-    std::replace(stKept.strLine.begin(), stKept.strLine.end(), '\0', ' ');
     std::replace(stKept.strText.begin(), stKept.strText.end(), '\0', ' ');
     return stKept;
 }
@@ -204,8 +225,11 @@ void Run_Search(Search &stSearch)
     const int iOutput = Find_All(stFinder, stSearch);
     if (iOutput != ZYR_CAPTIONS_OK) Fail_Search(stFindings, iOutput, "the output cannot be drawn on");
     Sort_Findings(stFinder.astFindings);
-    for (const FindingRecord &stRecord : stFinder.astFindings)
+    for (FindingRecord &stRecord : stFinder.astFindings) {
+        stRecord.uiTextBytes = Cut_Text(stFile.Get_Text(), stRecord.uiText, stRecord.uiTextBytes);
         stFindings.astKept.push_back(Keep_Finding(stRecord, stFinder));
+        Keep_Line(stFindings, stFile, stFindings.astKept.back().stTold.uiLine);
+    }
 }
 
 // A text that is there under a name that no box looks for is read all the same, and told.
@@ -293,7 +317,8 @@ int zyrFindings_get(const ZyrFindings *pstFindings, uint32_t uiIndex, ZyrFinding
     *pstFinding = stKept.stTold;
     pstFinding->pszSentence = stKept.strSentence.c_str();
     pstFinding->pszText = stKept.strText.c_str();
-    pstFinding->pszLine = stKept.strLine.c_str();
+    const auto itLine = pstFindings->astrLines.find(stKept.stTold.uiLine);
+    pstFinding->pszLine = itLine == pstFindings->astrLines.end() ? "" : itLine->second.c_str();
     return ZYR_CAPTIONS_OK;
 }
 

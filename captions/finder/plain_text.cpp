@@ -46,19 +46,13 @@ bool Is_Nothing(uint32_t uiCharacter)
     return uiCharacter == 0 || uiCharacter == 0xFFFD || uiCharacter == 0xFEFF;
 }
 
-// The ">" of a tag, or of a comment; nowhere when it is no tag to a person.
-size_t Find_TagEnd(std::string_view strFile, size_t uiAt, size_t uiEnd)
+// The ">" of a tag; nowhere when it is no tag to a person.
+size_t Find_TagEnd(std::string_view strText, size_t uiAt)
 {
-    const std::string_view strText = strFile.substr(0, uiEnd);
-    if (strText.substr(uiAt).starts_with("<!--")) {
-        const size_t uiComment = strText.find("-->", uiAt);
-        return uiComment == NOWHERE ? NOWHERE : uiComment + 2;
-    }
     const char cNext = uiAt + 1 < strText.size() ? strText[uiAt + 1] : ' ';
     if (cNext != '/' && cNext != '!' && !Is_Letter(cNext)) return NOWHERE;
-    const size_t uiClose = strText.find('>', uiAt);
-    const size_t uiOther = strText.find('<', uiAt + 1);
-    return uiClose == NOWHERE || uiClose < uiOther ? uiClose : NOWHERE;
+    const size_t uiClose = strText.find_first_of("<>", uiAt + 1);
+    return uiClose != NOWHERE && strText[uiClose] == '>' ? uiClose : NOWHERE;
 }
 
 } // namespace
@@ -103,9 +97,22 @@ size_t PlainText::Read_Character(size_t uiAt)
     return uiNext;
 }
 
+// Once a closing sign was not found there is none further on either: looking again would cost a whole file each time.
+size_t PlainText::Find_Close(std::string_view strClose, size_t uiAt, size_t uiEnd, size_t &uiNone) const
+{
+    if (uiAt >= uiNone) return NOWHERE;
+    const size_t uiClose = m_strFile.substr(0, uiEnd).find(strClose, uiAt);
+    if (uiClose == NOWHERE) uiNone = uiAt;
+    return uiClose;
+}
+
 size_t PlainText::Read_Tag(size_t uiAt, size_t uiEnd)
 {
-    const size_t uiClose = Find_TagEnd(m_strFile, uiAt, uiEnd);
+    const bool bComment = m_strFile.substr(uiAt).starts_with("<!--");
+    const size_t uiComment = bComment ? Find_Close("-->", uiAt, uiEnd, m_uiNoComment) : NOWHERE;
+    const size_t uiClose = uiComment != NOWHERE ? uiComment + 2
+                           : bComment           ? NOWHERE
+                                                : Find_TagEnd(m_strFile.substr(0, uiEnd), uiAt);
     if (uiClose == NOWHERE) return Read_Character(uiAt);
     const std::string strTag = Lower(m_strFile.substr(uiAt + 1, uiClose - uiAt - 1));
     std::string strName = strTag.substr(0, strTag.find_first_of(" \t\n"));
@@ -142,10 +149,11 @@ size_t PlainText::Read_Entity(size_t uiAt, size_t uiEnd)
 
 void PlainText::Read_Markup(size_t uiFirst, size_t uiEnd, PlainBreak eLineEnd)
 {
+    m_uiNoBrace = m_uiNoComment = NOWHERE;
     for (size_t uiAt = uiFirst; uiAt < uiEnd;) {
         const char cChar = m_strFile[uiAt];
         const size_t uiBrace = cChar == '{' && m_strFile.substr(uiAt).starts_with("{\\")
-                                   ? m_strFile.substr(0, uiEnd).find('}', uiAt)
+                                   ? Find_Close("}", uiAt, uiEnd, m_uiNoBrace)
                                    : NOWHERE;
         if (cChar == '<') {
             uiAt = Read_Tag(uiAt, uiEnd);
@@ -202,7 +210,7 @@ void PlainText::Note_Override(size_t uiAt, size_t uiClose)
 
 size_t PlainText::Read_Override(size_t uiAt, size_t uiEnd)
 {
-    const size_t uiClose = m_strFile.substr(0, uiEnd).find('}', uiAt);
+    const size_t uiClose = Find_Close("}", uiAt, uiEnd, m_uiNoBrace);
     if (uiClose == NOWHERE) return Read_Character(uiAt);
     Note_Override(uiAt, uiClose);
     return uiClose + 1;
@@ -210,6 +218,7 @@ size_t PlainText::Read_Override(size_t uiAt, size_t uiEnd)
 
 void PlainText::Read_Ssa(size_t uiFirst, size_t uiEnd)
 {
+    m_uiNoBrace = NOWHERE;
     for (size_t uiAt = uiFirst; uiAt < uiEnd;) {
         const char cNext = m_strFile[uiAt] == '\\' && uiAt + 1 < uiEnd ? m_strFile[uiAt + 1] : ' ';
         if (m_strFile[uiAt] == '{') {

@@ -49,6 +49,7 @@ public:
 
 private:
     void Read_Markup(size_t uiFirst, size_t uiEnd, PlainBreak eLineEnd);
+    size_t Find_Close(std::string_view strClose, size_t uiAt, size_t uiEnd, size_t &uiNone) const;
     size_t Read_Tag(size_t uiAt, size_t uiEnd);
     size_t Read_Entity(size_t uiAt, size_t uiEnd);
     size_t Read_Override(size_t uiAt, size_t uiEnd);
@@ -60,6 +61,8 @@ private:
     std::vector<MarkupNote> m_astNotes;
     PlainBreak m_eBreak = E_BREAK_NONE;
     uint32_t m_uiLine = 0;
+    size_t m_uiNoBrace = 0; // from where on a stretch has no closing brace, and no end of a comment
+    size_t m_uiNoComment = 0;
 };
 
 // ASCII letters in lower case.

@@ -77,7 +77,8 @@ typedef struct ZyrFinding {
     uint32_t uiCaption;  /* the caption of zyrFindings_getCaptions() that it is about, or ZYR_CAPTIONS_NONE */
     uint32_t uiClass;    /* that caption's class, or ZYR_CAPTIONS_NONE */
     const char *pszSentence; /* what the box does here */
-    const char *pszText;     /* what in the file it is about; may be empty, and may go on behind the line */
+    const char *pszText;     /* what in the file it is about, at most 1000 bytes; may be empty, and may go
+                                on behind the line */
     const char *pszLine;     /* the whole line, without its end */
 } ZyrFinding;
 

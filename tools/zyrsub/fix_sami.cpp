@@ -120,9 +120,13 @@ std::vector<FixEdit> Plan_SamiTags(const FixText &stText)
     const std::string &strText = stText.Get();
     const std::string strLower = Lower_Case(strText);
     std::vector<FixEdit> astEdits;
+    bool bComments = true; // one may end
     for (size_t uiAt = strText.find('<'); uiAt != NOWHERE; uiAt = strText.find('<', uiAt + 1)) {
-        if (strLower.compare(uiAt, 4, "<!--") == 0)
-            uiAt = std::min(strText.find("-->", uiAt), strText.size());
+        if (bComments && strLower.compare(uiAt, 4, "<!--") == 0) {
+            const size_t uiEnd = strText.find("-->", uiAt);
+            bComments = uiEnd != NOWHERE;
+            uiAt = bComments ? uiEnd : uiAt;
+        }
         const size_t uiClose = strText.find('>', uiAt);
         if (uiClose == NOWHERE) break;
         const std::string_view strTag = std::string_view(strText).substr(uiAt, uiClose + 1 - uiAt);

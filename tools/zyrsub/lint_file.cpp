@@ -68,6 +68,24 @@ ZyrCaption LintFile::Get_Caption(const ZyrFinding &stFinding) const
     return stCaption;
 }
 
+LintLine Cut_Line(const ZyrFinding &stFinding)
+{
+    static constexpr size_t WIDTH = 100; // characters that are shown
+    static constexpr size_t LEAD = 40;   // of them in front of the finding
+    const std::string_view strLine = stFinding.pszLine;
+    const size_t uiColumn = stFinding.uiColumn == 0 ? 0 : stFinding.uiColumn - 1;
+    const size_t uiFirst = uiColumn > LEAD && strLine.size() > WIDTH ? uiColumn - LEAD : 0;
+    std::string strPart;
+    size_t uiCharacters = 0; // that have begun
+    size_t uiAt = 0;
+    for (; uiAt < strLine.size(); ++uiAt) {
+        uiCharacters += (strLine[uiAt] & 0xC0) != 0x80 ? 1 : 0;
+        if (uiCharacters > uiFirst + WIDTH) break;
+        if (uiCharacters > uiFirst) strPart += strLine[uiAt] == '\t' ? ' ' : strLine[uiAt];
+    }
+    return {Make_Printable(strPart), uiColumn - uiFirst, uiFirst > 0, uiAt < strLine.size()};
+}
+
 ZyrFindingRule Get_Rule(uint32_t uiRule)
 {
     ZyrFindingRule stRule;

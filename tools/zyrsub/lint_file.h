@@ -38,6 +38,15 @@ struct LintResult {
 ExitCode Get_FindingsCode(const ZyrFindings *pstFindings);
 std::string Get_FindingsText(const ZyrFindings *pstFindings, const std::string &strMovie);
 
+// The line of a finding, or of a long one the part that the finding is in.
+struct LintLine {
+    std::string strText; // a control character shows as U+FFFD, a tab as a blank
+    size_t uiColumn;     // of the finding in it, 0 on
+    bool bCutBefore;
+    bool bCutBehind;
+};
+LintLine Cut_Line(const ZyrFinding &stFinding);
+
 ZyrFindingRule Get_Rule(uint32_t uiRule);
 
 #endif

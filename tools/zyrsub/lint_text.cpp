@@ -4,8 +4,7 @@
 #include "lint_write.h"
 #include "text_tools.h"
 
-static constexpr size_t WIDTH = 100; // characters of a line that are shown
-static constexpr size_t LEAD = 40;   // of them before the finding, where the line is long
+static constexpr size_t WIDTH = 100; // characters of a line of an explanation
 
 static const char *Get_Colour(uint32_t uiSeverity)
 {
@@ -39,29 +38,21 @@ static bool Is_Wide(const std::string &strCharacter)
     return bJamo || bFull || (ucLead == 0xE2 && ucNext >= 0xBA) || (ucLead >= 0xE3 && ucLead <= 0xED);
 }
 
-// The line, or the part of a long one that it is about, and the caret under it.
+// The line and the caret under it.
 static std::string Show_Line(const ZyrFinding &stFinding, bool bColour)
 {
-    std::string strPlain = stFinding.pszLine;
-    std::replace(strPlain.begin(), strPlain.end(), '\t', ' ');
-    const std::vector<std::string> astrAll = Split_Characters(Make_Printable(strPlain));
-    const size_t uiColumn = std::min<size_t>(stFinding.uiColumn - 1, astrAll.size());
-    const size_t uiFirst = uiColumn > LEAD && astrAll.size() > WIDTH ? uiColumn - LEAD : 0;
-    std::string strLine = uiFirst > 0 ? "..." : "";
+    const LintLine stLine = Cut_Line(stFinding);
+    const std::vector<std::string> astrAll = Split_Characters(stLine.strText);
+    std::string strLine = stLine.bCutBefore ? "..." : "";
     std::string strCaret(strLine.size(), ' ');
-    const size_t uiEnd = std::min(astrAll.size(), uiFirst + WIDTH);
-    size_t uiMarked = 0;
-    for (size_t ui = uiFirst; ui < uiEnd; ++ui) {
-        const bool bMarked = ui >= uiColumn && ui < uiColumn + stFinding.uiColumns;
-        strLine += astrAll[ui];
-        if (ui < uiColumn || bMarked)
-            strCaret += std::string(Is_Wide(astrAll[ui]) ? 2 : 1, !bMarked          ? ' '
-                                                                  : uiMarked++ == 0 ? '^'
-                                                                                    : '~');
-    }
-    if (uiMarked == 0) strCaret += '^';
-    if (uiEnd < astrAll.size()) strLine += "...";
-    for (size_t ui = strCaret.find('^') + 1; ui < strCaret.size(); ++ui) strCaret[ui] = '~';
+    for (size_t ui = 0; ui < std::min(astrAll.size(), stLine.uiColumn + stFinding.uiColumns); ++ui)
+        strCaret += std::string(Is_Wide(astrAll[ui]) ? 2 : 1, ui < stLine.uiColumn ? ' ' : '~');
+    const size_t uiCaret = strCaret.find('~');
+    if (uiCaret == std::string::npos)
+        strCaret += '^';
+    else
+        strCaret[uiCaret] = '^';
+    strLine += stLine.strText + (stLine.bCutBehind ? "..." : "");
     const std::string strMarks = bColour ? Get_Colour(stFinding.uiSeverity) + strCaret + "\x1B[0m" : strCaret;
     return "    " + strLine + "\n    " + strMarks + "\n";
 }

@@ -107,7 +107,7 @@ static ordered_json Describe_Place(const LintFile &stFile, const ZyrFinding &stF
                              {"startColumn", stFinding.uiColumn},
                              {"endColumn", stFinding.uiColumn + stFinding.uiColumns},
                              {"byteOffset", stFinding.uiOffset},
-                             {"snippet", {{"text", stFinding.pszLine}}}};
+                             {"snippet", {{"text", Cut_Line(stFinding).strText}}}};
     return ordered_json::array({{{"physicalLocation", std::move(jsPlace)}}});
 }
 
@@ -184,7 +184,7 @@ static std::string Write_Case(const LintFile &stFile, const ZyrFinding &stFindin
     return "    <testcase classname=\"" + strFile + "\" name=\"" + stFinding.pszCode + strPlace +
            "\" file=\"" + strFile + "\" line=\"" + std::to_string(stFinding.uiLine) +
            "\">\n      <failure type=\"" + Get_SeverityName(stFinding.uiSeverity) + "\" message=\"" +
-           Escape_Xml(stFinding.pszSentence) + "\">" + Escape_Xml(stFinding.pszLine) +
+           Escape_Xml(stFinding.pszSentence) + "\">" + Escape_Xml(Cut_Line(stFinding).strText) +
            "</failure>\n    </testcase>\n";
 }
 
