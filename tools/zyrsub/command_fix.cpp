@@ -102,6 +102,7 @@ ExitCode Run_Fix(const Options &stOptions)
         return E_EXIT_USAGE;
     }
     std::vector<ExitCode> aeCodes;
+    aeCodes.reserve(astFiles.size());
     for (const TreeFile &stFile : astFiles) aeCodes.push_back(Fix_One(stOptions, stFile, bSeveral));
     return Combine_Codes(aeCodes);
 }
