@@ -181,6 +181,25 @@ TEST_F(Interface, OpenWhileOpenClosesTheFirst)
     EXPECT_EQ(zyr_host_openFiles(), 0u);
 }
 
+TEST_F(Interface, LowerCallsTellWhatHasFailed)
+{
+    ASSERT_EQ(Open(".srt", SRT), 0u);
+    EXPECT_EQ(QUIB_CAPTION_ParsingProcess(), 2);
+    const CaptionStreamState &stState = pstQuibCaptionParserInfo->astStreamState[0];
+    EXPECT_EQ(stState.iStartPTS, 1000);
+    EXPECT_EQ(stState.iEndPTS, 2000);
+    EXPECT_EQ(QUIB_CAPTION_SeekCaptionFrame(0), 1);
+    EXPECT_EQ(stState.iStartPTS, 0) << "a seek forgets the frame before it";
+    EXPECT_EQ(stState.iEndPTS, 0);
+    zyr_host_failFile(ZYR_HOST_READ, 1, -9, 1);
+    EXPECT_EQ(QUIB_CAPTION_SeekCaptionFrame(5000), -1);
+    zyr_host_failFile(ZYR_HOST_READ, 0, 0, 0);
+    zyrSubtitle_close();
+    EXPECT_EQ(s_llCaptionFileSize, 0);
+    zyr_host_failAllocation(1, 0);
+    EXPECT_EQ(QUIB_CAPTION_Open(), -1);
+}
+
 TEST_F(Interface, HostCallbacks)
 {
     uint16_t usUnit = 0;
