@@ -21,10 +21,10 @@ _LONGEST_MAKER = 60
 _MAKERS = (
     # SAMI tells it in a comment or a meta tag, SSA in a comment or a field, SubViewer in a field of its header.
     re.compile(r"<meta\b[^>]*\bname\s*=\s*[\"']?generator[\"']?[^>]*\bcontent\s*=\s*[\"']([^\"'>]+)", re.I),
-    re.compile(r"(?:<!--|^\s*;|^\s*\*)[^\n]*?\b(?:generated|created|made|produced|written)\s+(?:by|with|using)\s*:?\s*"
+    re.compile(r"(?:<!--|^\s*;|^\s*\*)[^\n]*?\b(?:generated|created|made|produced|written)\s+(?:by|with|using)[ \t]*:?[ \t]*"
                r"([^\r\n>]+?)(?:-->|[\r\n]|$)", re.I | re.M),
     re.compile(r"^\[PRG\]([^\r\n]+)", re.I | re.M),
-    re.compile(r"^Original Script:\s*([^\r\n]+)", re.I | re.M),
+    re.compile(r"^Original Script:[ \t]*([^\r\n]+)", re.I | re.M),
     re.compile(r"^\[(?:AUTHOR|SOURCE)\]([^\r\n]+)", re.I | re.M),
 )
 

@@ -221,14 +221,17 @@ class _Cluster:
 
 
 def _start_cluster(workers: Optional[int]) -> Any:
+    import dask
     import distributed
 
-    return distributed.LocalCluster(
-        n_workers=workers,
-        threads_per_worker=1,  # the engine reads one file at a time in a process
-        dashboard_address=None,
-        silence_logs=50,
-    )
+    # Workers look at their own stacks for the dashboard, which this cluster does not have.
+    with dask.config.set({"distributed.worker.profile.interval": "1s", "distributed.worker.profile.cycle": "60s"}):
+        return distributed.LocalCluster(
+            n_workers=workers,
+            threads_per_worker=1,  # the engine reads one file at a time in a process
+            dashboard_address=None,
+            silence_logs=50,
+        )
 
 
 def _close(client: Any) -> None:
