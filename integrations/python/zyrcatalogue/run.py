@@ -171,9 +171,11 @@ class _Cluster:
             self._start(client, self.suspects.popleft())
 
     def _count_threads(self, client: Any) -> int:
+        import distributed
+
         now = time.monotonic()
         if now - self.counted > _COUNT_SECONDS:
-            with contextlib.suppress(Exception):  # a scheduler that goes is seen elsewhere
+            with contextlib.suppress(distributed.TimeoutError, OSError):  # a scheduler that goes is seen elsewhere
                 self.threads = max(sum(client.nthreads().values()), 1)
             self.counted = now
         return self.threads
@@ -193,7 +195,8 @@ class _Cluster:
                 return
             if time.monotonic() - self.taken > self.plan.patience:
                 raise RunError(f"no worker has done anything for {self.plan.patience:.0f} s")
-            with contextlib.suppress(Exception):  # timeouts, and a scheduler that goes: the next round sees it
+            # A scheduler that goes is seen by the next round.
+            with contextlib.suppress(distributed.TimeoutError, distributed.CancelledError, OSError), client.as_current():
                 distributed.wait(list(self.running), timeout=1, return_when="FIRST_COMPLETED")
 
     def _take(self, future: Any, batch: Batch) -> None:
