@@ -98,7 +98,7 @@ void Expect_Merged(const std::vector<std::string> &vecTexts, bool bUtf16)
     strMerged.resize(strMerged.size() - 2);
     Demand(strMerged.size() <= TEXT_BYTES, "merged text has 2046 bytes at most");
     // Each line is tried against twice its units, and in the end with a zero behind it.
-    if (strAll.size() + 2 * LINE_UNITS <= TEXT_BYTES)
+    if (strAll.size() + size_t{2} * LINE_UNITS <= TEXT_BYTES)
         Demand(strMerged == strAll, "merged text is the languages' texts below each other");
     Demand(vecTexts.empty() || vecTexts[0].empty() ||
                strMerged.compare(0, vecTexts[0].size(), vecTexts[0]) == 0,
