@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""make_declarations.py: zyrsubtitle/declarations.h out of the public headers.
+"""make_declarations.py: zyrsubtitle/declarations.cdef out of the public headers.
 
 The package calls the library by these declarations, so that no compiler is needed where it is installed. The tests
 compare the file with what the headers say today.
@@ -10,7 +10,7 @@ import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
 HEADERS = HERE.parents[1] / "include" / "zyr"
-OUTPUT = HERE / "zyrsubtitle" / "declarations.h"
+OUTPUT = HERE / "zyrsubtitle" / "declarations.cdef"
 NAMES = ("zyr_captions.h", "zyr_findings.h")
 
 
@@ -24,7 +24,7 @@ def strip_header(text: str) -> str:
 
 
 def make_declarations() -> str:
-    """Give the text of declarations.h."""
+    """Give the text of declarations.cdef."""
     parts = [strip_header((HEADERS / name).read_text(encoding="ascii")) for name in NAMES if (HEADERS / name).exists()]
     return "\n".join(["/* Made by make_declarations.py from the public headers. */", *parts]) + "\n"
 

@@ -8,7 +8,7 @@ from dataclasses import dataclass, replace
 from typing import Any, Callable, Optional, TypeVar, Union, overload
 
 from .errors import ErrorKind, SubtitleError
-from .library import NONE, NOWHERE, OPEN_END, check_ms, ffi, lib, optional_text, text
+from .native import NONE, NOWHERE, OPEN_END, check_ms, ffi, lib, optional_text, text
 
 Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 Row = TypeVar("Row")

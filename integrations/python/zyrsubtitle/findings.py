@@ -9,7 +9,7 @@ from typing import Any, Optional, Union, overload
 
 from .captions import Captions, Path, Request, bytes_without_zero, class_names, make_options, name_of
 from .errors import ErrorKind, SubtitleError
-from .library import NONE, ffi, lib, text
+from .native import NONE, ffi, lib, text
 
 
 class Severity(enum.IntEnum):

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, Optional
 
 from .captions import Captions, class_number
 from .errors import ErrorKind, SubtitleError
-from .library import check_ms, ffi, lib, text
+from .native import check_ms, ffi, lib, text
 
 if TYPE_CHECKING:
     import numpy

@@ -14,7 +14,7 @@ SONAME = "libzyrcaptions.so.0"
 VARIABLE = "ZYRSUBTITLE_LIBRARY"
 
 ffi = cffi.FFI()
-ffi.cdef(importlib.resources.files(__package__).joinpath("declarations.h").read_text(encoding="ascii"))
+ffi.cdef(importlib.resources.files(__package__).joinpath("declarations.cdef").read_text(encoding="ascii"))
 
 
 def _candidates() -> list[str]:
