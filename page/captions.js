@@ -1,7 +1,7 @@
 "use strict";
 // Every caption with its times, text, picture and findings. Pictures are put in as they come near to being seen.
 Zyr.CaptionList = class {
-    // captions: {number, start, end, until, className, language, lines, picture, findings, box, boxLines}
+    // captions: {number, name, start, end, until, className, language, lines, picture, findings, box, boxLines}
     constructor(root, captions, pictures, onPick) {
         Object.assign(this, { captions, pictures, onPick });
         this.loader = new IntersectionObserver((entries) => {
@@ -11,16 +11,16 @@ Zyr.CaptionList = class {
         this.status = Zyr.make("p", { id: "status", role: "status" });
         this.list = Zyr.make("ol", {}, this.rows);
         this.list.addEventListener("click", (event) => this.click(event));
-        root.append(Zyr.make("h2", { textContent: "Captions" }), this.status, this.list);
+        root.append(Zyr.make("h2", { textContent: Zyr.say("Captions") }), this.status, this.list);
         this.reload();
     }
 
     makeRow(caption) {
-        const times = `${Zyr.formatTime(caption.start)} to ${caption.end === null ? "open" : Zyr.formatTime(caption.end)}`;
+        const times = Zyr.say("%1 to %2", Zyr.formatTime(caption.start), caption.end === null ? Zyr.say("open") : Zyr.formatTime(caption.end));
         const severest = Zyr.SEVERITIES.find((severity) => caption.findings.some((finding) => finding.severity === severity));
-        const row = Zyr.make("li", { className: `caption ${severest || ""}`, id: `caption-${caption.number + 1}` },
+        const row = Zyr.make("li", { className: `caption ${severest || ""}`, id: `caption-${caption.name}` },
             Zyr.make("button", { type: "button", className: "pick" },
-                Zyr.make("span", { className: "number", textContent: `${caption.number + 1}` }), " ",
+                Zyr.make("span", { className: "number", textContent: `${caption.name}` }), " ",
                 Zyr.make("span", { className: "times", textContent: times }),
                 caption.className && [" ", Zyr.make("span", { className: "class", textContent: caption.className })]),
             Zyr.CaptionList.makeText(caption, caption.lines),
@@ -33,13 +33,13 @@ Zyr.CaptionList = class {
 
     static makeText(caption, lines) {
         const text = Zyr.make("p", { className: "text", dir: "auto", lang: caption.language || "" });
-        if (lines.length === 0) text.append(Zyr.make("em", { textContent: "(no text)", lang: "en" }));
+        if (lines.length === 0) text.append(Zyr.make("em", { textContent: Zyr.say("(no text)"), lang: document.documentElement.lang }));
         lines.forEach((line, at) => text.append(...(at > 0 ? [document.createElement("br")] : []), line));
         return text;
     }
 
     makeShot(caption) {
-        if (!this.pictures.get(caption.picture)) return null;
+        if (!this.pictures.has(caption.picture)) return null;
         return Zyr.make("div", { className: "shot" }, Zyr.make("img", { alt: "" }));
     }
 
@@ -47,28 +47,29 @@ Zyr.CaptionList = class {
     static makeBox(caption) {
         const told = caption.box === "missing" && caption.findings.some((finding) => finding.severity === "lost");
         if (caption.box === "same" || told) return null;
-        if (caption.box === "missing") return Zyr.make("p", { className: "box", textContent: "Not shown on the box, which reads only CR LF as a line end." });
-        return Zyr.make("div", { className: "box" }, Zyr.make("p", { textContent: "On the box, which reads only CR LF as a line end:" }),
+        if (caption.box === "missing") return Zyr.make("p", { className: "box", textContent: Zyr.say("Not shown on the box, which reads only CR LF as a line end.") });
+        return Zyr.make("div", { className: "box" }, Zyr.make("p", { textContent: Zyr.say("On the box, which reads only CR LF as a line end:") }),
             Zyr.CaptionList.makeText(caption, caption.boxLines));
     }
 
-    load(row) {
+    async load(row) {
         this.loader.unobserve(row);
-        const picture = this.pictures.get(row.caption.picture);
+        const { output } = this.pictures;
         const image = row.querySelector(".shot img");
-        if (!image || !picture) return;
+        const picture = image && (await this.pictures.load(row.caption.picture));
+        if (!picture || output !== this.pictures.output) return;
         Zyr.Pictures.fill(image, picture);
-        image.alt = `Caption ${row.caption.number + 1} on ${this.pictures.output.name}`;
+        image.alt = Zyr.say("Caption %1 on %2", row.caption.name, output.name);
     }
 
     // After a change of the output: the room that pictures take first, and each when it comes into view.
     reload() {
         for (const row of this.rows) {
-            const picture = this.pictures.get(row.caption.picture);
             const image = row.querySelector(".shot img");
-            if (!image || !picture) continue;
+            if (!image) continue;
+            const size = this.pictures.getSize(row.caption.picture);
             image.removeAttribute("src");
-            Zyr.set(image, { width: picture.width, height: picture.height });
+            if (size) Zyr.set(image, { width: size.width, height: size.height });
             this.loader.unobserve(row);
             this.loader.observe(row);
         }
@@ -88,7 +89,7 @@ Zyr.CaptionList = class {
             shown += row.hidden ? 0 : 1;
         });
         const all = Zyr.count(this.rows.length, "caption");
-        this.status.textContent = shown === this.rows.length ? all : `${shown.toLocaleString("en")} of ${all}`;
+        this.status.textContent = shown === this.rows.length ? all : Zyr.say("%1 of %2", shown.toLocaleString("en"), all);
     }
 
     choose(number, scroll) {

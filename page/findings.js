@@ -5,8 +5,8 @@ Zyr.Findings = class {
     // open: the first group is; onPick gets one of them.
     constructor(root, findings, open, onPick) {
         this.onPick = onPick;
-        root.append(Zyr.make("h2", { textContent: "Findings" }));
-        if (findings.length === 0) root.append(Zyr.make("p", { className: "none", textContent: "Nothing was found." }));
+        root.append(Zyr.make("h2", { textContent: Zyr.say("Findings") }));
+        if (findings.length === 0) root.append(Zyr.make("p", { className: "none", textContent: Zyr.say("Nothing was found.") }));
         this.groups = Zyr.Findings.group(findings).map((group, at) => this.makeGroup(group, open && at === 0));
         root.append(...this.groups);
     }
@@ -24,7 +24,7 @@ Zyr.Findings = class {
     makeGroup(group, open) {
         const [first] = group;
         const details = Zyr.make("details", { className: `group ${first.severity}` },
-            Zyr.make("summary", {}, Zyr.Findings.makeBadge(first), " ", Zyr.make("b", { textContent: first.title }), " ",
+            Zyr.make("summary", {}, Zyr.Findings.makeBadge(first), " ", Zyr.make("b", { textContent: Zyr.say(first.title) }), " ",
                 Zyr.make("span", { className: "code", textContent: first.code }), " ",
                 Zyr.make("span", { className: "many", textContent: Zyr.count(group.length, "time") })));
         details.group = group;
@@ -45,11 +45,11 @@ Zyr.Findings = class {
     }
 
     static namePlace(finding) {
-        return finding.line === 0 ? "the file" : `line ${finding.line}`;
+        return finding.line === 0 ? Zyr.say("the file") : Zyr.say("line %1", finding.line);
     }
 
     static makeBadge(finding) {
-        return Zyr.make("span", { className: `badge ${finding.severity}`, textContent: finding.severity });
+        return Zyr.make("span", { className: `badge ${finding.severity}`, textContent: Zyr.say(finding.severity) });
     }
 
     static makeItem(finding) {
@@ -57,7 +57,7 @@ Zyr.Findings = class {
             Zyr.Findings.makeBadge(finding), " ",
             Zyr.make("span", { className: "place", textContent: Zyr.Findings.namePlace(finding) }), " ",
             Zyr.make("span", { className: "code", textContent: finding.code }), " ",
-            Zyr.make("span", { className: "sentence", textContent: finding.sentence }),
+            Zyr.make("span", { className: "sentence", lang: "en", textContent: finding.sentence }),
             finding.text.trim() !== "" && Zyr.make("code", { className: "source", dir: "auto", textContent: finding.text }));
     }
 };

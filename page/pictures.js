@@ -11,12 +11,23 @@ Zyr.Pictures = class {
         this.output = this.outputs.find((output) => output.name === name) || this.outputs[0];
     }
 
-    get(number) {
-        return number === null ? null : this.output.pictures[number];
+    has(number) {
+        return number !== null && this.output.pictures[number] !== null;
     }
 
-    static fill(image, picture) {
-        Zyr.set(image, { width: picture.width, height: picture.height, src: `data:image/png;base64,${picture.png}` });
+    // Its width and height, where they are known before it is there.
+    getSize(number) {
+        return this.output.pictures[number];
+    }
+
+    // With its place on the display and src; null where nothing is shown.
+    async load(number) {
+        const picture = this.output.pictures[number];
+        return picture && { ...picture, src: `data:image/png;base64,${picture.png}` };
+    }
+
+    static fill(image, { width, height, src }) {
+        Zyr.set(image, { width, height, src });
     }
 };
 
@@ -30,17 +41,24 @@ Zyr.Stage = class {
         root.append(Zyr.make("figure", {}, this.screen, this.words), Zyr.make("div", { className: "steps" }, buttons));
     }
 
-    show(caption, words) {
+    async show(caption, words) {
         const { output } = this.pictures;
-        const picture = caption ? this.pictures.get(caption.picture) : null;
+        this.shown = [caption, output];
+        const asked = this.shown;
         this.screen.style.aspectRatio = `${output.width} / ${output.height}`;
-        this.image.hidden = !picture;
         this.words.textContent = words;
+        const picture = caption && this.pictures.has(caption.picture) ? await this.pictures.load(caption.picture) : null;
+        if (this.shown !== asked) return;
+        this.image.hidden = !picture;
         if (!picture) return;
-        Zyr.Pictures.fill(this.image, picture);
-        this.image.alt = `Caption ${caption.number + 1} on ${output.name}`;
+        Zyr.Stage.place(this.image, picture, output);
+        this.image.alt = Zyr.say("Caption %1 on %2", caption.name, output.name);
+    }
+
+    static place(image, picture, output) {
+        Zyr.Pictures.fill(image, picture);
         const percent = (part, whole) => `${(part / whole) * 100}%`;
-        Object.assign(this.image.style, {
+        Object.assign(image.style, {
             left: percent(picture.x, output.width), top: percent(picture.y, output.height),
             width: percent(picture.width, output.width), height: percent(picture.height, output.height),
         });

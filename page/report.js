@@ -1,9 +1,13 @@
 "use strict";
-// The page of one file: its parts, and what leads from one to the other.
-(() => {
-    const data = JSON.parse(document.getElementById("data").textContent);
+// One file on a page: its parts, and what leads from one to the other. The elements that it fills are there, and empty.
+Zyr.Report = {};
+Zyr.Report.CHOICES = { caption: -1, at: 0, from: 0, to: 0, q: "", language: "", finding: "" };
+
+// data: of zyrsub report; of a part of a file, first is how many captions stand before it. state: of CHOICES and an output.
+// scroll: to the chosen caption, as of an address that names one. Gives what others on the page need of it, and close, for when another takes its place.
+Zyr.Report.show = (data, pictures, state, scroll = state.get("caption") >= 0) => {
     const byId = (id) => document.getElementById(id);
-    const state = new Zyr.State({ caption: -1, at: 0, from: 0, to: 0, q: "", language: "", finding: "", output: data.outputs[0].name });
+    const ended = new AbortController();
 
     // Captions as the parts want them: lanes in the order of the languages, and each with its findings. A finding of no
     // caption stands with the one before it in the file.
@@ -12,7 +16,7 @@
         const captions = data.captions.map((caption, number) => {
             const each = data.classes[lanes.get(caption.class)];
             return {
-                ...caption, number, findings: [], mark: "", hidden: false, lane: lanes.get(caption.class),
+                ...caption, number, name: number + 1 + (data.first || 0), findings: [], mark: "", hidden: false, lane: lanes.get(caption.class),
                 language: each.language, className: data.classes.length > 1 ? each.name : "",
                 words: Zyr.fold(caption.lines.join(" ")), lines: caption.lines,
             };
@@ -29,8 +33,7 @@
     }
 
     const captions = prepare();
-    const pictures = new Zyr.Pictures(data.outputs);
-    const laneNames = data.classes.map((each) => each.name || (data.classes.length > 1 ? "(unnamed)" : data.file.format));
+    const laneNames = data.classes.map((each) => each.name || (data.classes.length > 1 ? Zyr.say("(unnamed)") : data.file.format));
 
     const choose = (number) => state.set({ caption: number, at: captions[number].start });
     const stepBy = (by, passes) => {
@@ -43,12 +46,12 @@
     function fillHead() {
         const { file } = data;
         byId("name").textContent = file.name;
-        document.title = `${file.name} on the box`;
+        document.title = Zyr.say("%1 on the box", file.name);
         const rows = [...data.facts];
         const counts = Zyr.SEVERITIES.map((severity) => [severity, data.findings.filter((finding) => finding.severity === severity).length]);
         const told = counts.filter(([, count]) => count > 0);
-        rows.push(["findings", told.length === 0 ? "none" : told.map(([severity, count]) => `${count.toLocaleString("en")} ${severity}`).join(", ")]);
-        byId("facts").append(...rows.map(([name, value]) => Zyr.make("div", {}, Zyr.make("dt", { textContent: name }), Zyr.make("dd", {}, Zyr.make("bdi", { textContent: value })))));
+        rows.push(["findings", told.length === 0 ? Zyr.say("none") : told.map(([severity, count]) => `${count.toLocaleString("en")} ${Zyr.say(severity)}`).join(", ")]);
+        byId("facts").append(...rows.map(([name, value]) => Zyr.make("div", {}, Zyr.make("dt", { textContent: Zyr.say(name) }), Zyr.make("dd", {}, Zyr.make("bdi", { textContent: value })))));
     }
 
     function makeSelect(name, label, options) {
@@ -60,18 +63,18 @@
     }
 
     function fillFilters() {
-        const search = Zyr.make("input", { type: "search", id: "search", placeholder: "text, or a time such as 1:30", value: state.get("q"), oninput: () => state.set({ q: search.value }) });
+        const search = Zyr.make("input", { type: "search", id: "search", placeholder: Zyr.say("text, or a time such as 1:30"), value: state.get("q"), oninput: () => state.set({ q: search.value }) });
         const form = byId("filters");
         form.addEventListener("submit", (event) => {
             event.preventDefault();
             jumpTo(Zyr.parseTime(search.value));
         });
-        form.append(Zyr.make("label", { className: "wide" }, Zyr.make("span", { textContent: "Search" }), search));
-        if (data.classes.length > 1) form.append(makeSelect("language", "Language", [["", "all"], ...laneNames.map((name, lane) => [String(lane), name])]));
-        const marks = [["", "all captions"], ["any", "with a finding"], ...Zyr.SEVERITIES.map((severity) => [severity, severity])];
-        if (captions.some((caption) => caption.box !== "same")) marks.push(["box", "other on the box"]);
-        form.append(makeSelect("finding", "Show", marks));
-        if (data.outputs.length > 1) form.append(makeSelect("output", "Output", data.outputs.map((output) => [output.name, `${output.name} ${output.width}×${output.height}`])));
+        form.append(Zyr.make("label", { className: "wide" }, Zyr.make("span", { textContent: Zyr.say("Search") }), search));
+        if (data.classes.length > 1) form.append(makeSelect("language", Zyr.say("Language"), [["", Zyr.say("all")], ...laneNames.map((name, lane) => [String(lane), name])]));
+        const marks = [["", Zyr.say("all captions")], ["any", Zyr.say("with a finding")], ...Zyr.SEVERITIES.map((severity) => [severity, Zyr.say(severity)])];
+        if (captions.some((caption) => caption.box !== "same")) marks.push(["box", Zyr.say("other on the box")]);
+        form.append(makeSelect("finding", Zyr.say("Show"), marks));
+        if (pictures.outputs.length > 1) form.append(makeSelect("output", Zyr.say("Output"), pictures.outputs.map((output) => [output.name, `${output.name} ${output.width}×${output.height}`])));
     }
 
     // To the caption that is on screen at a time, or the next one.
@@ -94,8 +97,8 @@
 
     function showChosen(scroll) {
         const caption = captions[state.get("caption")];
-        const until = caption && (caption.end === null ? "open" : Zyr.formatTime(caption.end));
-        stage.show(caption, caption ? `Caption ${caption.number + 1}, ${Zyr.formatTime(caption.start)} to ${until}, on ${pictures.output.name}` : `${pictures.output.name}, ${pictures.output.width} × ${pictures.output.height}: choose a caption`);
+        const until = caption && (caption.end === null ? Zyr.say("open") : Zyr.formatTime(caption.end));
+        stage.show(caption, caption ? Zyr.say("Caption %1, %2 to %3, on %4", caption.name, Zyr.formatTime(caption.start), until, pictures.output.name) : Zyr.say("%1, %2 × %3: choose a caption", pictures.output.name, pictures.output.width, pictures.output.height));
         timeline.choose(state.get("caption"));
         list.choose(state.get("caption"), scroll);
     }
@@ -129,7 +132,7 @@
 
     function fillKeys() {
         const rows = [["j, k", "the next caption, the one before (arrows in the list)"], ["n, p", "the next caption with a finding, the one before"], ["+, −, 0", "zoom in, out, the whole film"], ["/", "search"], ["in the timeline", "left and right go by captions, up and down zoom, page keys move, Home and End"]];
-        byId("keys").append(Zyr.make("dl", {}, rows.flatMap(([key, what]) => [Zyr.make("dt", { textContent: key }), Zyr.make("dd", { textContent: what })])));
+        byId("keys").append(Zyr.make("dl", {}, rows.flatMap(([key, what]) => [Zyr.make("dt", { textContent: Zyr.say(key) }), Zyr.make("dd", { textContent: Zyr.say(what) })])));
     }
 
     // The address may be of another writing of the file: there the caption at that time is meant. Without one the first.
@@ -141,7 +144,6 @@
         return choose(captions.reduce((a, b) => (off(b) < off(a) ? b : a)).number);
     }
 
-    const asked = state.get("caption") >= 0;
     document.body.classList.toggle("bare", captions.length === 0);
     pictures.use(state.get("output"));
     findAgain();
@@ -149,8 +151,8 @@
     fillKeys();
     const timeline = new Zyr.Timeline(byId("time"), { captions, lanes: laneNames, end: data.file.end }, choose);
     const stage = new Zyr.Stage(byId("stage"), pictures, [
-        makeStep("‹", "The caption before", -1), makeStep("›", "The next caption", 1),
-        makeStep("‹ finding", "The caption with a finding before", -1, hasFinding), makeStep("finding ›", "The next caption with a finding", 1, hasFinding),
+        makeStep("‹", Zyr.say("The caption before"), -1), makeStep("›", Zyr.say("The next caption"), 1),
+        makeStep(Zyr.say("‹ finding"), Zyr.say("The caption with a finding before"), -1, hasFinding), makeStep(Zyr.say("finding ›"), Zyr.say("The next caption with a finding"), 1, hasFinding),
     ]);
     const list = new Zyr.CaptionList(byId("captions"), captions, pictures, choose);
     fillFilters();
@@ -160,7 +162,7 @@
     if (state.get("to") > state.get("from")) timeline.show(state.get("from"), state.get("to"));
     timeline.onRange = (from, to) => state.set({ from, to });
     filter();
-    showChosen(asked);
+    showChosen(scroll);
     state.listen((changed) => {
         if (changed.includes("output")) {
             pictures.use(state.get("output"));
@@ -169,7 +171,6 @@
         if (changed.some((name) => ["q", "language", "finding"].includes(name))) filter();
         if (changed.includes("caption") || changed.includes("output")) showChosen(changed.includes("caption"));
     });
-    document.addEventListener("keydown", press);
-    if (data.watch) Zyr.watch(data.watch, state);
-    document.documentElement.dataset.ready = "true";
-})();
+    document.addEventListener("keydown", press, { signal: ended.signal });
+    return { captions, choose, close: () => ended.abort() };
+};

@@ -18,15 +18,15 @@ Zyr.Timeline = class {
         this.byStart = captions.map((_, at) => at).sort((a, b) => captions[a].start - captions[b].start || a - b);
         this.svg = Zyr.draw("svg", { height: Zyr.Timeline.AXIS + lanes.length * Zyr.Timeline.LANE, "aria-hidden": "true" });
         this.slider = Zyr.make("div", {
-            className: "slider", tabIndex: 0, role: "slider", "aria-label": "Time in the film",
-            "aria-valuemin": 0, "aria-valuemax": this.end, "aria-valuenow": 0, "aria-valuetext": "no caption chosen",
+            className: "slider", tabIndex: 0, role: "slider", "aria-label": Zyr.say("Time in the film"),
+            "aria-valuemin": 0, "aria-valuemax": this.end, "aria-valuenow": 0, "aria-valuetext": Zyr.say("no caption chosen"),
         });
         this.slider.append(this.svg);
         this.span = Zyr.make("output", { className: "span" });
         root.append(Zyr.make("div", { className: "lanes" }, this.slider), Zyr.make("div", { className: "zoom" },
-            this.makeButton("−", "Zoom out", () => this.zoom(2)),
-            this.makeButton("+", "Zoom in", () => this.zoom(0.5)),
-            this.makeButton("All", "All of the film", () => this.show(0, this.end)),
+            this.makeButton("−", Zyr.say("Zoom out"), () => this.zoom(2)),
+            this.makeButton("+", Zyr.say("Zoom in"), () => this.zoom(0.5)),
+            this.makeButton(Zyr.say("All"), Zyr.say("All of the film"), () => this.show(0, this.end)),
             this.span));
         this.listen();
         new ResizeObserver(() => {
@@ -80,7 +80,7 @@ Zyr.Timeline = class {
         if (!caption) return this.redraw();
         Zyr.set(this.slider, {
             "aria-valuenow": Math.min(Math.max(caption.start, 0), this.end),
-            "aria-valuetext": `${Zyr.formatTime(caption.start)}, caption ${at + 1}`,
+            "aria-valuetext": Zyr.say("%1, caption %2", Zyr.formatTime(caption.start), caption.name),
         });
         const [from, to] = this.range;
         if (caption.start < from || caption.start > to) this.move(caption.start - (from + to) / 2);

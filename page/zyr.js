@@ -25,6 +25,10 @@ Zyr.draw = (tag, attributes = {}, text = "") => {
     return element;
 };
 
+// What the page says in another language: the English text, and the other; %1 and so on stand for values.
+Zyr.words = {};
+Zyr.say = (text, ...values) => values.reduce((said, value, at) => said.replace(`%${at + 1}`, () => value), Zyr.words[text] ?? text);
+
 const pad = (number, digits) => String(number).padStart(digits, "0");
 
 // 90500 is 0:01:30.500
@@ -44,20 +48,22 @@ Zyr.parseTime = (text) => {
     return Math.round(((Number(parts[1] || 0) * 60 + Number(parts[2])) * 60 + Number(parts[3])) * 1000);
 };
 
-Zyr.count = (number, one, many = `${one}s`) => `${number.toLocaleString("en")} ${number === 1 ? one : many}`;
+Zyr.count = (number, one, many = `${one}s`) => Zyr.say(`%1 ${number === 1 ? one : many}`, number.toLocaleString("en"));
 
 // Letter case and the two spellings of an accented letter make no difference to a search.
 Zyr.fold = (text) => text.normalize("NFC").toLowerCase();
 
 Zyr.SEVERITIES = ["lost", "changed", "doubtful"];
 
-// What is chosen on the page, and who wants to hear of it. It stands in the address, so that a page can be left and
-// come back to, and told to somebody else.
+// What is chosen on the page, and who wants to hear of it. It stands in the address of a page that shows one file, so that
+// it can be left and come back to, and told to somebody else.
 Zyr.State = class {
-    constructor(defaults) {
+    constructor(defaults, inAddress = true) {
         this.defaults = defaults;
         this.values = { ...defaults };
         this.listeners = [];
+        this.inAddress = inAddress;
+        if (!inAddress) return;
         const asked = new URLSearchParams(location.hash.slice(1));
         for (const name of Object.keys(defaults)) {
             if (!asked.has(name)) continue;
@@ -80,6 +86,7 @@ Zyr.State = class {
         Object.assign(this.values, changes);
         if (changed.length === 0) return;
         for (const listener of this.listeners) listener(changed);
+        if (!this.inAddress) return;
         clearTimeout(this.timer);
         this.timer = setTimeout(() => this.write(), 100);
     }

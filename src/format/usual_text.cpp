@@ -268,7 +268,7 @@ bool Close_WrappedLine(UsualText &stText)
 
 inline uint32_t Count_LineUnits(const UsualText &stText, uint32_t uiUnitBytes)
 {
-    return static_cast<uint32_t>(stText.pucOut - stText.pucLine - stText.uiTrails) >> (uiUnitBytes - 1);
+    return (static_cast<uint32_t>(stText.pucOut - stText.pucLine) - stText.uiTrails) >> (uiUnitBytes - 1);
 }
 
 /** Close the current line, which may be too long or end with a blank. */

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 
+#include "read_bytes.h"
 #include "text_tools.h"
 
 static constexpr int64_t LAST_CAPTION_MS = 5000;
@@ -67,7 +65,7 @@ Outcome CaptionFile::Open(const std::string &strMovie, const SourceOptions &stOp
 {
     const LoadOptions stLoad(stOptions);
     if (strMovie == "-") {
-        m_strInput.assign(std::istreambuf_iterator<char>(std::cin), {});
+        m_strInput = Read_Input();
         m_pstList.reset(zyrCaptions_loadMemory(m_strInput.data(), m_strInput.size(), "-", stLoad.Get()));
     } else {
         m_pstList.reset(zyrCaptions_load(strMovie.c_str(), stLoad.Get()));
@@ -127,8 +125,7 @@ std::vector<uint32_t> CaptionFile::List_Classes() const
 std::string CaptionFile::Read_Bytes() const
 {
     if (!m_strInput.empty()) return m_strInput;
-    std::ifstream stFile(Get_File().pszFile, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stFile), {}};
+    return Read_FileBytes(Get_File().pszFile);
 }
 
 // 16-bit text without its zero bytes: all that is looked for is ASCII.

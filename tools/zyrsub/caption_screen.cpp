@@ -83,17 +83,3 @@ std::vector<std::string> CaptionScreen::List_Missing(const std::string &strText)
     for (const uint32_t uiCharacter : auiMissing) astrMissing.push_back(Show_Character(uiCharacter));
     return astrMissing;
 }
-
-ZyrCaptionOutput Get_Output(uint32_t uiOutput)
-{
-    ZyrCaptionOutput stOutput;
-    zyrCaptions_getOutput(uiOutput, &stOutput);
-    return stOutput;
-}
-
-uint32_t Count_Outputs()
-{
-    uint32_t uiOutputs = 0;
-    while (Get_Output(uiOutputs).pszName != nullptr) ++uiOutputs;
-    return uiOutputs;
-}

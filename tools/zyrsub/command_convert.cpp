@@ -5,10 +5,10 @@
 #include <climits>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <unistd.h>
 
 #include "convert_write.h"
+#include "read_bytes.h"
 #include "report_json.h"
 #include "safe_file.h"
 #include "text_tools.h"
@@ -97,8 +97,7 @@ static size_t Count_Captions(const Track &stTrack)
 // Left by a run that was stopped before it could tell of it.
 static bool Holds_Text(const std::string &strFile, const std::string &strText)
 {
-    std::ifstream stFile(strFile, std::ios::binary);
-    return stFile && std::string(std::istreambuf_iterator<char>(stFile), {}) == strText;
+    return access(strFile.c_str(), R_OK) == 0 && Read_FileBytes(strFile) == strText;
 }
 
 static ConvertedFile Write_Output(const ConvertOptions &stConvert, const std::string &strFile,
@@ -239,7 +238,7 @@ static ExitCode Refuse(const Outcome &stOutcome, JsonReport &stJson)
     return stOutcome.eCode;
 }
 
-static ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
+ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson)
 {
     const ConvertOptions &stConvert = stOptions.stConvert;
     const Outcome stUsable = Check_Options(stOptions);

@@ -15,6 +15,10 @@ ExitCode Run_Lint(const Options &stOptions);
 ExitCode Run_Play(const Options &stOptions);
 ExitCode Run_Report(const Options &stOptions);
 
+// Of convert: all inputs into what is asked for.
+class JsonReport;
+ExitCode Convert_Inputs(const Options &stOptions, JsonReport &stJson);
+
 // One input, or several that fail alike, give the failure's own code.
 ExitCode Combine_Codes(const std::vector<ExitCode> &aeCodes);
 

@@ -1,13 +1,10 @@
 #include "fix_file.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 
 #include "fix_rules.h"
 #include "lint_file.h"
+#include "read_bytes.h"
 #include "text_encode.h"
 #include "text_tools.h"
 
@@ -47,12 +44,6 @@ static std::string Make_Bytes(const std::string &strText, bool bMark)
         else
             strBytes += cChar;
     return strBytes;
-}
-
-static std::string Read_Whole(const std::string &strFile)
-{
-    std::ifstream stFile(strFile, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stFile), {}};
 }
 
 static const char *Get_Ending(uint32_t uiFormat)
@@ -167,14 +158,14 @@ static FindingsOwner Load(const std::string &strMovie, const Options &stOptions,
     if (stSource.bSingleByte) stLoad.uiFlags = ZYR_CAPTIONS_SINGLE_BYTE;
     const ZyrFindingsOptions stSearch = {&stLoad, 0, 0, nullptr, 0};
     if (strMovie == "-") {
-        strBytes.assign(std::istreambuf_iterator<char>(std::cin), {});
+        strBytes = Read_Input();
         return {zyrFindings_loadMemory(strBytes.data(), strBytes.size(), nullptr, &stSearch),
                 zyrFindings_free};
     }
     FindingsOwner pstFindings(zyrFindings_load(strMovie.c_str(), &stSearch), zyrFindings_free);
     ZyrCaptionsFile stFile;
     zyrCaptions_getFile(zyrFindings_getCaptions(pstFindings.get()), &stFile);
-    if (zyrFindings_getError(pstFindings.get()) == ZYR_CAPTIONS_OK) strBytes = Read_Whole(stFile.pszFile);
+    if (zyrFindings_getError(pstFindings.get()) == ZYR_CAPTIONS_OK) strBytes = Read_FileBytes(stFile.pszFile);
     return pstFindings;
 }
 

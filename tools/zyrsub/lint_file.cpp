@@ -1,9 +1,8 @@
 #include "lint_file.h"
 
 #include <algorithm>
-#include <iostream>
-#include <iterator>
 
+#include "read_bytes.h"
 #include "text_tools.h"
 
 ExitCode Get_FindingsCode(const ZyrFindings *pstFindings)
@@ -36,7 +35,7 @@ Outcome LintFile::Open(const std::string &strMovie, const Options &stOptions)
                                    stLint.uiFontSize};
     m_strMovie = strMovie;
     if (strMovie == "-") {
-        const std::string strInput(std::istreambuf_iterator<char>(std::cin), {});
+        const std::string strInput = Read_Input();
         m_pstFindings.reset(zyrFindings_loadMemory(strInput.data(), strInput.size(), nullptr, &stSearch));
     } else {
         m_pstFindings.reset(zyrFindings_load(strMovie.c_str(), &stSearch));

@@ -5,10 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
-#include "base64.h"
 #include "caption_screen.h"
 #include "line_ends.h"
-#include "progress.h"
 #include "report_text.h"
 #include "text_tools.h"
 #include "time_text.h"
@@ -20,14 +18,15 @@ static constexpr int32_t OPEN_MS = 5000; // how long the timeline shows what not
 
 using FindingsPtr = std::unique_ptr<ZyrFindings, void (*)(ZyrFindings *)>;
 
-// Those of the first output; the captions of the two loads have the same numbers.
+// Those of the first output, if there is one; the captions of the two loads have the same numbers.
 static FindingsPtr Load_Findings(const Options &stOptions, const CaptionFile &stFile)
 {
     const LoadOptions stLoad(stOptions.stSource);
     ZyrFindingsOptions stFind = {};
     stFind.pstCaptions = stLoad.Get();
     stFind.uiFontSize = stOptions.stScreen.uiFontSize;
-    stFind.pszOutput = Get_Output(stOptions.stPage.auiOutputs.front()).pszName;
+    if (!stOptions.stPage.auiOutputs.empty())
+        stFind.pszOutput = Get_Output(stOptions.stPage.auiOutputs.front()).pszName;
     const std::string strBytes = stFile.Is_Input() ? stFile.Read_Bytes() : "";
     ZyrFindings *const pstFindings =
         stFile.Is_Input() ? zyrFindings_loadMemory(strBytes.data(), strBytes.size(), nullptr, &stFind)
@@ -200,63 +199,29 @@ static ordered_json Describe_Facts(const CaptionFile &stFile, const LineEnds &st
     return jsFacts;
 }
 
-static ordered_json Describe_Picture(CaptionScreen &stScreen, const std::string &strText)
-{
-    ZyrCaptionBox stBox = {};
-    const Picture stPicture = stScreen.Draw_Alone(strText, stBox);
-    if (stPicture.aucRgba.empty()) return nullptr;
-    return {{"x", stBox.uiX},
-            {"y", stBox.uiY},
-            {"width", stBox.uiWidth},
-            {"height", stBox.uiHeight},
-            {"png", Encode_Base64(Encode_Png(stPicture))}};
-}
-
-static Outcome Describe_Outputs(const Options &stOptions, const TextTable &stTexts, ordered_json &jsOutputs)
-{
-    const std::vector<uint32_t> &auiOutputs = stOptions.stPage.auiOutputs;
-    size_t uiDone = 0;
-    jsOutputs = ordered_json::array();
-    for (const uint32_t uiOutput : auiOutputs) {
-        ScreenOptions stWanted = stOptions.stScreen;
-        stWanted.uiOutput = uiOutput;
-        CaptionScreen stScreen;
-        Outcome stOpened = stScreen.Open(stWanted);
-        if (!stOpened.IsGood()) return stOpened;
-        ordered_json jsPictures = ordered_json::array();
-        for (const std::string &strText : stTexts.Get()) {
-            jsPictures.push_back(Describe_Picture(stScreen, strText));
-            Show_Progress(++uiDone, stTexts.Get().size() * auiOutputs.size());
-        }
-        jsOutputs.push_back({{"name", Get_Output(uiOutput).pszName},
-                             {"width", stScreen.Get_Width()},
-                             {"height", stScreen.Get_Height()},
-                             {"pictures", std::move(jsPictures)}});
-    }
-    return {};
-}
-
 static std::string Get_FileName(const CaptionFile &stFile)
 {
     const std::string strPath = stFile.Get_File().pszFile;
     return strPath.substr(strPath.rfind('/') + 1);
 }
 
-Outcome Describe_Page(const Options &stOptions, const CaptionFile &stFile, ordered_json &jsPage)
+ordered_json Describe_File(const Options &stOptions, const CaptionFile &stFile,
+                           std::vector<std::string> &astrTexts)
 {
     TextTable stTexts;
     const LineEnds stEnds = Find_LineEnds(stFile, stOptions.stSource);
     const bool bBoxReads =
         stOptions.stSource.bRawLineEnds || stFile.Is_Input() || stEnds.uiLf + stEnds.uiCr == 0;
     ordered_json jsCaptions = Describe_Captions(stFile, stOptions.stSource, bBoxReads, stTexts);
-    jsPage = {{"schema", 1},
-              {"file",
-               {{"name", Get_FileName(stFile)},
-                {"format", stFile.Get_File().pszFormat},
-                {"end", stFile.Get_End()}}},
-              {"facts", Describe_Facts(stFile, stEnds, jsCaptions.size())},
-              {"classes", Describe_Classes(stFile)},
-              {"findings", Describe_Findings(Load_Findings(stOptions, stFile).get(), stFile)}};
+    ordered_json jsPage = {{"schema", 1},
+                           {"file",
+                            {{"name", Get_FileName(stFile)},
+                             {"format", stFile.Get_File().pszFormat},
+                             {"end", stFile.Get_End()}}},
+                           {"facts", Describe_Facts(stFile, stEnds, jsCaptions.size())},
+                           {"classes", Describe_Classes(stFile)},
+                           {"findings", Describe_Findings(Load_Findings(stOptions, stFile).get(), stFile)}};
     jsPage["captions"] = std::move(jsCaptions);
-    return Describe_Outputs(stOptions, stTexts, jsPage["outputs"]);
+    astrTexts = stTexts.Get();
+    return jsPage;
 }

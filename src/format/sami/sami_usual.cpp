@@ -207,7 +207,7 @@ bool Begin_SamiTags(SamiTagFinder *pstFinder, const SamiClassForms *pstForms)
 {
     UsualText &stText = pstFinder->stText;
     if (!Point_UsualText(&stText)) return false;
-    const ptrdiff_t iHeadBytes = ptrdiff_t{HEAD_UNITS} * stText.uiUnitBytes;
+    const auto iHeadBytes = static_cast<ptrdiff_t>(HEAD_UNITS * stText.uiUnitBytes);
     stText.pucEnd = Look_Ahead().pucEnd;
     if (stText.pucEnd - stText.pucByte < iHeadBytes) return false;
     pstFinder->pucLast = stText.pucEnd - iHeadBytes;
