@@ -9,9 +9,9 @@ from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 
 
-def start_browser():
+def start_browser(*more):
     options = Options()
-    for argument in ("--headless=new", "--hide-scrollbars", "--disable-gpu", "--disable-dev-shm-usage"):
+    for argument in ("--headless=new", "--hide-scrollbars", "--disable-gpu", "--disable-dev-shm-usage", *more):
         options.add_argument(argument)
     if os.geteuid() == 0:
         options.add_argument("--no-sandbox")
