@@ -233,6 +233,11 @@ bool Is_ReaderAt(void *hFile, int64_t llPos)
     return llTold >= 0 && !bMoved && llHere == llPos;
 }
 
+int32_t Hold_NextByte(void *hFile)
+{
+    return Get_HeldBytes(Get_StreamInfo()) > 0 ? 1 : Refill(hFile);
+}
+
 int32_t Fill_StreamBuffer(void *hFile)
 {
     CaptionStreamInfo &stInfo = Get_StreamInfo();

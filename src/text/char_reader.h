@@ -73,6 +73,9 @@ int64_t Move_ReadPosition(void *hFile, int64_t llPos, ReadAhead eReadAhead);
  */
 bool Go_ToHeld(const void *hFile, int64_t llPos);
 
+/** Have the buffer hold what is read next. @return 1, or what reading it gives: 0 at the end of the file, negative (logged) */
+int32_t Hold_NextByte(void *hFile);
+
 /** Refill the current stream's buffer. @return bytes read, 0 at the end of the file, negative on an error. */
 int32_t Fill_StreamBuffer(void *hFile);
 

@@ -169,14 +169,14 @@ int32_t Finish_Line(const SSAFrameInfo &stFrame)
     return FRAME;
 }
 
-/** The literal reading of a line. */
-int32_t Read_Line(void *hFile)
+/** The literal reading of a line. @param[in] iHeld  as Hold_NextByte() gave it */
+int32_t Read_Line(void *hFile, int32_t iHeld)
 {
     s_pstTagControlInfo->uiTagLength = 0;
     FrameScan stScan = {};
     while (!stScan.bLineEnd) {
         uint16_t usChar = 0;
-        const int32_t iResult = Get_CharCode(hFile, &usChar, 0);
+        const int32_t iResult = iHeld > 0 ? Get_CharCode(hFile, &usChar, 0) : iHeld;
         if (iResult < 0) return Fail_Read("FrameParser_SSA", iResult);
         if (iResult == 0) {
             Mark_EndOfData();
@@ -223,8 +223,9 @@ const CaptionFrameNode *Move_Cursor(uint32_t uiTargetMs, uint32_t bBackward)
         return -1;
     }
     pstQuibCaptionParserInfo->llCurrFilePos = llReached;
-    const SSAFrameInfo *const pstUsual = bTryUsual ? Take_UsualDialogue() : nullptr;
-    return pstUsual != nullptr ? Finish_Line(*pstUsual) : Read_Line(hFile);
+    const int32_t iHeld = Hold_NextByte(hFile);
+    const SSAFrameInfo *const pstUsual = bTryUsual && iHeld > 0 ? Take_UsualDialogue() : nullptr;
+    return pstUsual != nullptr ? Finish_Line(*pstUsual) : Read_Line(hFile, iHeld);
 }
 
 } // namespace
