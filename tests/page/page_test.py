@@ -292,6 +292,7 @@ class Page(PageTest):
         captions = self.report(path)["captions"]
         self.choose(path)
         self.one("#film-panel summary").click()
+        self.wait(lambda: self.all("#film-file"))
         self.one("#film-file").send_keys(str(film))
         self.wait(lambda: self.script("return document.querySelector('#film video').readyState >= 2"))
         for caption in captions[:3]:
